@@ -1,0 +1,72 @@
+#include "app/AppActions.h"
+
+#include "app/AppContext.h"
+#include "app/DialogService.h"
+#include "app/SettingsStore.h"
+
+#include <QStringList>
+
+using namespace Qt::StringLiterals;
+
+namespace sx {
+
+namespace {
+
+QString settingsChangeTitle()
+{
+    return appTitle() + u" / Αλλαγή παραμέτρων εφαρμογής"_s;
+}
+
+// A version part in decimal without leading zeros; anything else counts as 0.
+int versionPart(const QStringList& parts, qsizetype index)
+{
+    if (index >= parts.size())
+        return 0;
+    bool ok = false;
+    const int n = parts.at(index).trimmed().toInt(&ok);
+    return ok && n >= 0 ? n : 0;
+}
+
+} // namespace
+
+QString softwareVersionText(const QString& version)
+{
+    const QStringList parts = version.split(u'.');
+    // Four parts are a file version (major.minor.0.revision); three are
+    // major.minor.revision.
+    const qsizetype revision = parts.size() >= 4 ? 3 : 2;
+    return u"V"_s + QString::number(versionPart(parts, 0)) + u'.' +
+           QString::number(versionPart(parts, 1)) + QString::number(versionPart(parts, revision));
+}
+
+void showSoftInfo(AppContext& ctx, QWidget* parent)
+{
+    ctx.dialogs->message(parent, DialogService::Icon::Information, u"Πληροφορίες εφαρμογής"_s,
+                         u"Έκδοση Λογισμικού:\r\n"_s + appTitle() + u' ' +
+                             softwareVersionText(QStringLiteral(SX_VERSION)));
+}
+
+void changeAppSettings(AppContext& ctx, QWidget* parent)
+{
+    const auto code = ctx.dialogs->codePrompt(
+        parent, settingsChangeTitle(), u"Παρακαλώ εισάγετε τον κωδικό προστασίας παραμέτρων"_s);
+    if (!code || code->isEmpty())
+        return;
+    if (*code != ctx.settings->protectionCode()) {
+        ctx.dialogs->message(parent, DialogService::Icon::Critical, settingsChangeTitle(),
+                             u"Λάθος κωδικός !"_s);
+        return;
+    }
+    if (!ctx.dialogs->settingsDialog(parent))
+        return;
+    ctx.settings->setApp(u"Init"_s, u"1"_s);
+    ctx.settings->sync();
+    ctx.dialogs->message(parent, DialogService::Icon::Information, settingsChangeTitle(),
+                         u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\n"
+                         u"Οι αλλαγές θα ισχύσουν απο την επόμενη φορά που θα εκτελεστεί η εφαρμογή "_s +
+                             appTitle());
+    if (ctx.terminate)
+        ctx.terminate();
+}
+
+} // namespace sx

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace sx {
+
+struct AppContext;
+
+// "Πληροφορίες εφαρμογής": the version box.
+void showSoftInfo(AppContext& ctx, QWidget* parent);
+
+// "V" + major + "." + minor + revision of a version text ("1.1.0.9" gives
+// "V1.19", "1.0.0" gives "V1.00"): the revision is the last of three or four parts.
+[[nodiscard]] QString softwareVersionText(const QString& version);
+
+// "Παράμετροι εφαρμογής": the protected settings change. After a completed
+// change the console ends (ctx.terminate); otherwise it returns.
+void changeAppSettings(AppContext& ctx, QWidget* parent);
+
+} // namespace sx

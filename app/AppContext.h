@@ -1,0 +1,55 @@
+#pragma once
+
+#include "model/Database.h"
+
+#include <QDateTime>
+#include <QStringList>
+
+#include <functional>
+
+namespace sx {
+
+class DialogService;
+class SettingsStore;
+class QueryFailureReporter;
+class Navigator;
+
+inline constexpr char16_t kAppTitle[] = u"SENTORAX Monitor";
+[[nodiscard]] inline QString appTitle()
+{
+    return QString::fromUtf16(kAppTitle);
+}
+
+// The time as the console sees it; tests move it on to reach time-outs quickly.
+class Clock {
+public:
+    virtual ~Clock() = default;
+    [[nodiscard]] virtual QDateTime now() const { return QDateTime::currentDateTime(); }
+};
+
+// What every view shares: the one connection, the unit serials of the list
+// filled last, the dialogs, the settings and the way out. Tests build one
+// against a scratch database with scripted dialogs.
+struct AppContext {
+    Database* db = nullptr;
+    DialogService* dialogs = nullptr;
+    SettingsStore* settings = nullptr;
+    Clock* clock = nullptr;
+    QueryFailureReporter* failures = nullptr;
+    Navigator* navigator = nullptr;
+
+    // Serial of each entry of the unit list filled last; "*" for "ΟΛΑ".
+    QStringList systemSerials;
+
+    // The shutdown steps: close the connection (errors ignored) and end the
+    // process. Tests replace it to see that it was reached.
+    std::function<void()> terminate;
+
+    [[nodiscard]] DbKind dbKind() const { return db ? db->kind() : DbKind::SQLite; }
+    [[nodiscard]] QString serialAt(int index) const
+    {
+        return index >= 0 && index < systemSerials.size() ? systemSerials.at(index) : QString();
+    }
+};
+
+} // namespace sx

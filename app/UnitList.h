@@ -1,0 +1,26 @@
+#pragma once
+
+#include "model/Database.h"
+
+#include <QList>
+#include <QString>
+
+namespace sx {
+
+class ViewWindow;
+
+struct UnitEntry {
+    QString serial;
+    QString text; // "name [location] (serial)"
+};
+
+// The units in use, ordered by name (missing names first), with the list texts.
+[[nodiscard]] QList<UnitEntry> readUnitList(Database& db, DbError* error = nullptr);
+
+// FillSystemSelect: refills the view's unit list and the shared serials, adds
+// "ΟΛΑ" when asked and there are two or more units, and selects the entry at
+// `initialIndex` (entry 0 when out of range), which raises the view's
+// selection event. An empty list selects nothing.
+void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll);
+
+} // namespace sx

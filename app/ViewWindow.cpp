@@ -1,0 +1,97 @@
+#include "app/ViewWindow.h"
+
+#include "app/DialogService.h"
+#include "app/NavigationFrame.h"
+#include "app/Navigator.h"
+#include "app/QueryFailureReporter.h"
+#include "model/QueryHelpers.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QMenu>
+
+using namespace Qt::StringLiterals;
+
+namespace sx {
+
+void confirmExit(AppContext& ctx, QWidget* parent)
+{
+    const auto answer = ctx.dialogs->message(
+        parent, DialogService::Icon::None, appTitle(),
+        u"Είστε βέβαιοι ότι θέλετε να τερματίσετε την εφαρμογή "_s + appTitle() + u" ;"_s,
+        DialogService::Buttons::YesNo);
+    if (answer == DialogService::Answer::Yes && ctx.terminate)
+        ctx.terminate();
+}
+
+ViewWindow::ViewWindow(AppContext& ctx, ViewId id, const QString& viewName, QWidget* parent)
+    : QMainWindow(parent), m_ctx(ctx), m_id(id)
+{
+    setWindowTitle(appTitle() + u" / "_s + viewName);
+    auto* central = new QWidget(this);
+    central->setObjectName(u"central"_s);
+    setCentralWidget(central);
+    m_nav = new NavigationFrame(id, central);
+    connect(m_nav, &NavigationFrame::navigate, this, [this](ViewId target) {
+        if (m_ctx.navigator)
+            m_ctx.navigator->navigate(*this, target);
+    });
+    connect(systemSelect(), &QComboBox::activated, this, [this](int index) { unitSelected(index); });
+}
+
+QComboBox* ViewWindow::systemSelect() const
+{
+    return m_nav->systemSelect();
+}
+
+int ViewWindow::unitIndex() const
+{
+    return systemSelect()->currentIndex();
+}
+
+QString ViewWindow::selectedSerial() const
+{
+    return m_ctx.serialAt(unitIndex());
+}
+
+void ViewWindow::updateNewMessagesIndicator()
+{
+    DbError e;
+    const bool on = hasMessages(*m_ctx.db, MessageKind::New, {}, &e);
+    if (e.isError() && m_ctx.failures) {
+        m_ctx.failures->report(e, this);
+        return;
+    }
+    m_nav->setNewMessages(on);
+}
+
+void ViewWindow::unloadByProgram()
+{
+    m_unloading = true;
+    close();
+    deleteLater();
+}
+
+void ViewWindow::addExitItem(QMenu* menu)
+{
+    QAction* exit = menu->addAction(u"Έξοδος"_s);
+    exit->setObjectName(u"Terminateprg"_s);
+    connect(exit, &QAction::triggered, this, [this] { confirmExit(m_ctx, this); });
+}
+
+void ViewWindow::closeEvent(QCloseEvent* event)
+{
+    if (m_unloading) {
+        event->accept();
+        return;
+    }
+    // Closing any view ends the application: the user is asked, anything else
+    // (log-off, shutdown) ends it without asking.
+    event->ignore();
+    if (event->spontaneous())
+        confirmExit(m_ctx, this);
+    else if (m_ctx.terminate)
+        m_ctx.terminate();
+}
+
+} // namespace sx

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "app/AppContext.h"
+#include "app/ViewId.h"
+
+#include <QMainWindow>
+
+class QComboBox;
+
+namespace sx {
+
+class NavigationFrame;
+
+// What the four main views share: title, navigation frame with the unit list,
+// the messages indicator and the exit rules of a close request.
+class ViewWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    ViewWindow(AppContext& ctx, ViewId id, const QString& viewName, QWidget* parent = nullptr);
+
+    [[nodiscard]] ViewId viewId() const { return m_id; }
+    [[nodiscard]] AppContext& context() const { return m_ctx; }
+    [[nodiscard]] NavigationFrame* navigation() const { return m_nav; }
+    [[nodiscard]] QComboBox* systemSelect() const;
+    // The selected entry of the unit list, -1 when it is empty.
+    [[nodiscard]] int unitIndex() const;
+    // The serial of the selected entry ("*" for "ΟΛΑ"), empty when none.
+    [[nodiscard]] QString selectedSerial() const;
+
+    // The selection event of the unit list: load the view's data for the entry.
+    virtual void unitSelected(int index) = 0;
+
+    // Sets the messages button from HasMessages (new, any unit).
+    void updateNewMessagesIndicator();
+
+    // Closes the window without asking (navigation away from it).
+    void unloadByProgram();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    // Adds "Έξοδος" (Terminateprg) to a menu.
+    void addExitItem(class QMenu* menu);
+
+private:
+    AppContext& m_ctx;
+    ViewId m_id;
+    NavigationFrame* m_nav = nullptr;
+    bool m_unloading = false;
+};
+
+// Asks whether to end the application; on Yes runs the shutdown steps.
+void confirmExit(AppContext& ctx, QWidget* parent);
+
+} // namespace sx

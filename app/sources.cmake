@@ -1,0 +1,18 @@
+target_sources(sxgui PRIVATE
+    ${CMAKE_CURRENT_LIST_DIR}/AppContext.h
+    ${CMAKE_CURRENT_LIST_DIR}/Colors.h
+    ${CMAKE_CURRENT_LIST_DIR}/DialogService.h
+    ${CMAKE_CURRENT_LIST_DIR}/Navigator.h ${CMAKE_CURRENT_LIST_DIR}/Navigator.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/NavigationFrame.h ${CMAKE_CURRENT_LIST_DIR}/NavigationFrame.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/QueryFailureReporter.h ${CMAKE_CURRENT_LIST_DIR}/QueryFailureReporter.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/SettingsStore.h ${CMAKE_CURRENT_LIST_DIR}/SettingsStore.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/Twips.h ${CMAKE_CURRENT_LIST_DIR}/Twips.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/UnitList.h ${CMAKE_CURRENT_LIST_DIR}/UnitList.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/ViewId.h
+    ${CMAKE_CURRENT_LIST_DIR}/ViewWindow.h ${CMAKE_CURRENT_LIST_DIR}/ViewWindow.cpp
+)
+target_sources(sxgui PRIVATE
+    ${CMAKE_CURRENT_LIST_DIR}/AppActions.h
+    ${CMAKE_CURRENT_LIST_DIR}/ChoosePrinter.h ${CMAKE_CURRENT_LIST_DIR}/ChoosePrinter.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/GeneralDelay.h ${CMAKE_CURRENT_LIST_DIR}/GeneralDelay.cpp
+)

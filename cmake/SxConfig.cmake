@@ -1,0 +1,16 @@
+# Every target of the project links sx_config: warnings, Qt safety macros, sanitizers.
+add_library(sx_config INTERFACE)
+target_compile_options(sx_config INTERFACE -Wall -Wextra -Wpedantic -Wshadow)
+if(SX_WERROR)
+    target_compile_options(sx_config INTERFACE -Werror)
+endif()
+target_compile_definitions(sx_config INTERFACE
+    QT_NO_CAST_FROM_ASCII
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+    QT_NO_URL_CAST_FROM_STRING
+    SX_VERSION="${PROJECT_VERSION}")
+if(SX_SANITIZE)
+    list(JOIN SX_SANITIZE "," _sx_san)
+    target_compile_options(sx_config INTERFACE -fsanitize=${_sx_san} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(sx_config INTERFACE -fsanitize=${_sx_san})
+endif()

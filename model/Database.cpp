@@ -1,0 +1,301 @@
+#include "model/Database.h"
+
+#include "model/Dialect.h"
+#include "model/NativeCursors.h"
+#include "model/SqlDateTime.h"
+
+#include <QAtomicInt>
+#include <QFileInfo>
+#include <QSqlError>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace sx {
+
+namespace {
+
+QAtomicInt g_connectionCounter;
+
+DbError fileError(const QString& description)
+{
+    DbError e;
+    e.number = kProviderErrorNumber;
+    e.description = description;
+    return e;
+}
+
+} // namespace
+
+Database::Database() : m_name(u"sx-db-"_s + QString::number(g_connectionCounter.fetchAndAddRelaxed(1)))
+{
+}
+
+Database::~Database()
+{
+    close();
+    QSqlDatabase::removeDatabase(m_name);
+}
+
+QSqlDatabase Database::qtDatabase() const
+{
+    return QSqlDatabase::database(m_name, false);
+}
+
+bool Database::isOpen() const
+{
+    return QSqlDatabase::contains(m_name) && qtDatabase().isOpen();
+}
+
+void Database::close()
+{
+    if (QSqlDatabase::contains(m_name)) {
+        QSqlDatabase db = qtDatabase();
+        db.close();
+    }
+}
+
+DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
+{
+    close();
+    if (QSqlDatabase::contains(m_name))
+        QSqlDatabase::removeDatabase(m_name);
+    m_settings = settings;
+    m_mode = mode;
+    m_lost = false;
+
+    QSqlDatabase db;
+    switch (settings.kind) {
+    case DbKind::SQLite: {
+        const QFileInfo info(settings.file);
+        if (mode == OpenMode::Existing && !info.exists())
+            return fileError(u"Could not find file '"_s + settings.file + u"'."_s);
+        if (info.exists() && (!info.isFile() || !info.isReadable()))
+            return fileError(u"Cannot open file '"_s + settings.file +
+                             u"'. It is not a readable file."_s);
+        db = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_name);
+        db.setDatabaseName(settings.file);
+        db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=5000"_s);
+        break;
+    }
+    case DbKind::PostgreSQL:
+        db = QSqlDatabase::addDatabase(u"QPSQL"_s, m_name);
+        db.setHostName(settings.serverIp.isEmpty() ? u"localhost"_s : settings.serverIp);
+        if (!settings.serverPort.isEmpty())
+            db.setPort(settings.serverPort.toInt());
+        db.setDatabaseName(settings.dataSource);
+        db.setUserName(settings.user.isEmpty() ? QString::fromUtf16(kDbUser) : settings.user);
+        db.setPassword(settings.password.isEmpty() ? QString::fromUtf16(kDbPassword)
+                                                   : settings.password);
+        db.setConnectOptions(u"connect_timeout=5"_s);
+        break;
+    case DbKind::Access:
+        db = QSqlDatabase::addDatabase(u"QODBC"_s, m_name);
+        db.setDatabaseName(u"DRIVER={Microsoft Access Driver (*.mdb, *.accdb)};DBQ="_s +
+                           settings.file + u";PWD="_s + QString::fromUtf16(kDbPassword));
+        break;
+    case DbKind::Oracle: {
+        const bool oci = QSqlDatabase::isDriverAvailable(u"QOCI"_s);
+        db = QSqlDatabase::addDatabase(oci ? u"QOCI"_s : u"QODBC"_s, m_name);
+        if (oci) {
+            if (!settings.serverIp.isEmpty()) {
+                db.setHostName(settings.serverIp);
+                db.setPort(settings.serverPort.toInt());
+            }
+            db.setDatabaseName(settings.dataSource);
+        } else {
+            db.setDatabaseName(connectionString(settings));
+        }
+        db.setUserName(QString::fromUtf16(kDbUser));
+        db.setPassword(QString::fromUtf16(kDbPassword));
+        break;
+    }
+    }
+
+    if (!db.isValid())
+        return fileError(u"The database driver for this kind of database is not installed."_s);
+    if (!db.open()) {
+        DbError e = dbErrorFromSql(db.lastError());
+        if (settings.kind == DbKind::SQLite && !e.description.contains(settings.file))
+            e.description += u" ('"_s + settings.file + u"')"_s;
+        return e;
+    }
+    if (settings.kind == DbKind::SQLite) {
+        // SQLite opens lazily: only a first read tells a database from any other file.
+        Rows probe = read(u"SELECT count(*) FROM sqlite_master"_s);
+        if (!probe.ok() || !probe.next() || !probe.ok()) {
+            DbError e = probe.error();
+            e.description += u" ('"_s + settings.file + u"')"_s;
+            close();
+            return e;
+        }
+    } else if (settings.kind == DbKind::PostgreSQL) {
+        // The native reader parses ISO date-times.
+        const DbError e = exec(u"SET DateStyle TO ISO, YMD"_s);
+        if (e.isError()) {
+            close();
+            return e;
+        }
+    }
+    return {};
+}
+
+DbError Database::reopen()
+{
+    return open(m_settings, m_mode);
+}
+
+bool Database::connectionLost() const
+{
+    if (m_lost)
+        return true;
+    if (m_settings.kind == DbKind::PostgreSQL && isOpen())
+        return !detail::pgConnectionOk(detail::pgHandle(qtDatabase()));
+    return false;
+}
+
+DbError Database::noteFailure(DbError e)
+{
+    if (!e.isError())
+        return e;
+    if (m_settings.kind == DbKind::PostgreSQL) {
+        if (!isOpen() || !detail::pgConnectionOk(detail::pgHandle(qtDatabase()))) {
+            m_lost = true;
+            e.cause = DbFailureCause::Unreachable;
+        }
+    } else if (!isOpen()) {
+        m_lost = true;
+    }
+    return e;
+}
+
+Rows Database::read(const QString& sql)
+{
+    if (!isOpen())
+        return Rows(noteFailure(fileError(u"The connection to the database is closed."_s)));
+    const QSqlDatabase db = qtDatabase();
+    DbError failure;
+    std::unique_ptr<CursorBackend> backend;
+    if (m_native && m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
+        backend = detail::sqliteCursor(detail::sqliteHandle(db), sql, failure);
+    else if (m_native && m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db))
+        backend = detail::pgCursor(detail::pgHandle(db), sql, failure);
+    else
+        backend = detail::qtCursor(db, sql, failure);
+    if (!backend)
+        return Rows(noteFailure(failure));
+    return Rows(std::move(backend));
+}
+
+Rows Database::readFirst(const QString& sql)
+{
+    Rows rows = read(sqlFirstRowOnly(m_settings.kind, sql));
+    rows.setRowLimit(1);
+    return rows;
+}
+
+bool Database::exists(const QString& sql, DbError* error)
+{
+    Rows rows = readFirst(sql);
+    const bool found = rows.next();
+    if (error)
+        *error = rows.error();
+    return found;
+}
+
+DbError Database::exec(const QString& sql, qint64* rowsAffected)
+{
+    if (!isOpen())
+        return noteFailure(fileError(u"The connection to the database is closed."_s));
+    const QSqlDatabase db = qtDatabase();
+    if (m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
+        return noteFailure(detail::sqliteExec(detail::sqliteHandle(db), sql, rowsAffected));
+    if (m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db))
+        return noteFailure(detail::pgExec(detail::pgHandle(db), sql, rowsAffected));
+    return noteFailure(detail::qtExec(db, sql, rowsAffected));
+}
+
+QString Database::literal(const SqlValue& value) const
+{
+    struct Visitor {
+        DbKind kind;
+        QString operator()(std::monostate) const { return u"NULL"_s; }
+        QString operator()(qint64 v) const { return QString::number(v); }
+        QString operator()(double v) const
+        {
+            if (!std::isfinite(v))
+                return u"NULL"_s;
+            // Shortest text that reads back as the same double, never in the user's locale.
+            return QString::number(v, 'g', 17);
+        }
+        QString operator()(const QString& v) const { return sqlQuote(v); }
+        QString operator()(SqlDateTimeValue v) const { return sqlDateTimeLiteral(kind, v.secs); }
+    };
+    return std::visit(Visitor{m_settings.kind}, value);
+}
+
+DbError Database::insertRow(QStringView table, const QList<SqlAssignment>& values)
+{
+    QString columns;
+    QString literals;
+    for (const SqlAssignment& a : values) {
+        if (!columns.isEmpty()) {
+            columns += u", "_s;
+            literals += u", "_s;
+        }
+        columns += a.column;
+        literals += literal(a.value);
+    }
+    return exec(u"INSERT INTO "_s + table.toString() + u" ("_s + columns + u") VALUES ("_s + literals +
+                u')');
+}
+
+DbError Database::updateRows(QStringView table, const QList<SqlAssignment>& values,
+                             const QString& where, qint64* rowsAffected)
+{
+    QString sets;
+    for (const SqlAssignment& a : values) {
+        if (!sets.isEmpty())
+            sets += u", "_s;
+        sets += a.column + u'=' + literal(a.value);
+    }
+    QString sql = u"UPDATE "_s + table.toString() + u" SET "_s + sets;
+    if (!where.isEmpty())
+        sql += u" WHERE "_s + where;
+    return exec(sql, rowsAffected);
+}
+
+DbError Database::deleteRows(QStringView table, const QString& where, qint64* rowsAffected)
+{
+    QString sql = u"DELETE FROM "_s + table.toString();
+    if (!where.isEmpty())
+        sql += u" WHERE "_s + where;
+    return exec(sql, rowsAffected);
+}
+
+DbError Database::begin()
+{
+    if (m_settings.kind == DbKind::SQLite || m_settings.kind == DbKind::PostgreSQL)
+        return exec(u"BEGIN"_s);
+    QSqlDatabase db = qtDatabase();
+    return db.transaction() ? DbError{} : noteFailure(dbErrorFromSql(db.lastError()));
+}
+
+DbError Database::commit()
+{
+    if (m_settings.kind == DbKind::SQLite || m_settings.kind == DbKind::PostgreSQL)
+        return exec(u"COMMIT"_s);
+    QSqlDatabase db = qtDatabase();
+    return db.commit() ? DbError{} : noteFailure(dbErrorFromSql(db.lastError()));
+}
+
+DbError Database::rollback()
+{
+    if (m_settings.kind == DbKind::SQLite || m_settings.kind == DbKind::PostgreSQL)
+        return exec(u"ROLLBACK"_s);
+    QSqlDatabase db = qtDatabase();
+    return db.rollback() ? DbError{} : noteFailure(dbErrorFromSql(db.lastError()));
+}
+
+} // namespace sx

@@ -1,0 +1,133 @@
+#include "model/print/ReportPainter.h"
+
+#include <QFontDatabase>
+#include <QPagedPaintDevice>
+#include <QPen>
+
+#include <cmath>
+
+namespace sx {
+
+namespace {
+
+constexpr double mmPerInch = 25.4;
+constexpr double twipsPerInch = 1440.0;
+constexpr double a4WidthTwips = 11906.0;
+constexpr double basePointSize = 8.0;
+// A printer's one-pixel line is invisible at 1200 dpi; this is a thin but visible rule.
+constexpr double lineWidthMm = 0.2;
+
+QString reportFamily()
+{
+    // Decided once: the font list does not change while the program runs.
+    static const QString family = [] {
+        const QStringList families = QFontDatabase::families();
+        const auto installed = [&](const QString& name) {
+            return families.contains(name, Qt::CaseInsensitive);
+        };
+        if (installed(QStringLiteral("Arial")))
+            return QStringLiteral("Arial");
+        if (installed(QStringLiteral("Liberation Sans")))
+            return QStringLiteral("Liberation Sans");
+        // Let the font configuration substitute.
+        return QStringLiteral("Arial");
+    }();
+    return family;
+}
+
+} // namespace
+
+QFont reportFont(const QPagedPaintDevice& device)
+{
+    const double widthMm = device.pageLayout().fullRect(QPageLayout::Millimeter).width();
+    // Whole twips, as the page width of a printer is reported.
+    const double widthTwips = std::round(widthMm * twipsPerInch / mmPerInch);
+    QFont font(reportFamily());
+    font.setBold(true);
+    font.setPointSizeF(basePointSize * widthTwips / a4WidthTwips);
+    // Unhinted metrics, so that a layout measured once holds at any resolution.
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
+ReportPainter::ReportPainter(QPagedPaintDevice& device)
+    : m_device(device), m_painter(&device), m_metrics(QFont(), &device)
+{
+    m_unitsPerMmX = device.logicalDpiX() / mmPerInch;
+    m_unitsPerMmY = device.logicalDpiY() / mmPerInch;
+    // The layout's exact millimetres: width() in device pixels is rounded through whole points.
+    const QRectF printable = device.pageLayout().paintRect(QPageLayout::Millimeter);
+    m_pageWidth = printable.width();
+    m_pageHeight = printable.height();
+    if (!m_painter.isActive()) {
+        // Text can still be measured in the report font.
+        m_metrics = QFontMetricsF(reportFont(device), &device);
+        return;
+    }
+    QPen pen(Qt::black);
+    pen.setWidthF(lineWidthMm * m_unitsPerMmX);
+    m_painter.setPen(pen);
+    m_painter.setBrush(Qt::NoBrush);
+    setFont(reportFont(device));
+}
+
+ReportPainter::~ReportPainter()
+{
+    if (m_painter.isActive())
+        m_painter.end();
+}
+
+bool ReportPainter::end()
+{
+    return !m_painter.isActive() || m_painter.end();
+}
+
+void ReportPainter::setFont(const QFont& font)
+{
+    m_painter.setFont(font);
+    m_metrics = QFontMetricsF(font, &m_device);
+}
+
+double ReportPainter::textWidth(const QString& text) const
+{
+    return m_metrics.horizontalAdvance(text) / m_unitsPerMmX;
+}
+
+double ReportPainter::textHeight() const
+{
+    return m_metrics.height() / m_unitsPerMmY;
+}
+
+void ReportPainter::print(const QString& text)
+{
+    if (!text.isEmpty()) {
+        const QPointF topLeft = toDevice(m_x, m_y);
+        m_painter.drawText(QPointF(topLeft.x(), topLeft.y() + m_metrics.ascent()), text);
+    }
+    m_x = 0.0;
+    m_y += textHeight();
+}
+
+bool ReportPainter::newPage()
+{
+    m_x = 0.0;
+    m_y = 0.0;
+    return m_device.newPage();
+}
+
+void ReportPainter::drawRect(double x1, double y1, double x2, double y2)
+{
+    m_painter.drawRect(QRectF(toDevice(x1, y1), toDevice(x2, y2)).normalized());
+}
+
+void ReportPainter::drawLine(double x1, double y1, double x2, double y2)
+{
+    m_painter.drawLine(toDevice(x1, y1), toDevice(x2, y2));
+}
+
+QPointF ReportPainter::toDevice(double xMm, double yMm) const
+{
+    return {xMm * m_unitsPerMmX, yMm * m_unitsPerMmY};
+}
+
+} // namespace sx

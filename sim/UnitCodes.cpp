@@ -1,0 +1,36 @@
+#include "sim/UnitCodes.h"
+
+#include "model/Dialect.h"
+
+using namespace Qt::StringLiterals;
+
+namespace sx::sim {
+
+DbError ensureUnitCodeTable(Database& db)
+{
+    return db.exec(u"CREATE TABLE IF NOT EXISTS "_s + kUnitCodesTable.toString() +
+                   u" (SimC_Serialnumber TEXT PRIMARY KEY, SimC_Code TEXT)"_s);
+}
+
+DbError storeUnitCode(Database& db, const QString& serial, const QString& code)
+{
+    if (DbError e = db.deleteRows(kUnitCodesTable, u"SimC_Serialnumber="_s + sqlQuote(serial));
+        e.isError())
+        return e;
+    return db.insertRow(kUnitCodesTable,
+                        {{u"SimC_Serialnumber"_s, serial}, {u"SimC_Code"_s, code}});
+}
+
+std::optional<QString> unitCode(Database& db, const QString& serial, DbError* error)
+{
+    Rows rows = db.readFirst(u"SELECT SimC_Code FROM "_s + kUnitCodesTable.toString() +
+                             u" WHERE SimC_Serialnumber="_s + sqlQuote(serial));
+    std::optional<QString> code;
+    if (rows.next())
+        code = rows.text(0);
+    if (error)
+        *error = rows.error();
+    return code;
+}
+
+} // namespace sx::sim

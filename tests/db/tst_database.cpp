@@ -1,0 +1,404 @@
+// The data layer against a real database: SQLite file or PostgreSQL server.
+#include "ScratchDatabase.h"
+
+#include "model/Database.h"
+#include "model/Dialect.h"
+#include "model/QueryHelpers.h"
+#include "model/Schema.h"
+#include "model/SqlDateTime.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+
+namespace {
+
+qint64 secsAt(int y, int mo, int d, int h, int mi, int s)
+{
+    return secsFromCivil({y, mo, d, h, mi, s});
+}
+
+QString causesOf(const QString& explanation)
+{
+    return explanation.section(u"Πιθανά αίτια και προτεινόμενες λύσεις:\r\n"_s, 1);
+}
+
+} // namespace
+
+class TestDatabase : public QObject {
+    Q_OBJECT
+
+private slots:
+    void openFailures_data()
+    {
+        QTest::addColumn<QString>("setup");
+        QTest::addColumn<QString>("causeStart");
+        QTest::addColumn<QString>("descriptionHas");
+        const bool pg = test::ScratchDatabase::kindName() == u"postgresql";
+        if (!pg) {
+            QTest::newRow("missing file") << u"missing"_s << u"- Άγνωστο σφάλμα. Επικοινωνήστε με την εταιρία"_s
+                                          << u"nosuch.db"_s;
+            QTest::newRow("not a database") << u"garbage"_s << u"- Άγνωστο σφάλμα. Επικοινωνήστε με την εταιρία"_s
+                                            << u"garbage.db"_s;
+            QTest::newRow("a folder") << u"folder"_s << u"- Άγνωστο σφάλμα. Επικοινωνήστε με την εταιρία"_s
+                                      << u"sub"_s;
+        } else {
+            QTest::newRow("refused") << u"closed port"_s
+                                     << u"1. Η σύνδεση του διακομιστή με το δίκτυο δεν είναι διαθέσιμη"_s
+                                     << u""_s;
+            QTest::newRow("wrong password") << u"password"_s
+                                            << u"1. Το όνομα ή/και ο κωδικός χρήστη"_s << u""_s;
+            QTest::newRow("no database") << u"database"_s
+                                         << u"1. Έχετε καθορίσει λανθασμένο όνομα βάσης δεδομένων"_s
+                                         << u"sx_no_such_db"_s;
+        }
+    }
+    void openFailures()
+    {
+        QFETCH(QString, setup);
+        QFETCH(QString, causeStart);
+        QFETCH(QString, descriptionHas);
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        ConnectionSettings s = scratch.settings();
+        if (setup == u"missing") {
+            s.file = scratch.folder() + u"/nosuch.db"_s;
+        } else if (setup == u"garbage") {
+            s.file = scratch.folder() + u"/garbage.db"_s;
+            QFile f(s.file);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write(QByteArray(4096, 'x'));
+        } else if (setup == u"folder") {
+            s.file = scratch.folder() + u"/sub"_s;
+            QVERIFY(QDir(scratch.folder()).mkdir(u"sub"_s));
+        } else if (setup == u"closed port") {
+            s.serverPort = u"1"_s;
+        } else if (setup == u"password") {
+            s.password = u"wrong"_s;
+        } else if (setup == u"database") {
+            s.dataSource = u"sx_no_such_db"_s;
+        }
+        Database db;
+        const DbError e = db.open(s);
+        QVERIFY(e.isError());
+        QVERIFY(!db.isOpen());
+        QVERIFY2(e.description.contains(descriptionHas), qPrintable(e.description));
+        const QString text = explainDbError(e);
+        QVERIFY(text.startsWith(u"Παρουσιάστηκε το παρακάτω σφάλμα:\r\nError number: "_s));
+        QVERIFY2(causesOf(text).startsWith(causeStart), qPrintable(text));
+        if (setup == u"missing")
+            QVERIFY(!QFile::exists(s.file)); // opening never creates the console's database
+    }
+
+    void nullsAreDistinct()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        using namespace schema::SensorsInfo;
+        const auto row = [&](QString serial, SqlValue name, SqlValue type, SqlValue max) {
+            return db.insertRow(table, {{SeI_SyI_Serialnumber, serial},
+                                        {SeI_Sensornumber, qint64(1)},
+                                        {SeI_Sensorname, name},
+                                        {SeI_Sensortype, type},
+                                        {SeI_Maxlimit, max}});
+        };
+        QVERIFY(!row(u"A"_s, std::monostate{}, std::monostate{}, std::monostate{}).isError());
+        QVERIFY(!row(u"B"_s, QString(), qint64(0), 0.0).isError());
+        QVERIFY(!row(u"C"_s, u"Ψυγείο 'Α'"_s, qint64(20), -12.5).isError());
+
+        // Lower-case names: the server may fold them, the reader must not care.
+        Rows r = db.read(u"SELECT sei_syi_serialnumber, SeI_Sensorname, SEI_SENSORTYPE, SeI_Maxlimit FROM Sensors_Info ORDER BY SeI_SyI_Serialnumber"_s);
+        QVERIFY(r.ok());
+        QVERIFY(r.next());
+        QCOMPARE(r.text(u"SeI_SyI_Serialnumber"), u"A"_s);
+        QVERIFY(r.isNull(u"SeI_Sensorname"));
+        QVERIFY(!r.text(u"SeI_Sensorname"));
+        QVERIFY(!r.integer(u"SeI_Sensortype"));
+        QVERIFY(!r.real(u"SeI_Maxlimit"));
+        QCOMPARE(r.intOr(u"SeI_Sensortype", 99), 99);
+        QVERIFY(r.next());
+        QCOMPARE(r.text(u"SeI_Sensorname"), QString(u""_s));
+        QCOMPARE(r.integer(u"SeI_Sensortype"), qint64(0));
+        QCOMPARE(r.real(u"SeI_Maxlimit"), 0.0);
+        QVERIFY(r.next());
+        QCOMPARE(r.text(u"SeI_Sensorname"), u"Ψυγείο 'Α'"_s);
+        QCOMPARE(r.integer(u"SeI_Sensortype"), qint64(20));
+        QCOMPARE(r.real(u"SeI_Maxlimit"), -12.5);
+        // A column that is not in the result reads as missing.
+        QVERIFY(r.isNull(u"SeI_Used"));
+        QVERIFY(!r.integer(u"NoSuchColumn"));
+        QVERIFY(!r.next());
+        QVERIFY(r.ok());
+        QVERIFY(!r.text(0)); // past the end nothing is read
+    }
+
+    void quotedSerials()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        const QString serial = u"SX'Q7 -- ;DROP"_s;
+        using namespace schema::SystemsFaults;
+        QVERIFY(!db.insertRow(table, {{SyF_SyI_Serialnumber, serial},
+                                      {SyF_Faulttype, qint64(0)},
+                                      {SyF_Faultinfo, u"3"_s}})
+                     .isError());
+        DbError e;
+        QVERIFY(hasFaults(db, serial, &e));
+        QVERIFY(!e.isError());
+        QVERIFY(!hasFaults(db, u"SX'Q8"_s, &e));
+        QVERIFY(!e.isError());
+    }
+
+    void dateTimesAndRanges()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        using namespace schema::Records;
+        const qint64 from = secsAt(2026, 3, 1, 0, 0, 0);
+        const qint64 to = secsAt(2026, 3, 31, 23, 59, 59);
+        const qint64 stamps[] = {from - 1, from, secsAt(2026, 3, 15, 12, 30, 5), to, to + 1};
+        qint64 sn = 0;
+        for (qint64 t : stamps) {
+            QVERIFY(!db.insertRow(table, {{Rec_SyI_Serialnumber, u"S"_s},
+                                          {Rec_SeI_Sensornumber, qint64(1)},
+                                          {Rec_Datetime, SqlDateTimeValue{t}},
+                                          {Rec_Value, 1.5},
+                                          {Rec_SensRecSN, ++sn}})
+                         .isError());
+        }
+        const QString sql =
+            u"SELECT Rec_Datetime FROM Records WHERE Rec_SyI_Serialnumber='S' AND Rec_Datetime"_s +
+            sqlDateRange(db.kind(), toQDateTime(from), toQDateTime(to)) +
+            u" ORDER BY Rec_SensRecSN"_s;
+        for (bool native : {true, false}) {
+            db.setNativeReads(native);
+            Rows r = db.read(sql);
+            QList<qint64> got;
+            while (r.next())
+                got << r.dateTime(0).value_or(-1);
+            QVERIFY2(r.ok(), qPrintable(r.error().description));
+            QCOMPARE(got, QList<qint64>({from, stamps[2], to}));
+        }
+    }
+
+    void zeroAndOddDates()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        using namespace schema::SensorsEvents;
+        QVERIFY(!db.insertRow(table, {{SeE_Eventnumber, qint64(1)},
+                                      {SeE_Recordeddatetime,
+                                       SqlDateTimeValue{secsAt(1899, 12, 30, 0, 0, 0)}}})
+                     .isError());
+        QVERIFY(!db.insertRow(table, {{SeE_Eventnumber, qint64(2)},
+                                      {SeE_Recordeddatetime, std::monostate{}}})
+                     .isError());
+        QVERIFY(!db.insertRow(table, {{SeE_Eventnumber, qint64(3)},
+                                      {SeE_Recordeddatetime,
+                                       SqlDateTimeValue{secsAt(2026, 11, 16, 22, 5, 0)}}})
+                     .isError());
+        for (bool native : {true, false}) {
+            db.setNativeReads(native);
+            Rows r = db.read(u"SELECT SeE_Recordeddatetime FROM Sensors_Events ORDER BY SeE_Eventnumber"_s);
+            QVERIFY(r.next());
+            QVERIFY(!r.dateTime(0)); // the zero date means "not set"
+            QVERIFY(!r.isNull(0));
+            QVERIFY(r.next());
+            QVERIFY(!r.dateTime(0));
+            QVERIFY(r.isNull(0));
+            QVERIFY(r.next());
+            QCOMPARE(r.dateTime(0), secsAt(2026, 11, 16, 22, 5, 0));
+        }
+    }
+
+    void writesAndTransactions()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        using namespace schema::TerminalRequests;
+        const auto add = [&](const QString& serial) {
+            return db.insertRow(table, {{TrmReq_SyI_Serialnumber, serial},
+                                        {TrmReq_Requesttype, qint64(kRequestRelayB)},
+                                        {TrmReq_Attributes, u"0042;1"_s},
+                                        {TrmReq_Requestcompleted, qint64(0)},
+                                        {TrmReq_Requestreply, qint64(0)}});
+        };
+        QVERIFY(!add(u"U1"_s).isError());
+        QVERIFY(!add(u"U2"_s).isError());
+        qint64 n = -1;
+        QVERIFY(!db.updateRows(table, {{TrmReq_Requestcompleted, qint64(1)}},
+                               u"TrmReq_SyI_Serialnumber="_s + sqlQuote(u"U1"), &n)
+                     .isError());
+        QCOMPARE(n, 1);
+        Rows r = db.readFirst(u"SELECT TrmReq_Attributes, TrmReq_Requestcompleted FROM Terminal_Requests WHERE TrmReq_SyI_Serialnumber='U1'"_s);
+        QVERIFY(r.next());
+        QCOMPARE(r.text(u"TrmReq_Attributes"), u"0042;1"_s); // leading zeros kept
+        QCOMPARE(r.integer(u"TrmReq_Requestcompleted"), 1);
+        QVERIFY(!r.next());
+
+        // A rolled-back transaction leaves nothing behind.
+        QVERIFY(!db.begin().isError());
+        QVERIFY(!db.deleteRows(table, {}, &n).isError());
+        QCOMPARE(n, 2);
+        QVERIFY(!db.rollback().isError());
+        QVERIFY(db.exists(u"SELECT TrmReq_Attributes FROM Terminal_Requests"_s));
+        QVERIFY(!db.begin().isError());
+        QVERIFY(!db.deleteRows(table, u"TrmReq_SyI_Serialnumber='U2'"_s).isError());
+        QVERIFY(!db.commit().isError());
+        Rows all = db.read(u"SELECT count(*) AS n FROM Terminal_Requests"_s);
+        QVERIFY(all.next());
+        QCOMPARE(all.integer(u"N"), 1);
+    }
+
+    void failuresCarryTheirError()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        for (bool native : {true, false}) {
+            db.setNativeReads(native);
+            Rows r = db.read(u"SELECT x FROM NoSuchTable"_s);
+            QVERIFY(!r.ok());
+            QVERIFY(!r.next());
+            QVERIFY2(r.error().description.contains(u"NoSuchTable"_s, Qt::CaseInsensitive),
+                     qPrintable(r.error().description));
+            QVERIFY(r.error().number != 0);
+        }
+        const DbError e = db.exec(u"UPDATE NoSuchTable SET a=1"_s);
+        QVERIFY(e.isError());
+        QVERIFY(!db.connectionLost()); // a bad statement is not a lost connection
+        DbError fe;
+        QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe));
+        QVERIFY(!fe.isError());
+    }
+
+    void messageAndFaultChecks_data()
+    {
+        QTest::addColumn<QString>("rows");
+        QTest::addColumn<bool>("newForUnit");
+        QTest::addColumn<bool>("archivedForUnit");
+        QTest::addColumn<bool>("faultsForUnit");
+        QTest::newRow("nothing") << u""_s << false << false << false;
+        QTest::newRow("fault only") << u"fault"_s << true << false << true;
+        QTest::newRow("new power message") << u"pm-new"_s << true << false << false;
+        QTest::newRow("archived power message") << u"pm-old"_s << false << true << false;
+        QTest::newRow("new point message") << u"se-new"_s << true << false << false;
+        QTest::newRow("archived point message") << u"se-old"_s << false << true << false;
+        QTest::newRow("other unit only") << u"other"_s << false << false << false;
+        QTest::newRow("null recipients") << u"se-null"_s << false << false << false;
+    }
+    void messageAndFaultChecks()
+    {
+        QFETCH(QString, rows);
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        const QString unit = u"U'1"_s;
+        QString sql;
+        if (rows == u"fault")
+            sql = u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, SyF_Faultinfo) VALUES ('U''1', 1, '4')"_s;
+        else if (rows == u"pm-new")
+            sql = u"INSERT INTO Powermonitoring_Events (PmE_SyI_Serialnumber, PmE_Recipients) VALUES ('U''1', 3)"_s;
+        else if (rows == u"pm-old")
+            sql = u"INSERT INTO Powermonitoring_Events (PmE_SyI_Serialnumber, PmE_Recipients) VALUES ('U''1', 0)"_s;
+        else if (rows == u"se-new")
+            sql = u"INSERT INTO Sensors_Events (SeE_SyI_Serialnumber, SeE_Recipients) VALUES ('U''1', -1)"_s;
+        else if (rows == u"se-old")
+            sql = u"INSERT INTO Sensors_Events (SeE_SyI_Serialnumber, SeE_Recipients) VALUES ('U''1', 0)"_s;
+        else if (rows == u"other")
+            sql = u"INSERT INTO Sensors_Events (SeE_SyI_Serialnumber, SeE_Recipients) VALUES ('U2', 1)"_s;
+        else if (rows == u"se-null")
+            sql = u"INSERT INTO Sensors_Events (SeE_SyI_Serialnumber, SeE_Recipients) VALUES ('U''1', NULL)"_s;
+        if (!sql.isEmpty())
+            QVERIFY(!db.exec(sql).isError());
+        QFETCH(bool, newForUnit);
+        QFETCH(bool, archivedForUnit);
+        QFETCH(bool, faultsForUnit);
+        QCOMPARE(hasMessages(db, MessageKind::New, unit), newForUnit);
+        QCOMPARE(hasMessages(db, MessageKind::Archived, unit), archivedForUnit);
+        QCOMPARE(hasFaults(db, unit), faultsForUnit);
+        // For every unit at once the other unit's rows count as well.
+        const bool otherNew = rows == u"other";
+        QCOMPARE(hasMessages(db, MessageKind::New, {}), newForUnit || otherNew);
+        QCOMPARE(hasMessages(db, MessageKind::Archived, {}), archivedForUnit);
+        QCOMPARE(hasFaults(db, {}), faultsForUnit);
+    }
+
+    void nativeAndQtReadersAgree()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        QVERIFY(!db.exec(u"INSERT INTO Events_1 (Event_SyI_Serialnumber, Event_SystemEventSN, Event_Datetime, Event_EventSource, Event_Condition, Event_SeI_Sensortype, Event_Value, Event_Info1, Event_Ack) VALUES "
+                         "('S', 1, '2026-01-02 03:04:05', 25, NULL, 2, 0.25, '2;7;12', 0), "
+                         "('S', 2147483647, NULL, 21, 49, NULL, -1e6, NULL, 1), "
+                         "('S', 3, '2026-12-31 23:59:59', 7, 1, 0, 21.5, '', NULL)"_s)
+                     .isError());
+        const QString sql = u"SELECT * FROM Events_1 ORDER BY Event_SystemEventSN"_s;
+        auto dump = [&](bool native) {
+            db.setNativeReads(native);
+            QStringList out;
+            Rows r = db.read(sql);
+            while (r.next()) {
+                for (int c = 0; c < r.columnCount(); ++c) {
+                    out << (r.isNull(c) ? u"NULL"_s : u"v"_s) +
+                               QString::number(r.integer(c).value_or(-7)) + u'|' +
+                               QString::number(r.real(c).value_or(-7)) + u'|' +
+                               QString::number(r.dateTime(c).value_or(-7));
+                }
+            }
+            return out;
+        };
+        QCOMPARE(dump(true), dump(false));
+    }
+
+    void lostConnectionRecovers()
+    {
+        test::ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        if (!scratch.isPostgres())
+            QSKIP("a file database has no connection to lose");
+        Database db;
+        QVERIFY(scratch.open(db));
+        Rows pid = db.read(u"SELECT pg_backend_pid()"_s);
+        QVERIFY(pid.next());
+        const qint64 backend = *pid.integer(0);
+        pid = Rows();
+        {
+            ConnectionSettings admin;
+            QVERIFY(parseDbUrl(test::ScratchDatabase::serverUrl(), admin));
+            Database other;
+            QVERIFY(!other.open(admin).isError());
+            QVERIFY(!other.exec(u"SELECT pg_terminate_backend("_s + QString::number(backend) +
+                                u')')
+                         .isError());
+        }
+        Rows r = db.read(u"SELECT 1"_s);
+        QVERIFY(!r.ok());
+        QVERIFY(db.connectionLost());
+        QCOMPARE(r.error().cause, DbFailureCause::Unreachable);
+        QVERIFY(!db.reopen().isError());
+        QVERIFY(!db.connectionLost());
+        Rows again = db.read(u"SELECT 1"_s);
+        QVERIFY(again.next());
+        QCOMPARE(again.integer(0), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDatabase)
+#include "tst_database.moc"

@@ -1,0 +1,316 @@
+// Texts the data layer produces without a database: connection strings, error
+// explanations, date clauses and the stored date-time form.
+#include "model/ConnectionSettings.h"
+#include "model/DbError.h"
+#include "model/Dialect.h"
+#include "model/FaultCodes.h"
+#include "model/QueryHelpers.h"
+#include "model/SqlDateTime.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+
+namespace {
+
+const QString kHeaderStart = u"Παρουσιάστηκε το παρακάτω σφάλμα:\r\nError number: "_s;
+const QString kCausesTitle = u"\r\n\r\nΠιθανά αίτια και προτεινόμενες λύσεις:\r\n"_s;
+
+QString expectedHeader(qint32 number, const QString& description)
+{
+    return kHeaderStart + QString::number(number) + u"\r\nError description: "_s + description +
+           kCausesTitle;
+}
+
+const QString kCauseServer =
+    u"1. Η σύνδεση του διακομιστή με το δίκτυο δεν είναι διαθέσιμη ή ο διακομιστής δεν λειτουργεί. Βεβαιωθείτε ότι ο διακομιστής βρίσκεται σε λειτουργία και η σύνδεση του με το δίκτυο είναι διαθέσιμη."_s;
+const QString kCauseIp =
+    u"2. Έχετε καθορίσει λανθασμένη IP διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
+const QString kCausePort =
+    u"3. Έχετε καθορίσει λανθασμένο PORT διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
+const QString kCauseLocal =
+    u"1. Η σύνδεση του Η/Υ σας με το δίκτυο δεν είναι διαθέσιμη. Τερματίστε την εφαρμογή, επαναφέρετε τη σύνδεση του Η/Υ με το δίκτυο και στη συνέχεια εκτελέσετε και πάλι την εφαρμογή."_s;
+const QString kCauseDataSource =
+    u"1. Έχετε καθορίσει λανθασμένο όνομα βάσης δεδομένων διακομιστή (data source). Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
+const QString kStarting =
+    u"Η βάση δεδομένων του διακομιστή βρίσκεται σε διαδικασία εκκίνησης. Τερματίστε την εφαρμογή και περιμένετε μερικά λεπτά πριν εκτελέσετε και πάλι την εφαρμογή."_s;
+const QString kNotRunning =
+    u"Η βάση δεδομένων του διακομιστή δεν λειτουργεί. Τερματίστε την εφαρμογή και περιμένετε μερικά λεπτά πριν εκτελέσετε και πάλι την εφαρμογή. Εάν το πρόβλημα παραμένει, ενδέχεται ο διακομιστής να χρειάζεται επανεκκίνηση."_s;
+const QString kCauseCredentials =
+    u"1. Το όνομα ή/και ο κωδικός χρήστη για τη βάση δεδομένων του διακομιστή δεν είναι σωστά. Τερματίστε την εφαρμογή και επικοινωνήστε με το υπεύθυνο διαχείρισης της βάσης δεδομένων."_s;
+const QString kCauseShutdown =
+    u"1. Η βάση δεδομένων του διακομιστή βρίσκεται σε διαδικασία τερματισμού. Τερματίστε την εφαρμογή και περιμένετε μερικά λεπτά πριν εκτελέσετε και πάλι την εφαρμογή."_s;
+const QString kCauseDisconnected =
+    u"1. Ο διακομιστής ή/και ο Η/Υ σας αποσυνδέθηκε από το δίκτυο. Τερματίστε την εφαρμογή και επαναφέρεται τη σύνδεση του διακομιστή ή/και του Η/Υ σας με το δίκτυο πριν εκτελέσετε και πάλι την εφαρμογή."_s;
+const QString kUnknownOracle =
+    u"- Άγνωστο σφάλμα. Επικοινωνήστε με τους υπεύθυνους διαχείρισης δικτύου και βάσης δεδομένων."_s;
+const QString kUnknownProvider =
+    u"- Άγνωστο σφάλμα. Επικοινωνήστε με την εταιρία που σας προμήθευσε την εφαρμογή."_s;
+
+QDateTime at(int y, int mo, int d, int h, int mi, int s)
+{
+    return QDateTime(QDate(y, mo, d), QTime(h, mi, s));
+}
+
+} // namespace
+
+class TestDataFormats : public QObject {
+    Q_OBJECT
+
+private slots:
+    void connectionStrings_data()
+    {
+        QTest::addColumn<int>("dbType");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("ip");
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("access") << 0 << u"C:\\data\\sxdb.mdb"_s << u""_s << u""_s << u""_s
+                                << u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\data\\sxdb.mdb;Jet OLEDB:Engine Type=5;;Jet OLEDB:Database Password=pvlrkmzd5173;"_s;
+        QTest::newRow("oracle by name") << 1 << u""_s << u"SXDB"_s << u""_s << u"1521"_s
+                                        << u"Provider=oraOLEDB.Oracle;Data Source=SXDB;User ID=sentorax;Password=pvlrkmzd5173"_s;
+        QTest::newRow("oracle by address")
+            << 1 << u""_s << u"ORCL"_s << u"10.0.0.5"_s << u"1521"_s
+            << u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=10.0.0.5)(PORT=1521)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s;
+        QTest::newRow("oracle address empty port")
+            << 7 << u""_s << u"ORCL"_s << u"srv"_s << u""_s
+            << u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=srv)(PORT=)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s;
+        QTest::newRow("sqlite") << 2 << u"/var/lib/sx/sxdb.db"_s << u""_s << u""_s << u""_s
+                                << u"Driver=SQLite;Data Source=/var/lib/sx/sxdb.db;Password=pvlrkmzd5173;"_s;
+        QTest::newRow("postgresql this computer")
+            << 3 << u""_s << u"sxdb"_s << u""_s << u""_s
+            << u"Driver=PostgreSQL;Server=localhost;Port=5432;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s;
+        QTest::newRow("postgresql address")
+            << 3 << u""_s << u"sxdb"_s << u"192.0.2.7"_s << u"6543"_s
+            << u"Driver=PostgreSQL;Server=192.0.2.7;Port=6543;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s;
+    }
+    void connectionStrings()
+    {
+        QFETCH(int, dbType);
+        ConnectionSettings s;
+        s.kind = dbKindFromSetting(dbType);
+        QFETCH(QString, file);
+        QFETCH(QString, source);
+        QFETCH(QString, ip);
+        QFETCH(QString, port);
+        s.file = file;
+        s.dataSource = source;
+        s.serverIp = ip;
+        s.serverPort = port;
+        QTEST(connectionString(s), "expected");
+    }
+
+    void dbUrls()
+    {
+        ConnectionSettings s;
+        QVERIFY(parseDbUrl(u"sqlite:/tmp/a b.db"_s, s));
+        QCOMPARE(s.kind, DbKind::SQLite);
+        QCOMPARE(s.file, u"/tmp/a b.db"_s);
+        QVERIFY(parseDbUrl(u"postgresql://u:p@127.0.0.1:5999/fleet"_s, s));
+        QCOMPARE(s.kind, DbKind::PostgreSQL);
+        QCOMPARE(s.serverIp, u"127.0.0.1"_s);
+        QCOMPARE(s.serverPort, u"5999"_s);
+        QCOMPARE(s.dataSource, u"fleet"_s);
+        QCOMPARE(s.user, u"u"_s);
+        QCOMPARE(s.password, u"p"_s);
+        QVERIFY(!parseDbUrl(u"mysql://x/y"_s, s));
+        QVERIFY(!parseDbUrl(u"sqlite:"_s, s));
+        QVERIFY(!parseDbUrl(u"postgresql://host:5432/"_s, s));
+    }
+
+    void explainOracle_data()
+    {
+        QTest::addColumn<QString>("description");
+        QTest::addColumn<QString>("causes");
+        QTest::newRow("12170") << u"ORA-12170: TNS:Connect timeout occurred"_s
+                               << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+        QTest::newRow("12560") << u"ORA-12560: TNS:protocol adapter error"_s << kCauseLocal;
+        QTest::newRow("12545") << u"ORA-12545: Connect failed"_s
+                               << kCauseLocal + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+        QTest::newRow("12505") << u"ORA-12505: TNS:listener does not know of SID"_s
+                               << kCauseDataSource + u"\r\n2. "_s + kStarting + u"\r\n3. "_s +
+                                      kNotRunning;
+        QTest::newRow("01017") << u"ORA-01017: invalid username/password"_s << kCauseCredentials;
+        QTest::newRow("12541") << u"ORA-12541: TNS:no listener"_s << u"1. "_s + kNotRunning;
+        QTest::newRow("01089") << u"ORA-01089: immediate shutdown in progress"_s << kCauseShutdown;
+        QTest::newRow("12528") << u"ORA-12528: TNS:listener: all handlers blocked"_s
+                               << u"1. "_s + kStarting;
+        QTest::newRow("03135") << u"ORA-03135: connection lost contact"_s << kCauseDisconnected;
+        QTest::newRow("other code") << u"ORA-00942: table or view does not exist"_s
+                                    << kUnknownOracle;
+        QTest::newRow("code cut short") << u"ORA-121"_s << kUnknownOracle;
+        QTest::newRow("just ORA") << u"ORA"_s << kUnknownOracle;
+        QTest::newRow("lower-case ora is not oracle") << u"ora-12170: timeout"_s
+                                                      << kUnknownProvider;
+        QTest::newRow("jet missing file")
+            << u"Could not find file 'C:\\sxdb.mdb'."_s << kUnknownProvider;
+        QTest::newRow("empty") << u""_s << kUnknownProvider;
+    }
+    void explainOracle()
+    {
+        QFETCH(QString, description);
+        QFETCH(QString, causes);
+        const qint32 number = -2147467259;
+        QCOMPARE(explainDbError(number, description), expectedHeader(number, description) + causes);
+    }
+
+    void explainByCause_data()
+    {
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("sqlState");
+        QTest::addColumn<QString>("causes");
+        QTest::newRow("refused")
+            << u"connection to server at \"127.0.0.1\", port 1 failed: Connection refused\n\tIs the server running on that host and accepting TCP/IP connections?"_s
+            << u""_s << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+        QTest::newRow("timeout") << u"timeout expired"_s << u""_s
+                                 << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+        QTest::newRow("unknown host")
+            << u"could not translate host name \"nohost\" to address: Name or service not known"_s
+            << u""_s << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+        QTest::newRow("password")
+            << u"connection to server at \"127.0.0.1\", port 5432 failed: FATAL:  password authentication failed for user \"sentorax\""_s
+            << u""_s << kCauseCredentials;
+        QTest::newRow("auth by state") << u"FATAL: no"_s << u"28P01"_s << kCauseCredentials;
+        QTest::newRow("no database")
+            << u"connection to server at \"127.0.0.1\", port 5432 failed: FATAL:  database \"sxdb\" does not exist"_s
+            << u""_s << kCauseDataSource;
+        QTest::newRow("starting up") << u"FATAL:  the database system is starting up"_s << u""_s
+                                     << u"1. "_s + kStarting;
+        QTest::newRow("shutting down") << u"FATAL:  the database system is shutting down"_s
+                                       << u""_s << kCauseShutdown;
+        QTest::newRow("unknown") << u"out of memory"_s << u""_s << kUnknownProvider;
+    }
+    void explainByCause()
+    {
+        QFETCH(QString, message);
+        QFETCH(QString, sqlState);
+        QFETCH(QString, causes);
+        DbError e{kProviderErrorNumber, message, classifyFailure(message, sqlState)};
+        QCOMPARE(explainDbError(e), expectedHeader(kProviderErrorNumber, message) + causes);
+    }
+
+    void explainKeepsOraPath()
+    {
+        // A server error that carries an ORA code keeps the code's own causes.
+        const DbError e{kProviderErrorNumber, u"ORA-01017: invalid"_s,
+                        DbFailureCause::Unreachable};
+        QVERIFY(explainDbError(e).endsWith(kCauseCredentials));
+    }
+
+    void dateRanges_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QDateTime>("from");
+        QTest::addColumn<QDateTime>("to");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("access month") << 0 << at(2026, 3, 1, 0, 0, 0) << at(2026, 3, 31, 23, 59, 59)
+                                      << u" BETWEEN #2026-3-1 0:0:0# AND #2026-3-31 23:59:59#"_s;
+        QTest::newRow("oracle no leading zeros")
+            << 1 << at(2026, 1, 5, 9, 5, 7) << at(2026, 12, 31, 23, 59, 59)
+            << u" BETWEEN TO_DATE('5-1-2026 9:5:7','DD-MM-YYYY HH24:MI:SS') AND TO_DATE('31-12-2026 23:59:59','DD-MM-YYYY HH24:MI:SS')"_s;
+        QTest::newRow("sqlite") << 2 << at(2026, 1, 5, 9, 5, 7) << at(2026, 12, 31, 23, 59, 59)
+                                << u" BETWEEN '2026-01-05 09:05:07' AND '2026-12-31 23:59:59'"_s;
+        QTest::newRow("postgresql") << 3 << at(2000, 2, 29, 0, 0, 0) << at(2000, 3, 1, 0, 0, 0)
+                                    << u" BETWEEN '2000-02-29 00:00:00' AND '2000-03-01 00:00:00'"_s;
+    }
+    void dateRanges()
+    {
+        QFETCH(int, kind);
+        QFETCH(QDateTime, from);
+        QFETCH(QDateTime, to);
+        QTEST(sqlDateRange(static_cast<DbKind>(kind), from, to), "expected");
+    }
+
+    void queryHelperTexts()
+    {
+        QCOMPARE(hasFaultsSql({}), u"SELECT SyF_SyI_Serialnumber FROM Systems_Faults"_s);
+        QCOMPARE(hasFaultsSql(u"SX1"_s),
+                 u"SELECT SyF_SyI_Serialnumber FROM Systems_Faults WHERE SyF_SyI_Serialnumber='SX1'"_s);
+        QCOMPARE(hasFaultsSql(u"O'Neil"_s),
+                 u"SELECT SyF_SyI_Serialnumber FROM Systems_Faults WHERE SyF_SyI_Serialnumber='O''Neil'"_s);
+        QCOMPARE(hasMessagesSql(MessageKind::New, {}),
+                 QStringList({u"SELECT PmE_Recipients FROM Powermonitoring_Events WHERE PmE_Recipients<>0"_s,
+                              u"SELECT SeE_Recipients FROM Sensors_Events WHERE SeE_Recipients<>0"_s}));
+        QCOMPARE(hasMessagesSql(MessageKind::Archived, u"SX1"_s),
+                 QStringList({u"SELECT PmE_SyI_Serialnumber, PmE_Recipients FROM Powermonitoring_Events WHERE PmE_SyI_Serialnumber='SX1' AND PmE_Recipients=0"_s,
+                              u"SELECT SeE_SyI_Serialnumber, SeE_Recipients FROM Sensors_Events WHERE SeE_SyI_Serialnumber='SX1' AND SeE_Recipients=0"_s}));
+    }
+
+    void bits()
+    {
+        QVERIFY(isBitClear(0x00, 0));
+        QVERIFY(!isBitClear(0x01, 0));
+        QVERIFY(isBitClear(0x21, 1));
+        QVERIFY(!isBitClear(0x21, 5));
+        QVERIFY(!isBitClear(0x80, 7));
+        QVERIFY(isBitClear(0xFF, 8)); // no ninth bit in a byte
+    }
+
+    void faultTable()
+    {
+        QCOMPARE(unitFault(u"3")->text, u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s);
+        QVERIFY(!unitFault(u"3")->needsService);
+        QVERIFY(!unitFault(u"4")->needsService);
+        QCOMPARE(unitFault(u"8")->text, u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 50"_s);
+        QVERIFY(unitFault(u"0")->needsService);
+        QVERIFY(!unitFault(u"9"));
+        QVERIFY(!unitFault(u" 3"));
+        QVERIFY(!unitFault(u""));
+    }
+
+    void storedDateTimes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("valid");
+        QTest::addColumn<QDateTime>("expected");
+        QTest::newRow("full") << u"2026-11-16 22:05:09"_s << true << at(2026, 11, 16, 22, 5, 9);
+        QTest::newRow("T and fraction") << u"2026-11-16T22:05:09.123"_s << true
+                                        << at(2026, 11, 16, 22, 5, 9);
+        QTest::newRow("no seconds") << u"2026-11-16 22:05"_s << true << at(2026, 11, 16, 22, 5, 0);
+        QTest::newRow("date only") << u"2024-02-29"_s << true << at(2024, 2, 29, 0, 0, 0);
+        QTest::newRow("blanks around") << u" 2026-01-01 00:00:00 "_s << true
+                                       << at(2026, 1, 1, 0, 0, 0);
+        QTest::newRow("not leap") << u"2023-02-29 00:00:00"_s << false << QDateTime();
+        QTest::newRow("month 13") << u"2026-13-01 00:00:00"_s << false << QDateTime();
+        QTest::newRow("hour 24") << u"2026-01-01 24:00:00"_s << false << QDateTime();
+        QTest::newRow("letters") << u"yesterday"_s << false << QDateTime();
+        QTest::newRow("empty") << u""_s << false << QDateTime();
+        QTest::newRow("cut") << u"2026-01-01 1"_s << false << QDateTime();
+        QTest::newRow("greek digits") << u"2026-01-0١"_s << false << QDateTime();
+    }
+    void storedDateTimes()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, valid);
+        QFETCH(QDateTime, expected);
+        const auto secs = parseSqlDateTime(QStringView(text));
+        QCOMPARE(secs.has_value(), valid);
+        if (valid) {
+            QCOMPARE(toQDateTime(*secs), expected);
+            const QByteArray utf8 = text.toUtf8();
+            QCOMPARE(parseSqlDateTime(std::string_view(utf8.constData(), utf8.size())), secs);
+        }
+    }
+
+    void calendarRoundTrip()
+    {
+        // Random instants from 1899 to 2255, against Qt's calendar.
+        QRandomGenerator rng(7);
+        const QDateTime base(QDate(1899, 12, 30), QTime(0, 0));
+        for (int i = 0; i < 20000; ++i) {
+            const qint64 offset = static_cast<qint64>(rng.bounded(356.0 * 365.25 * 86400));
+            const QDateTime qt = base.addSecs(offset);
+            const qint64 secs = fromQDateTime(qt);
+            QCOMPARE(toQDateTime(secs), qt);
+            QCOMPARE(parseSqlDateTime(QStringView(sqlDateTimeText(secs))), secs);
+        }
+        QVERIFY(isZeroDate(fromQDateTime(base)));
+        QVERIFY(!isZeroDate(fromQDateTime(base.addDays(1))));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDataFormats)
+#include "tst_dataformats.moc"

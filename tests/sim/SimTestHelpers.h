@@ -1,0 +1,70 @@
+#pragma once
+
+#include "model/Database.h"
+#include "model/SqlDateTime.h"
+#include "sim/Seeder.h"
+
+#include <QCryptographicHash>
+#include <QTest>
+
+namespace sx::test {
+
+// The end of every seeded history in the tests: fixed, so runs compare.
+inline qint64 seedEnd()
+{
+    return secsFromCivil({2024, 3, 10, 12, 0, 0});
+}
+
+inline sim::SeedOptions smallSeed(int days = 2, quint64 seed = 1)
+{
+    sim::SeedOptions o;
+    o.units = 12;
+    o.days = days;
+    o.seed = seed;
+    o.endSecs = seedEnd();
+    return o;
+}
+
+// The first column of the first row, as a whole number (-1 when there is none).
+inline qint64 scalar(Database& db, const QString& sql)
+{
+    Rows rows = db.read(sql);
+    if (!rows.next()) {
+        if (!rows.ok())
+            qWarning("query failed: %s: %s", qPrintable(sql), qPrintable(rows.error().description));
+        return -1;
+    }
+    return rows.integer(0).value_or(-1);
+}
+
+inline QStringList column(Database& db, const QString& sql)
+{
+    QStringList out;
+    Rows rows = db.read(sql);
+    while (rows.next())
+        out << rows.text(0).value_or(QStringLiteral("<null>"));
+    if (!rows.ok())
+        qWarning("query failed: %s: %s", qPrintable(sql), qPrintable(rows.error().description));
+    return out;
+}
+
+// A hash over every field of every row, NULL told apart from empty text.
+inline QByteArray digest(Database& db, const QString& sql, qint64* rowCount = nullptr)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Rows rows = db.read(sql);
+    qint64 n = 0;
+    while (rows.next()) {
+        ++n;
+        for (int c = 0; c < rows.columnCount(); ++c) {
+            const auto t = rows.text(c);
+            hash.addData(t ? t->toUtf8() : QByteArrayLiteral("\x01NULL"));
+            hash.addData(QByteArrayLiteral("\x1f"));
+        }
+    }
+    if (rowCount)
+        *rowCount = n;
+    return rows.ok() ? hash.result().toHex() : QByteArray("query failed");
+}
+
+} // namespace sx::test

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "ScratchDatabase.h"
+#include "ScriptedDialogs.h"
+
+#include "app/AppContext.h"
+#include "app/Navigator.h"
+#include "app/QueryFailureReporter.h"
+#include "app/SettingsStore.h"
+
+#include <QDateTime>
+
+#include <memory>
+
+namespace sx::test {
+
+// A clock the test moves on by hand (or that runs fast), for time-outs.
+class TestClock : public Clock {
+public:
+    [[nodiscard]] QDateTime now() const override
+    {
+        return QDateTime::currentDateTime().addMSecs(m_offsetMs +
+                                                     (m_speed - 1) * m_start.msecsTo(QDateTime::currentDateTime()));
+    }
+    void advance(qint64 ms) { m_offsetMs += ms; }
+    // Time runs `speed` times faster from now on.
+    void runFaster(int speed)
+    {
+        m_start = QDateTime::currentDateTime();
+        m_speed = speed;
+    }
+
+private:
+    qint64 m_offsetMs = 0;
+    qint64 m_speed = 1;
+    QDateTime m_start = QDateTime::currentDateTime();
+};
+
+// Everything a view needs, against a scratch database with the schema, with
+// scripted dialogs, a settings file of its own and a terminate hook that
+// only counts.
+class GuiFixture {
+public:
+    GuiFixture();
+    ~GuiFixture();
+
+    [[nodiscard]] bool ready() const { return m_ready; }
+    [[nodiscard]] QString problem() const { return scratch.problem(); }
+
+    ScratchDatabase scratch;
+    Database db;
+    ScriptedDialogs dialogs;
+    std::unique_ptr<SettingsStore> settings;
+    TestClock clock;
+    AppContext ctx;
+    std::unique_ptr<QueryFailureReporter> failures;
+    std::unique_ptr<Navigator> navigator;
+    int terminated = 0;
+
+    // Runs a SQL script (statements separated by ";\n").
+    bool exec(const QString& sql);
+
+private:
+    bool m_ready = false;
+};
+
+} // namespace sx::test

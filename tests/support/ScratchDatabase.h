@@ -1,0 +1,52 @@
+#pragma once
+
+#include "model/ConnectionSettings.h"
+#include "model/Database.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace sx::test {
+
+// A fresh, empty database of the kind the test run names (SX_TEST_DB =
+// "sqlite" or "postgresql"): a file in a temporary folder, or a new database
+// on the server of SX_TEST_PG, dropped again at the end.
+class ScratchDatabase {
+public:
+    ScratchDatabase();
+    ~ScratchDatabase();
+    ScratchDatabase(const ScratchDatabase&) = delete;
+    ScratchDatabase& operator=(const ScratchDatabase&) = delete;
+
+    // Empty when the database is ready; else why it could not be made.
+    [[nodiscard]] QString problem() const { return m_problem; }
+    [[nodiscard]] bool isPostgres() const { return m_settings.kind == DbKind::PostgreSQL; }
+    [[nodiscard]] const ConnectionSettings& settings() const { return m_settings; }
+    // The --db argument of the simulator for this database.
+    [[nodiscard]] QString url() const;
+    // A folder that lives as long as this object.
+    [[nodiscard]] QString folder() const { return m_dir.path(); }
+
+    // Opens `db` on it (and creates the schema when asked).
+    [[nodiscard]] bool open(Database& db, bool withSchema = true);
+
+    // The admin URL of the test server, empty when there is none.
+    [[nodiscard]] static QString serverUrl();
+    [[nodiscard]] static QString kindName();
+
+private:
+    QTemporaryDir m_dir;
+    ConnectionSettings m_settings;
+    ConnectionSettings m_admin;
+    QString m_problem;
+};
+
+} // namespace sx::test
+
+// Skips the test when the scratch database is not available.
+#define SX_REQUIRE_DB(scratch)                                                                     \
+    do {                                                                                           \
+        if (!(scratch).problem().isEmpty())                                                        \
+            QSKIP(qPrintable((scratch).problem()));                                                \
+    } while (false)

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "app/DialogService.h"
+
+#include <QList>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+namespace sx::test {
+
+// Dialog answers given in advance. Every dialog shown is recorded; a dialog
+// with no scripted answer is recorded as unexpected and answered with the
+// negative choice (No, Cancel, cancelled), so a test never blocks.
+class ScriptedDialogs : public DialogService {
+public:
+    struct Shown {
+        QString kind; // "message", "input", "code", "selection", "open", "save", "print", "settings"
+        Icon icon = Icon::None;
+        Buttons buttons = Buttons::Ok;
+        QString title;
+        QString text;
+        QStringList items; // selection lists: first list, then "|", then second
+        bool unexpected = false;
+    };
+
+    // Answers, taken in order by the dialogs of the same kind.
+    void answerMessage(Answer a) { m_messages << a; }
+    void answerInput(std::optional<QString> text) { m_inputs << text; }
+    void answerCode(std::optional<QString> code) { m_codes << code; }
+    void answerSelection(std::optional<Selection> s) { m_selections << s; }
+    void answerFile(const QString& path) { m_files << path; }
+    // The print dialog: true lets the given printer stand (set up by the
+    // test, e.g. PDF output) or edits it first.
+    void answerPrint(bool accept, std::function<void(QPrinter&)> setup = {})
+    {
+        m_prints.append({accept, std::move(setup)});
+    }
+    // The settings dialog: the hook plays the user's part and returns accepted.
+    void answerSettings(std::function<bool()> hook) { m_settings << std::move(hook); }
+
+    // Runs right after a dialog is recorded (e.g. to stop a server mid-wait).
+    std::function<void(const Shown&)> onShown;
+
+    [[nodiscard]] const QList<Shown>& shown() const { return m_shown; }
+    [[nodiscard]] QList<Shown> messages() const;
+    [[nodiscard]] bool anyUnexpected() const;
+    [[nodiscard]] int pendingAnswers() const;
+    void clearShown() { m_shown.clear(); }
+
+    Answer message(QWidget* parent, Icon icon, const QString& title, const QString& text,
+                   Buttons buttons) override;
+    std::optional<QString> inputText(QWidget* parent, const QString& title, const QString& prompt,
+                                     const QString& defaultText) override;
+    std::optional<QString> codePrompt(QWidget* parent, const QString& title,
+                                      const QString& label) override;
+    std::optional<Selection> selection(QWidget* parent, const QString& caption,
+                                       const QString& label, const QStringList& first,
+                                       const QStringList& second) override;
+    QString openFileName(QWidget* parent, const QString& title, const QString& filter,
+                         const QString& proposed) override;
+    QString saveFileName(QWidget* parent, const QString& title, const QString& filter,
+                         const QString& proposed) override;
+    bool printDialog(QWidget* parent, QPrinter& printer) override;
+    bool settingsDialog(QWidget* parent) override;
+
+private:
+    Shown& record(Shown s);
+
+    QList<Answer> m_messages;
+    QList<std::optional<QString>> m_inputs;
+    QList<std::optional<QString>> m_codes;
+    QList<std::optional<Selection>> m_selections;
+    QStringList m_files;
+    QList<QPair<bool, std::function<void(QPrinter&)>>> m_prints;
+    QList<std::function<bool()>> m_settings;
+    QList<Shown> m_shown;
+};
+
+} // namespace sx::test

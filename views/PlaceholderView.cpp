@@ -1,0 +1,51 @@
+#include "views/PlaceholderView.h"
+
+#include "app/NavigationFrame.h"
+#include "app/Navigator.h"
+#include "app/Twips.h"
+
+#include <QMenuBar>
+
+using namespace Qt::StringLiterals;
+
+namespace sx {
+
+PlaceholderView::PlaceholderView(AppContext& ctx, ViewId id, const QString& viewName,
+                                 const QList<QPair<QString, QString>>& menuItems)
+    : ViewWindow(ctx, id, viewName)
+{
+    setFont(uiFont(9.75));
+    QMenu* menu = menuBar()->addMenu(u"Διαχείριση"_s);
+    menu->setObjectName(u"Diahirisi"_s);
+    for (const auto& [name, caption] : menuItems) {
+        QAction* a = menu->addAction(caption);
+        a->setObjectName(name);
+        a->setEnabled(false);
+    }
+    menu->addSeparator();
+    addExitItem(menu);
+    placeAt(navigation(), 120, 120, 5895, 2535);
+    resize(twips(6300, this), twips(3200, this) + menuBar()->sizeHint().height());
+    updateNewMessagesIndicator();
+}
+
+void PlaceholderView::unitSelected(int) {}
+
+void registerSecondaryViews(Navigator& navigator)
+{
+    navigator.setFactory(ViewId::Records, [](AppContext& ctx) -> ViewWindow* {
+        return new PlaceholderView(ctx, ViewId::Records, u"Αρχείο καταγραφών"_s,
+                                   {{u"Saverecords"_s, u"Αποθήκευση αρχείου καταγραφών"_s},
+                                    {u"Printrecords"_s, u"Εκτύπωση αρχείου καταγραφών"_s}});
+    });
+    navigator.setFactory(ViewId::Events, [](AppContext& ctx) -> ViewWindow* {
+        return new PlaceholderView(ctx, ViewId::Events, u"Αρχείο συμβάντων"_s,
+                                   {{u"Printrecords"_s, u"Εκτύπωση αρχείου συμβάντων"_s}});
+    });
+    navigator.setFactory(ViewId::Messages, [](AppContext& ctx) -> ViewWindow* {
+        return new PlaceholderView(ctx, ViewId::Messages, u"Μηνύματα"_s,
+                                   {{u"Printmsgs"_s, u"Εκτύπωση μηνυμάτων"_s}});
+    });
+}
+
+} // namespace sx

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "app/ViewWindow.h"
+#include "views/current/CommandHost.h"
+
+#include <QTimer>
+
+class QLabel;
+class QPushButton;
+class QTableWidget;
+
+namespace sx {
+
+struct CurrentCondition;
+
+// Mainfrm, the current condition of one unit: the points and power grids, the
+// connection, fault and clock labels, the three command buttons, refreshed on
+// selection and then 10 s after the end of each refresh (also while hidden).
+class MainWindow : public ViewWindow, public CommandHost {
+    Q_OBJECT
+public:
+    static constexpr int kRefreshIntervalMs = 10000;
+
+    explicit MainWindow(AppContext& ctx);
+
+    // The selection event: empties the labels and grids, then refreshes at once.
+    void unitSelected(int index) override;
+    // One refresh; does nothing while the unit list is empty.
+    void refresh();
+
+    [[nodiscard]] QTimer* refreshTimer() { return &m_timer; }
+    [[nodiscard]] QTableWidget* pointsGrid() const { return m_points; }
+    [[nodiscard]] QTableWidget* powerGrid() const { return m_powers; }
+    // true while the last refresh could not read the database.
+    [[nodiscard]] bool databaseLost() const { return m_databaseLost; }
+
+    QWidget* commandWindow() override { return this; }
+    [[nodiscard]] QString commandSerial() const override { return selectedSerial(); }
+    [[nodiscard]] QString relayCaption() const override;
+    void refreshNow() override { refresh(); }
+
+private:
+    void buildMenus();
+    void buildInfoFrame(QWidget* central);
+    void buildReadingsFrame(QWidget* central);
+    void apply(const CurrentCondition& cc);
+    void showDatabaseLost();
+    void setRowCount(QTableWidget* grid, int rows);
+    void setRow(QTableWidget* grid, int row, const QStringList& texts, const QColor& color);
+    void setLabel(QLabel* label, const QString& text);
+    void fitColumns(QTableWidget* grid);
+
+    QTimer m_timer;
+    QLabel* m_connection = nullptr;
+    QLabel* m_status = nullptr;
+    QLabel* m_clock = nullptr;
+    QPushButton* m_notification = nullptr;
+    QPushButton* m_relay = nullptr;
+    QPushButton* m_bypass = nullptr;
+    QTableWidget* m_points = nullptr;
+    QTableWidget* m_powers = nullptr;
+    bool m_refreshing = false;
+    bool m_databaseLost = false;
+};
+
+} // namespace sx
