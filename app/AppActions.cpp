@@ -61,10 +61,11 @@ void changeAppSettings(AppContext& ctx, QWidget* parent)
         return;
     ctx.settings->setApp(u"Init"_s, u"1"_s);
     ctx.settings->sync();
-    ctx.dialogs->message(parent, DialogService::Icon::Information, settingsChangeTitle(),
-                         u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\n"
-                         u"Οι αλλαγές θα ισχύσουν απο την επόμενη φορά που θα εκτελεστεί η εφαρμογή "_s +
-                             appTitle());
+    ctx.dialogs->message(
+        parent, DialogService::Icon::Information, settingsChangeTitle(),
+        u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\n"
+        u"Οι αλλαγές θα ισχύσουν απο την επόμενη φορά που θα εκτελεστεί η εφαρμογή "_s +
+            appTitle());
     if (ctx.terminate)
         ctx.terminate();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Database.h"
+#include "model/LoadedRecords.h"
 
 #include <QDateTime>
 #include <QStringList>
@@ -40,6 +41,9 @@ struct AppContext {
 
     // Serial of each entry of the unit list filled last; "*" for "ΟΛΑ".
     QStringList systemSerials;
+
+    // The records the records view shows, for the graph; in grid order.
+    std::shared_ptr<const LoadedRecords> loadedRecords;
 
     // The shutdown steps: close the connection (errors ignored) and end the
     // process. Tests replace it to see that it was reached.

@@ -87,7 +87,8 @@ SettingsDialog::SettingsDialog(SettingsStore& store, DialogService& dialogs, QWi
         m_fields[f] = edit;
         return edit;
     };
-    const QString note = u"(Αφήστε το πεδίο κενό εάν η βάση δεδομένων βρίσκεται σε αυτόν τον Η/Υ)"_s;
+    const QString note =
+        u"(Αφήστε το πεδίο κενό εάν η βάση δεδομένων βρίσκεται σε αυτόν τον Η/Υ)"_s;
     const auto noteLabel = [&](const QString& name, int top) {
         QLabel* label = heading(this, note, name);
         label->setFont(uiFont(8.25, false));
@@ -113,8 +114,7 @@ SettingsDialog::SettingsDialog(SettingsStore& store, DialogService& dialogs, QWi
                         field(ServerIp, 240, 2820, false),
                         field(ServerPort, 240, 3600, false)};
 
-    placeAt(heading(this, u"Κωδικός προστασίας παραμέτρων"_s, u"Label1_7"_s), 240, 4200, 4320,
-            285);
+    placeAt(heading(this, u"Κωδικός προστασίας παραμέτρων"_s, u"Label1_7"_s), 240, 4200, 4320, 285);
     field(Code, 240, 4500, true);
     placeAt(heading(this, u"Επιβεβαίωση κωδικού"_s, u"Label1_8"_s), 4680, 4200, 4320, 285);
     field(Confirmation, 4680, 4500, true);

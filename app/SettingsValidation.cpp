@@ -13,8 +13,7 @@ namespace {
 bool allDecimalDigits(const QString& text)
 {
     // Only 0-9: other scripts' digits mean nothing to a port number.
-    return std::all_of(text.begin(), text.end(),
-                       [](QChar c) { return c >= u'0' && c <= u'9'; });
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
 } // namespace

@@ -14,6 +14,8 @@
 #include <QSessionManager>
 #include <QTimer>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace sx {
@@ -22,12 +24,12 @@ QString waitMessageFor(const ConnectionSettings& settings)
 {
     if (settings.kind == DbKind::Access || settings.kind == DbKind::SQLite)
         return u"Άνοιγμα αρχείου βάσης δεδομένων."_s;
-    return u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:"_s + settings.serverIp +
-           u"  PORT:"_s + settings.serverPort;
+    return u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:"_s + settings.serverIp + u"  PORT:"_s +
+           settings.serverPort;
 }
 
 Startup::Startup(AppContext& ctx, MainFactory makeMain)
-    : m_ctx(ctx), m_makeMain(std::move(makeMain)), m_lockFile(SingleInstance::defaultLockFile())
+    : m_ctx(ctx), m_makeMain(std::move(makeMain))
 {
 }
 
@@ -35,7 +37,8 @@ Startup::~Startup() = default;
 
 std::optional<int> Startup::run()
 {
-    m_instance = std::make_unique<SingleInstance>(m_lockFile);
+    m_instance = std::make_unique<SingleInstance>(
+        m_lockFile.isEmpty() ? SingleInstance::defaultLockFile() : m_lockFile);
     if (!m_instance->acquire())
         return kExitNormal;
 
@@ -70,9 +73,10 @@ bool Startup::firstRun()
 {
     DialogService& dialogs = *m_ctx.dialogs;
     SettingsStore& settings = *m_ctx.settings;
-    dialogs.message(nullptr, DialogService::Icon::Information, appTitle(),
-                    u"Καλωσορίσατε στην εφαρμογή "_s + appTitle() +
-                        u".\r\nΠαρακαλώ πατήστε 'ΟΚ' για να καθορίσετε τις παραμέτρους λειτουργίας της εφαρμογής."_s);
+    dialogs.message(
+        nullptr, DialogService::Icon::Information, appTitle(),
+        u"Καλωσορίσατε στην εφαρμογή "_s + appTitle() +
+            u".\r\nΠαρακαλώ πατήστε 'ΟΚ' για να καθορίσετε τις παραμέτρους λειτουργίας της εφαρμογής."_s);
     settings.setProtectionCode({});
     settings.setApp(u"DBType"_s, u"0"_s);
     for (const QString& key : {u"DBFile"_s, u"DBDataSource"_s, u"DBServerIP"_s, u"DBServerPORT"_s})
@@ -105,7 +109,8 @@ int Startup::connectionFailed(const DbError& error)
         // A completed change ends the console itself, after its own message;
         // here that end is noted, and taken once, below.
         bool changed = false;
-        std::function<void()> shutdown = std::exchange(m_ctx.terminate, [&changed] { changed = true; });
+        std::function<void()> shutdown =
+            std::exchange(m_ctx.terminate, [&changed] { changed = true; });
         changeAppSettings(m_ctx, nullptr);
         m_ctx.terminate = std::move(shutdown);
         if (!changed)

@@ -38,7 +38,6 @@ WaitWindow::WaitWindow(const QString& message, QWidget* parent)
     setMessage(message);
 
     show();
-    raise();
     // Painted now: the caller blocks right after this.
     QCoreApplication::processEvents();
     repaint();

@@ -41,9 +41,8 @@ QString shownText(const QString& text)
 
 } // namespace
 
-DialogService::Answer WidgetDialogService::message(QWidget* parent, Icon icon,
-                                                   const QString& title, const QString& text,
-                                                   Buttons buttons)
+DialogService::Answer WidgetDialogService::message(QWidget* parent, Icon icon, const QString& title,
+                                                   const QString& text, Buttons buttons)
 {
     QMessageBox box(boxIcon(icon), title, shownText(text), QMessageBox::NoButton, parent);
     box.setTextFormat(Qt::PlainText);
@@ -73,7 +72,8 @@ DialogService::Answer WidgetDialogService::message(QWidget* parent, Icon icon,
     // Escape and the close box give the last choice (OK, Άκυρο, Όχι).
     box.setEscapeButton(added.last());
     box.exec();
-    const int index = static_cast<int>(added.indexOf(qobject_cast<QPushButton*>(box.clickedButton())));
+    const int index =
+        static_cast<int>(added.indexOf(qobject_cast<QPushButton*>(box.clickedButton())));
     return choices.at(index < 0 ? choices.size() - 1 : index).answer;
 }
 

@@ -54,7 +54,10 @@ int main(int argc, char** argv)
 
     Startup startup(ctx, [](AppContext& c) -> ViewWindow* {
 #ifdef SX_HAVE_MAIN_WINDOW
-        return new MainWindow(c);
+        auto* window = new MainWindow(c);
+        // Its timer is a plain member, not a child start-up could find by name.
+        window->refreshTimer()->setInterval(kUpdateIntervalMs);
+        return window;
 #else
         return new PlaceholderView(c, ViewId::Current, u"Τρέχουσα κατάσταση"_s, {});
 #endif

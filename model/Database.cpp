@@ -131,8 +131,9 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
             return e;
         }
     } else if (settings.kind == DbKind::PostgreSQL) {
-        // The native reader parses ISO date-times.
-        const DbError e = exec(u"SET DateStyle TO ISO, YMD"_s);
+        // The native reader parses ISO date-times; notices ("already exists,
+        // skipping") would only clutter the output.
+        const DbError e = exec(u"SET DateStyle TO ISO, YMD; SET client_min_messages TO WARNING"_s);
         if (e.isError()) {
             close();
             return e;

@@ -275,7 +275,7 @@ QList<DemoUnit> buildDemoFleet(int units, quint64 seed)
             break;
         case 8:
             u.inputs[0].condition = true; // cut but no fault: red text, grey row
-            u.faults = {{1, u"2"_s}, {1, u"7"_s}};
+            u.faults = {{1, u"2"_s}, {1, u"5"_s}};
             break;
         case 9:
             u.inputs[1].condition = true; // older than 122: condition not shown

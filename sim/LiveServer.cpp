@@ -4,8 +4,10 @@
 #include "model/Formatting.h"
 #include "model/Schema.h"
 #include "model/SqlDateTime.h"
+#include "sim/BulkInsert.h"
 #include "sim/EventLog.h"
 #include "sim/StoreCounters.h"
+#include "sim/WriteTransaction.h"
 
 #include <algorithm>
 #include <optional>
@@ -38,7 +40,38 @@ QString unitWhere(QStringView column, const QString& serial)
     return column.toString() + u'=' + sqlQuote(serial);
 }
 
+// Sets columns of several points of one unit in one statement (a round trip
+// per point is what makes a tick slow on a server): each row holds the point
+// number, then the values in the order of `columns`.
+DbError updatePoints(Database& db, QStringView table, QStringView serialColumn,
+                     QStringView numberColumn, const QString& serial, const QStringList& columns,
+                     const QList<QList<SqlValue>>& rows)
+{
+    if (rows.isEmpty())
+        return {};
+    QString values;
+    for (qsizetype r = 0; r < rows.size(); ++r) {
+        values += r == 0 ? u"SELECT "_s : u" UNION ALL SELECT "_s;
+        values += db.literal(rows[r][0]) + u" AS k"_s;
+        for (qsizetype c = 1; c < rows[r].size(); ++c)
+            values += u", "_s + db.literal(rows[r][c]) + u" AS c"_s + QString::number(c);
+    }
+    QString sets;
+    for (qsizetype c = 0; c < columns.size(); ++c)
+        sets += (c == 0 ? QString() : u", "_s) + columns[c] + u"=v.c"_s + QString::number(c + 1);
+    return db.exec(u"UPDATE "_s + table.toString() + u" SET "_s + sets + u" FROM ("_s + values +
+                   u") AS v WHERE "_s + unitWhere(serialColumn, serial) + u" AND "_s +
+                   numberColumn.toString() + u"=v.k"_s);
+}
+
 } // namespace
+
+// What a round writes for many points at once.
+struct LiveServer::Batch {
+    QList<QList<SqlValue>> conditions; // point, value, out of bounds, alarm
+    QList<QList<SqlValue>> counters;   // point, page bytes, last page
+    std::unique_ptr<BulkInsert> records;
+};
 
 struct LiveServer::UnitState {
     QString serial;
@@ -95,11 +128,14 @@ DbError LiveServer::tick(qint64 now, TickSummary* summary)
             return e;
         m_tailsLoaded = true;
     }
-    if (DbError e = m_db.begin(); e.isError())
+    if (DbError e = beginWrite(m_db); e.isError())
         return e;
 
     auto fail = [this](DbError e) {
         (void)m_db.rollback();
+        // What this round counted never reached the database: start over from it.
+        m_points.clear();
+        m_tailsLoaded = false;
         return e;
     };
 
@@ -136,17 +172,24 @@ DbError LiveServer::tick(qint64 now, TickSummary* summary)
         if (!rows.ok())
             return fail(rows.error());
     }
+    Batch batch;
+    batch.records = std::make_unique<BulkInsert>(
+        m_db, sch::Records::table,
+        QStringList{u"Rec_SyI_Serialnumber"_s, u"Rec_SeI_Sensornumber"_s, u"Rec_Datetime"_s,
+                    u"Rec_Value"_s, u"Rec_Sensortype"_s, u"Rec_SensRecSN"_s});
     for (UnitState& u : units) {
-        if (DbError e = tickUnit(u, now, s); e.isError())
+        if (DbError e = tickUnit(u, now, batch, s); e.isError())
             return fail(e);
     }
+    if (DbError e = batch.records->finish(); e.isError())
+        return fail(e);
     if (DbError e = m_db.commit(); e.isError())
-        return e;
+        return fail(e);
     m_lastTick = now;
     return {};
 }
 
-DbError LiveServer::tickUnit(UnitState& unit, qint64 now, TickSummary& s)
+DbError LiveServer::tickUnit(UnitState& unit, qint64 now, Batch& batch, TickSummary& s)
 {
     namespace SI = sch::SensorsInfo;
     namespace C = sch::SystemsCurrentCondition;
@@ -190,10 +233,27 @@ DbError LiveServer::tickUnit(UnitState& unit, qint64 now, TickSummary& s)
     }
     if (!rows.ok())
         return rows.error();
+    batch.conditions.clear();
+    batch.counters.clear();
     for (const auto& p : points) {
-        if (DbError e = tickPoint(unit, *p, now, s); e.isError())
+        if (DbError e = tickPoint(unit, *p, now, batch, s); e.isError())
             return e;
     }
+    namespace SC = sch::SensorsCurrentCondition;
+    if (DbError e = updatePoints(m_db, SC::table, SC::SeCC_SyI_Serialnumber, SC::SeCC_Sensornumber,
+                                 unit.serial,
+                                 {SC::SeCC_Currvalue.toString(), SC::SeCC_Outofbounds.toString(),
+                                  SC::SeCC_Alarmcondition.toString()},
+                                 batch.conditions);
+        e.isError())
+        return e;
+    if (DbError e = updatePoints(m_db, SI::table, SI::SeI_SyI_Serialnumber, SI::SeI_Sensornumber,
+                                 unit.serial,
+                                 {SI::SeI_RecordsTable_Pagebyteswrit.toString(),
+                                  SI::SeI_RecordsTable_Lastpagesn.toString()},
+                                 batch.counters);
+        e.isError())
+        return e;
 
     const double step = std::max(1.0, m_options.stepSecs);
     if (m_rng.chance(step * kSupplyChangeRate)) {
@@ -235,11 +295,10 @@ SqlValue LiveServer::messageTime(const UnitState& unit, qint64 now) const
     return SqlDateTimeValue{now};
 }
 
-DbError LiveServer::tickPoint(const UnitState& unit, PointState& p, qint64 now, TickSummary& s)
+DbError LiveServer::tickPoint(const UnitState& unit, PointState& p, qint64 now, Batch& batch,
+                              TickSummary& s)
 {
-    namespace SC = sch::SensorsCurrentCondition;
     namespace SE = sch::SensorsEvents;
-    namespace SI = sch::SensorsInfo;
     const double v = p.walk->next();
     const bool out = outOfLimits(p.type, p.minUsed, p.minLimit, p.maxUsed, p.maxLimit, v);
     const bool bypassed =
@@ -290,35 +349,20 @@ DbError LiveServer::tickPoint(const UnitState& unit, PointState& p, qint64 now, 
     if (bypassed)
         p.alarm = false;
 
-    if (DbError e = m_db.updateRows(SC::table,
-                                    {{SC::SeCC_Currvalue.toString(), v},
-                                     {SC::SeCC_Outofbounds.toString(), qint64(out ? 1 : 0)},
-                                     {SC::SeCC_Alarmcondition.toString(), qint64(p.alarm ? 1 : 0)}},
-                                    unitWhere(SC::SeCC_SyI_Serialnumber, unit.serial) +
-                                        u" AND SeCC_Sensornumber="_s + QString::number(p.number));
-        e.isError())
-        return e;
+    batch.conditions.append({p.number, v, qint64(out ? 1 : 0), qint64(p.alarm ? 1 : 0)});
 
     if (!p.logged || now - p.lastRecordSecs < m_options.recordSecs)
         return {};
-    namespace R = sch::Records;
     ++p.lastSn;
     p.lastRecordSecs = now;
-    if (DbError e = m_db.insertRow(R::table, {{R::Rec_SyI_Serialnumber.toString(), unit.serial},
-                                              {R::Rec_SeI_Sensornumber.toString(), p.number},
-                                              {R::Rec_Datetime.toString(), SqlDateTimeValue{now}},
-                                              {R::Rec_Value.toString(), v},
-                                              {R::Rec_Sensortype.toString(), qint64(p.type)},
-                                              {R::Rec_SensRecSN.toString(), p.lastSn}});
+    if (DbError e = batch.records->add(
+            {unit.serial, p.number, SqlDateTimeValue{now}, v, qint64(p.type), p.lastSn});
         e.isError())
         return e;
     ++s.records;
     const StoreCounters c = storeCounters(p.lastSn, kRecordEntryBytes);
-    return m_db.updateRows(SI::table,
-                           {{SI::SeI_RecordsTable_Pagebyteswrit.toString(), c.pageBytes},
-                            {SI::SeI_RecordsTable_Lastpagesn.toString(), c.lastPage}},
-                           unitWhere(SI::SeI_SyI_Serialnumber, unit.serial) +
-                               u" AND SeI_Sensornumber="_s + QString::number(p.number));
+    batch.counters.append({p.number, c.pageBytes, c.lastPage});
+    return {};
 }
 
 DbError LiveServer::toggleSupply(const UnitState& unit, qint64 now, TickSummary& s)

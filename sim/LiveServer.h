@@ -39,10 +39,12 @@ public:
 private:
     struct PointState;
     struct UnitState;
+    struct Batch;
 
     DbError loadRecordTails();
-    DbError tickUnit(UnitState& unit, qint64 now, TickSummary& s);
-    DbError tickPoint(const UnitState& unit, PointState& p, qint64 now, TickSummary& s);
+    DbError tickUnit(UnitState& unit, qint64 now, Batch& batch, TickSummary& s);
+    DbError tickPoint(const UnitState& unit, PointState& p, qint64 now, Batch& batch,
+                      TickSummary& s);
     DbError toggleSupply(const UnitState& unit, qint64 now, TickSummary& s);
     DbError toggleFault(const UnitState& unit, qint64 now, TickSummary& s);
     DbError deliverMessages(const UnitState& unit, qint64 now, TickSummary& s);

@@ -6,6 +6,7 @@
 #include "model/SqlDateTime.h"
 #include "sim/EventLog.h"
 #include "sim/UnitCodes.h"
+#include "sim/WriteTransaction.h"
 
 #include <QDateTime>
 #include <QSet>
@@ -220,7 +221,7 @@ QString RequestHandler::whereOf(const Pending& r) const
 
 DbError RequestHandler::answer(const Pending& request)
 {
-    if (DbError e = m_db.begin(); e.isError())
+    if (DbError e = beginWrite(m_db); e.isError())
         return e;
     DbError e;
     int reply = kReplyOffline;

@@ -1,6 +1,5 @@
 #include "sim/Seeder.h"
 
-#include "model/Formatting.h"
 #include "model/Schema.h"
 #include "model/SqlDateTime.h"
 #include "sim/BulkInsert.h"
@@ -10,6 +9,7 @@
 #include "sim/StoreCounters.h"
 #include "sim/UnitCodes.h"
 #include "sim/ValueWalk.h"
+#include "sim/WriteTransaction.h"
 
 #include <QDateTime>
 
@@ -473,6 +473,8 @@ private:
 
 DbError clearAllData(Database& db)
 {
+    if (DbError e = ensureUnitCodeTable(db); e.isError())
+        return e;
     const QStringView tables[] = {
         sch::SystemsInfo::table,
         sch::SystemsCurrentCondition::table,
@@ -512,16 +514,30 @@ SeedReport seedDemo(Database& db, const SeedOptions& options)
     }
     report.units = buildDemoFleet(options.units, options.seed);
 
-    if ((report.error = createSchema(db)).isError())
-        return report;
-    if ((report.error = ensureUnitCodeTable(db)).isError())
-        return report;
-    if (db.kind() == DbKind::SQLite) {
+    const bool postgres = db.kind() == DbKind::PostgreSQL;
+    if (!postgres) {
+        // The journal mode cannot change inside a transaction.
+        if ((report.error = createSchema(db)).isError())
+            return report;
         // Safe with the write-ahead log and much faster for a bulk load.
         (void)db.exec(u"PRAGMA synchronous=NORMAL"_s);
     }
-    if ((report.error = db.begin()).isError())
+    if ((report.error = beginWrite(db)).isError())
         return report;
+    if (postgres) {
+        // Re-running the CREATE statements only says "already exists".
+        report.error = db.exec(u"SET LOCAL client_min_messages TO WARNING"_s);
+        if (!report.error.isError())
+            report.error = createSchema(db);
+        if (report.error.isError()) {
+            (void)db.rollback();
+            return report;
+        }
+    }
+    if ((report.error = ensureUnitCodeTable(db)).isError()) {
+        (void)db.rollback();
+        return report;
+    }
     if ((report.error = clearAllData(db)).isError()) {
         (void)db.rollback();
         return report;
@@ -531,7 +547,7 @@ SeedReport seedDemo(Database& db, const SeedOptions& options)
 
     for (int i = 0; i < report.units.size(); ++i) {
         // One transaction per unit keeps the memory of an open transaction small.
-        if ((report.error = db.begin()).isError())
+        if ((report.error = beginWrite(db)).isError())
             return report;
         UnitSeeder unit(db, report.units[i], i, options, report.endSecs, report);
         report.error = unit.run();

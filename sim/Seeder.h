@@ -30,7 +30,8 @@ struct SeedReport {
 // fleet with its history. Same options, same rows.
 [[nodiscard]] SeedReport seedDemo(Database& db, const SeedOptions& options);
 
-// Deletes every row of the shared tables and of the server's own.
+// Deletes every row of the shared tables and of the server's own (creating
+// that one when missing).
 DbError clearAllData(Database& db);
 
 } // namespace sx::sim

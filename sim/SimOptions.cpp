@@ -12,13 +12,13 @@ namespace {
 
 enum class Scope { Any, Seed, Run };
 
-struct OptionSpec {
+struct OptionInfo {
     QStringView name;
     Scope scope;
     bool takesValue;
 };
 
-constexpr OptionSpec kOptions[] = {
+constexpr OptionInfo kOptions[] = {
     {u"--db", Scope::Any, true},           {u"--units", Scope::Seed, true},
     {u"--days", Scope::Seed, true},        {u"--seed", Scope::Any, true},
     {u"--end", Scope::Seed, true},         {u"--record-minutes", Scope::Seed, true},
@@ -28,9 +28,9 @@ constexpr OptionSpec kOptions[] = {
     {u"--record-secs", Scope::Run, true},  {u"--help", Scope::Any, false},
 };
 
-const OptionSpec* findOption(QStringView name)
+const OptionInfo* findOption(QStringView name)
 {
-    for (const OptionSpec& o : kOptions) {
+    for (const OptionInfo& o : kOptions) {
         if (o.name == name)
             return &o;
     }
@@ -68,7 +68,7 @@ ParsedOptions parseSimOptions(const QStringList& args)
     ParsedOptions out;
     SimOptions& o = out.options;
     std::optional<SimCommand> command;
-    QList<std::pair<const OptionSpec*, QString>> given;
+    QList<std::pair<const OptionInfo*, QString>> given;
 
     for (qsizetype i = 0; i < args.size(); ++i) {
         const QString& arg = args[i];
@@ -95,13 +95,13 @@ ParsedOptions parseSimOptions(const QStringList& args)
         }
         const qsizetype eq = arg.indexOf(u'=');
         const QString name = eq < 0 ? arg : arg.left(eq);
-        const OptionSpec* spec = findOption(name);
-        if (!spec) {
+        const OptionInfo* option = findOption(name);
+        if (!option) {
             out.error = u"unknown option "_s + name;
             return out;
         }
         QString value;
-        if (spec->takesValue) {
+        if (option->takesValue) {
             if (eq >= 0) {
                 value = arg.mid(eq + 1);
             } else if (i + 1 < args.size()) {
@@ -114,11 +114,11 @@ ParsedOptions parseSimOptions(const QStringList& args)
             out.error = u"option "_s + name + u" takes no value"_s;
             return out;
         }
-        if (spec->name == u"--help") {
+        if (option->name == u"--help") {
             o.command = SimCommand::Help;
             return out;
         }
-        given.append({spec, value});
+        given.append({option, value});
     }
 
     if (!command) {
@@ -127,15 +127,15 @@ ParsedOptions parseSimOptions(const QStringList& args)
     }
     o.command = *command;
 
-    for (const auto& [spec, value] : given) {
-        const bool fits = spec->scope == Scope::Any ||
-                          (spec->scope == Scope::Seed && o.command == SimCommand::Seed) ||
-                          (spec->scope == Scope::Run && o.command == SimCommand::Run);
+    for (const auto& [option, value] : given) {
+        const bool fits = option->scope == Scope::Any ||
+                          (option->scope == Scope::Seed && o.command == SimCommand::Seed) ||
+                          (option->scope == Scope::Run && o.command == SimCommand::Run);
         if (!fits) {
-            out.error = u"option "_s + spec->name.toString() + u" does not apply to this command"_s;
+            out.error = u"option "_s + option->name.toString() + u" does not apply to this command"_s;
             return out;
         }
-        const QStringView n = spec->name;
+        const QStringView n = option->name;
         auto number = [&](qint64 lo, qint64 hi) -> std::optional<qint64> {
             auto v = parseWhole(value, lo, hi);
             if (!v) {

@@ -116,6 +116,10 @@ int runLive(Database& db, const SimOptions& o, QTextStream& out, QTextStream& er
 {
     if (DbError e = checkTables(db); e.isError())
         return fail(err, e.description);
+    if (db.kind() == DbKind::SQLite) {
+        // One commit per tick: with the write-ahead log this is still crash-safe.
+        (void)db.exec(u"PRAGMA synchronous=NORMAL"_s);
+    }
     if (DbError e = ensureUnitCodeTable(db); e.isError())
         return fail(err, e.description);
 
@@ -143,7 +147,7 @@ int runLive(Database& db, const SimOptions& o, QTextStream& out, QTextStream& er
     qint64 nextTick = 0;
     qint64 ticks = 0;
     qint64 answeredTotal = 0;
-    bool reportedLoss = false;
+    QString lastError;
     while (!stop.load()) {
         const qint64 nowMs = clock.elapsed();
         DbError e;
@@ -163,17 +167,20 @@ int runLive(Database& db, const SimOptions& o, QTextStream& out, QTextStream& er
                 out << "answered " << answered << " request(s)" << Qt::endl;
         }
         if (e.isError()) {
-            if (!db.connectionLost())
-                return fail(err, e.description);
-            // The server went away: say so once and keep trying.
-            if (!reportedLoss)
-                err << "sentorax-server-sim: connection lost, retrying: " << oneLine(e.description)
-                    << Qt::endl;
-            reportedLoss = true;
-            (void)db.reopen();
-        } else if (reportedLoss && db.isOpen()) {
-            out << "connection restored" << Qt::endl;
-            reportedLoss = false;
+            // A server keeps serving: say what went wrong (once while it
+            // repeats) and try again at the next step.
+            const bool lost = db.connectionLost();
+            const QString text = oneLine(e.description);
+            if (text != lastError) {
+                err << "sentorax-server-sim: " << (lost ? "connection lost, retrying: " : "")
+                    << text << Qt::endl;
+                lastError = text;
+            }
+            if (lost)
+                (void)db.reopen();
+        } else if (!lastError.isEmpty()) {
+            out << "working again" << Qt::endl;
+            lastError.clear();
         }
         if (o.ticks > 0 && ticks >= o.ticks)
             break;

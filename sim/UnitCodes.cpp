@@ -8,6 +8,18 @@ namespace sx::sim {
 
 DbError ensureUnitCodeTable(Database& db)
 {
+    // Looked up first: PostgreSQL would notice "already exists" on every start.
+    const QString probe = db.kind() == DbKind::PostgreSQL
+                              ? u"SELECT 1 WHERE to_regclass('sim_unit_codes') IS NOT NULL"_s
+                              : u"SELECT 1 FROM sqlite_master WHERE type='table' AND "
+                                "name='Sim_Unit_Codes'"_s;
+    if (db.kind() == DbKind::PostgreSQL || db.kind() == DbKind::SQLite) {
+        DbError e;
+        if (db.exists(probe, &e))
+            return {};
+        if (e.isError())
+            return e;
+    }
     return db.exec(u"CREATE TABLE IF NOT EXISTS "_s + kUnitCodesTable.toString() +
                    u" (SimC_Serialnumber TEXT PRIMARY KEY, SimC_Code TEXT)"_s);
 }

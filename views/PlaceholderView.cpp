@@ -3,6 +3,8 @@
 #include "app/NavigationFrame.h"
 #include "app/Navigator.h"
 #include "app/Twips.h"
+#include "views/messages/MessagesWindow.h"
+#include "views/records/RecordsWindow.h"
 
 #include <QMenuBar>
 
@@ -33,19 +35,14 @@ void PlaceholderView::unitSelected(int) {}
 
 void registerSecondaryViews(Navigator& navigator)
 {
-    navigator.setFactory(ViewId::Records, [](AppContext& ctx) -> ViewWindow* {
-        return new PlaceholderView(ctx, ViewId::Records, u"Αρχείο καταγραφών"_s,
-                                   {{u"Saverecords"_s, u"Αποθήκευση αρχείου καταγραφών"_s},
-                                    {u"Printrecords"_s, u"Εκτύπωση αρχείου καταγραφών"_s}});
-    });
+    navigator.setFactory(ViewId::Records,
+                         [](AppContext& ctx) -> ViewWindow* { return new RecordsWindow(ctx); });
     navigator.setFactory(ViewId::Events, [](AppContext& ctx) -> ViewWindow* {
         return new PlaceholderView(ctx, ViewId::Events, u"Αρχείο συμβάντων"_s,
                                    {{u"Printrecords"_s, u"Εκτύπωση αρχείου συμβάντων"_s}});
     });
-    navigator.setFactory(ViewId::Messages, [](AppContext& ctx) -> ViewWindow* {
-        return new PlaceholderView(ctx, ViewId::Messages, u"Μηνύματα"_s,
-                                   {{u"Printmsgs"_s, u"Εκτύπωση μηνυμάτων"_s}});
-    });
+    navigator.setFactory(ViewId::Messages,
+                         [](AppContext& ctx) -> ViewWindow* { return new MessagesWindow(ctx); });
 }
 
 } // namespace sx

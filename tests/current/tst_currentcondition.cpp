@@ -1,6 +1,5 @@
 #include "CurrentSeed.h"
 #include "ScratchDatabase.h"
-
 #include "app/Colors.h"
 #include "model/Formatting.h"
 #include "views/current/CurrentCondition.h"
@@ -76,32 +75,52 @@ void TestCurrentCondition::pointRule_data()
     QTest::addColumn<QString>("reading");
     QTest::addColumn<QColor>("color");
 
-    // Line 1: not powered and in alarm.
-    QTest::newRow("not powered, alarm") << u"0"_s << u"21.5"_s << u"1"_s << u"1"_s << u"0"_s << u"ΕΚΤΟΣ Λ."_s << kBlue;
-    QTest::newRow("missing Notpowered, alarm") << u"0"_s << u"21.5"_s << u"NULL"_s << u"2"_s << u"1"_s << u"ΕΚΤΟΣ Λ."_s << kBlue;
-    // Line 2: not powered, no alarm.
-    QTest::newRow("not powered") << u"0"_s << u"21.5"_s << u"1"_s << u"0"_s << u"1"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
-    QTest::newRow("missing Notpowered") << u"0"_s << u"21.5"_s << u"NULL"_s << u"0"_s << u"0"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
-    QTest::newRow("negative Notpowered is not 0") << u"0"_s << u"21.5"_s << u"-1"_s << u"0"_s << u"0"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
-    QTest::newRow("not powered contact") << u"2"_s << u"1"_s << u"3"_s << u"NULL"_s << u"NULL"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
-    // Line 3: powered and in alarm, whatever the limits say.
-    QTest::newRow("alarm and out of limits is blue") << u"0"_s << u"21.5"_s << u"0"_s << u"1"_s << u"1"_s << u"21.5 °C"_s << kBlue;
-    QTest::newRow("alarm within limits") << u"3"_s << u"-3"_s << u"0"_s << u"1"_s << u"0"_s << u"-3.0 bar"_s << kBlue;
-    // Line 4: out of limits.
-    QTest::newRow("out of limits") << u"1"_s << u"80.04"_s << u"0"_s << u"0"_s << u"1"_s << u"80.0 %RH"_s << kRed;
-    QTest::newRow("alarm -1 is not in alarm") << u"0"_s << u"5"_s << u"0"_s << u"-1"_s << u"2"_s << u"5.0 °C"_s << kRed;
-    // Line 5: normal.
-    QTest::newRow("normal") << u"0"_s << u"21.25"_s << u"0"_s << u"0"_s << u"0"_s << u"21.3 °C"_s << kGrey;
-    QTest::newRow("missing alarm and limits flag") << u"4"_s << u"0"_s << u"0"_s << u"NULL"_s << u"NULL"_s << u"0.0 mbar"_s << kGrey;
-    QTest::newRow("negative out of limits is within") << u"0"_s << u"1"_s << u"0"_s << u"0"_s << u"-1"_s << u"1.0 °C"_s << kGrey;
+    // Not powered and in alarm.
+    QTest::newRow("not powered, alarm")
+        << u"0"_s << u"21.5"_s << u"1"_s << u"1"_s << u"0"_s << u"ΕΚΤΟΣ Λ."_s << kBlue;
+    QTest::newRow("missing Notpowered, alarm")
+        << u"0"_s << u"21.5"_s << u"NULL"_s << u"2"_s << u"1"_s << u"ΕΚΤΟΣ Λ."_s << kBlue;
+    // Not powered, no alarm.
+    QTest::newRow("not powered") << u"0"_s << u"21.5"_s << u"1"_s << u"0"_s << u"1"_s
+                                 << u"ΕΚΤΟΣ Λ."_s << kRed;
+    QTest::newRow("missing Notpowered")
+        << u"0"_s << u"21.5"_s << u"NULL"_s << u"0"_s << u"0"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
+    QTest::newRow("negative Notpowered is not 0")
+        << u"0"_s << u"21.5"_s << u"-1"_s << u"0"_s << u"0"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
+    QTest::newRow("not powered contact")
+        << u"2"_s << u"1"_s << u"3"_s << u"NULL"_s << u"NULL"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
+    // Powered and in alarm, whatever the limits say.
+    QTest::newRow("alarm and out of limits is blue")
+        << u"0"_s << u"21.5"_s << u"0"_s << u"1"_s << u"1"_s << u"21.5 °C"_s << kBlue;
+    QTest::newRow("alarm within limits")
+        << u"3"_s << u"-3"_s << u"0"_s << u"1"_s << u"0"_s << u"-3.0 bar"_s << kBlue;
+    // Out of limits.
+    QTest::newRow("out of limits")
+        << u"1"_s << u"80.04"_s << u"0"_s << u"0"_s << u"1"_s << u"80.0 %RH"_s << kRed;
+    QTest::newRow("alarm -1 is not in alarm")
+        << u"0"_s << u"5"_s << u"0"_s << u"-1"_s << u"2"_s << u"5.0 °C"_s << kRed;
+    // Normal.
+    QTest::newRow("normal") << u"0"_s << u"21.25"_s << u"0"_s << u"0"_s << u"0"_s << u"21.3 °C"_s
+                            << kGrey;
+    QTest::newRow("missing alarm and limits flag")
+        << u"4"_s << u"0"_s << u"0"_s << u"NULL"_s << u"NULL"_s << u"0.0 mbar"_s << kGrey;
+    QTest::newRow("negative out of limits is within")
+        << u"0"_s << u"1"_s << u"0"_s << u"0"_s << u"-1"_s << u"1.0 °C"_s << kGrey;
     // Value texts.
-    QTest::newRow("contact closed") << u"2"_s << u"1"_s << u"0"_s << u"0"_s << u"0"_s << u"ΚΛΕΙΣΤΗ"_s << kGrey;
-    QTest::newRow("contact open at 0") << u"2"_s << u"0"_s << u"0"_s << u"0"_s << u"0"_s << u"ΑΝΟΙΧΤΗ"_s << kGrey;
-    QTest::newRow("contact open below 0") << u"2"_s << u"-0.5"_s << u"0"_s << u"0"_s << u"0"_s << u"ΑΝΟΙΧΤΗ"_s << kGrey;
-    QTest::newRow("contact with missing value is open") << u"2"_s << u"NULL"_s << u"0"_s << u"0"_s << u"0"_s << u"ΑΝΟΙΧΤΗ"_s << kGrey;
-    QTest::newRow("missing analogue value is empty") << u"0"_s << u"NULL"_s << u"0"_s << u"0"_s << u"1"_s << QString() << kRed;
-    QTest::newRow("unknown type has no unit text") << u"33"_s << u"7.25"_s << u"0"_s << u"0"_s << u"0"_s << u"7.3"_s << kGrey;
-    QTest::newRow("missing type counts as 0") << u"NULL"_s << u"7"_s << u"0"_s << u"0"_s << u"0"_s << u"7.0 °C"_s << kGrey;
+    QTest::newRow("contact closed")
+        << u"2"_s << u"1"_s << u"0"_s << u"0"_s << u"0"_s << u"ΚΛΕΙΣΤΗ"_s << kGrey;
+    QTest::newRow("contact open at 0")
+        << u"2"_s << u"0"_s << u"0"_s << u"0"_s << u"0"_s << u"ΑΝΟΙΧΤΗ"_s << kGrey;
+    QTest::newRow("contact open below 0")
+        << u"2"_s << u"-0.5"_s << u"0"_s << u"0"_s << u"0"_s << u"ΑΝΟΙΧΤΗ"_s << kGrey;
+    QTest::newRow("contact with missing value is open")
+        << u"2"_s << u"NULL"_s << u"0"_s << u"0"_s << u"0"_s << u"ΑΝΟΙΧΤΗ"_s << kGrey;
+    QTest::newRow("missing analogue value is empty")
+        << u"0"_s << u"NULL"_s << u"0"_s << u"0"_s << u"1"_s << QString() << kRed;
+    QTest::newRow("unknown type has no unit text")
+        << u"33"_s << u"7.25"_s << u"0"_s << u"0"_s << u"0"_s << u"7.3"_s << kGrey;
+    QTest::newRow("missing type counts as 0")
+        << u"NULL"_s << u"7"_s << u"0"_s << u"0"_s << u"0"_s << u"7.0 °C"_s << kGrey;
 }
 
 void TestCurrentCondition::pointRule()
@@ -138,14 +157,22 @@ void TestCurrentCondition::limits_data()
     QTest::addColumn<QString>("maxText");
     QTest::addColumn<QString>("minText");
 
-    QTest::newRow("both in force") << u"0"_s << u"50"_s << u"1"_s << u"-10.25"_s << u"1"_s << u"50.0 °C"_s << u"-10.3 °C"_s;
-    QTest::newRow("only the maximum") << u"3"_s << u"6.5"_s << u"1"_s << u"1"_s << u"0"_s << u"6.5 bar"_s << QString();
-    QTest::newRow("only the minimum") << u"17"_s << u"900"_s << u"0"_s << u"350"_s << u"1"_s << QString() << u"350.0 ppm"_s;
-    QTest::newRow("neither") << u"0"_s << u"50"_s << u"0"_s << u"10"_s << u"0"_s << QString() << QString();
-    QTest::newRow("contact limits never shown") << u"2"_s << u"1"_s << u"1"_s << u"0"_s << u"1"_s << QString() << QString();
-    QTest::newRow("flag 2 is not 1") << u"0"_s << u"50"_s << u"2"_s << u"10"_s << u"-1"_s << QString() << QString();
-    QTest::newRow("missing flags") << u"0"_s << u"50"_s << u"NULL"_s << u"10"_s << u"NULL"_s << QString() << QString();
-    QTest::newRow("missing limit value") << u"0"_s << u"NULL"_s << u"1"_s << u"NULL"_s << u"1"_s << QString() << QString();
+    QTest::newRow("both in force")
+        << u"0"_s << u"50"_s << u"1"_s << u"-10.25"_s << u"1"_s << u"50.0 °C"_s << u"-10.3 °C"_s;
+    QTest::newRow("only the maximum")
+        << u"3"_s << u"6.5"_s << u"1"_s << u"1"_s << u"0"_s << u"6.5 bar"_s << QString();
+    QTest::newRow("only the minimum")
+        << u"17"_s << u"900"_s << u"0"_s << u"350"_s << u"1"_s << QString() << u"350.0 ppm"_s;
+    QTest::newRow("neither") << u"0"_s << u"50"_s << u"0"_s << u"10"_s << u"0"_s << QString()
+                             << QString();
+    QTest::newRow("contact limits never shown")
+        << u"2"_s << u"1"_s << u"1"_s << u"0"_s << u"1"_s << QString() << QString();
+    QTest::newRow("flag 2 is not 1")
+        << u"0"_s << u"50"_s << u"2"_s << u"10"_s << u"-1"_s << QString() << QString();
+    QTest::newRow("missing flags")
+        << u"0"_s << u"50"_s << u"NULL"_s << u"10"_s << u"NULL"_s << QString() << QString();
+    QTest::newRow("missing limit value")
+        << u"0"_s << u"NULL"_s << u"1"_s << u"NULL"_s << u"1"_s << QString() << QString();
 }
 
 void TestCurrentCondition::limits()
@@ -184,7 +211,8 @@ void TestCurrentCondition::powerRule_data()
     QTest::newRow("1.22 cut and fault") << u"'1.22'"_s << u"1"_s << u"1"_s << u"ΔΙΑΚΟΠΗ"_s << kRed;
     QTest::newRow("1.22 fault only") << u"'1.22'"_s << u"1"_s << u"0"_s << u"OK"_s << kRed;
     QTest::newRow("1.22 normal") << u"'1.22'"_s << u"0"_s << u"0"_s << u"OK"_s << kGrey;
-    QTest::newRow("1.225 reads as 122") << u"'1.225'"_s << u"0"_s << u"2"_s << u"ΔΙΑΚΟΠΗ"_s << kGrey;
+    QTest::newRow("1.225 reads as 122")
+        << u"'1.225'"_s << u"0"_s << u"2"_s << u"ΔΙΑΚΟΠΗ"_s << kGrey;
     QTest::newRow("12.2 reads as 122") << u"'12.2'"_s << u"0"_s << u"1"_s << u"ΔΙΑΚΟΠΗ"_s << kGrey;
     QTest::newRow("1.30") << u"'1.30'"_s << u"1"_s << u"0"_s << u"OK"_s << kRed;
     QTest::newRow("missing condition") << u"'1.22'"_s << u"NULL"_s << u"NULL"_s << u"OK"_s << kGrey;
@@ -196,8 +224,10 @@ void TestCurrentCondition::powerRule_data()
     QTest::newRow("10.0 is 100, older") << u"'10.0'"_s << u"0"_s << u"1"_s << u"OK"_s << kGrey;
     QTest::newRow("no point counts as older") << u"'122'"_s << u"0"_s << u"1"_s << u"OK"_s << kGrey;
     QTest::newRow("letters count as older") << u"'v1.x'"_s << u"0"_s << u"1"_s << u"OK"_s << kGrey;
-    QTest::newRow("missing version counts as older") << u"NULL"_s << u"1"_s << u"1"_s << u"ΔΙΑΚΟΠΗ"_s << kRed;
-    QTest::newRow("negative fault is no fault") << u"'1.21'"_s << u"-1"_s << u"0"_s << u"OK"_s << kGrey;
+    QTest::newRow("missing version counts as older")
+        << u"NULL"_s << u"1"_s << u"1"_s << u"ΔΙΑΚΟΠΗ"_s << kRed;
+    QTest::newRow("negative fault is no fault")
+        << u"'1.21'"_s << u"-1"_s << u"0"_s << u"OK"_s << kGrey;
 }
 
 void TestCurrentCondition::powerRule()
@@ -232,17 +262,26 @@ void TestCurrentCondition::labels_data()
     QTest::addColumn<QString>("reading");
     QTest::addColumn<QColor>("color");
 
-    QTest::newRow("point named") << false << 12 << u"'Θάλαμος 2'"_s << true << u"[12] Θάλαμος 2"_s << u"3.0 °C"_s << kGrey;
-    QTest::newRow("point empty name") << false << 3 << u"''"_s << true << u"[3] Ανώνυμη ζώνη"_s << u"3.0 °C"_s << kGrey;
-    QTest::newRow("point missing name") << false << 20 << u"NULL"_s << true << u"[20] Ανώνυμη ζώνη"_s << u"3.0 °C"_s << kGrey;
+    QTest::newRow("point named") << false << 12 << u"'Θάλαμος 2'"_s << true << u"[12] Θάλαμος 2"_s
+                                 << u"3.0 °C"_s << kGrey;
+    QTest::newRow("point empty name")
+        << false << 3 << u"''"_s << true << u"[3] Ανώνυμη ζώνη"_s << u"3.0 °C"_s << kGrey;
+    QTest::newRow("point missing name")
+        << false << 20 << u"NULL"_s << true << u"[20] Ανώνυμη ζώνη"_s << u"3.0 °C"_s << kGrey;
     // No current-condition row: every field missing, so "not powered".
-    QTest::newRow("point without condition row") << false << 9 << u"'Πόρτα'"_s << false << u"[9] Πόρτα"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
-    QTest::newRow("input 1 whatever its name") << true << 1 << u"'Μπαταρία'"_s << true << u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s << u"OK"_s << kGrey;
-    QTest::newRow("input 3 named Α") << true << 3 << u"'Α'"_s << true << u"[2] Α"_s << u"OK"_s << kGrey;
-    QTest::newRow("input 2 empty name") << true << 2 << u"''"_s << true << u"[1] Ανώνυμη ζώνη"_s << u"OK"_s << kGrey;
-    QTest::newRow("input 4 missing name") << true << 4 << u"NULL"_s << true << u"[3] Ανώνυμη ζώνη"_s << u"OK"_s << kGrey;
+    QTest::newRow("point without condition row")
+        << false << 9 << u"'Πόρτα'"_s << false << u"[9] Πόρτα"_s << u"ΕΚΤΟΣ Λ."_s << kRed;
+    QTest::newRow("input 1 whatever its name")
+        << true << 1 << u"'Μπαταρία'"_s << true << u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s << u"OK"_s << kGrey;
+    QTest::newRow("input 3 named Α")
+        << true << 3 << u"'Α'"_s << true << u"[2] Α"_s << u"OK"_s << kGrey;
+    QTest::newRow("input 2 empty name")
+        << true << 2 << u"''"_s << true << u"[1] Ανώνυμη ζώνη"_s << u"OK"_s << kGrey;
+    QTest::newRow("input 4 missing name")
+        << true << 4 << u"NULL"_s << true << u"[3] Ανώνυμη ζώνη"_s << u"OK"_s << kGrey;
     // No current-condition row: no state is claimed.
-    QTest::newRow("input without condition row") << true << 2 << u"'Γ'"_s << false << u"[1] Γ"_s << QString() << kGrey;
+    QTest::newRow("input without condition row")
+        << true << 2 << u"'Γ'"_s << false << u"[1] Γ"_s << QString() << kGrey;
 }
 
 void TestCurrentCondition::labels()
@@ -295,13 +334,20 @@ void TestCurrentCondition::notificationAndRelay_data()
 
     const QString off = u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
     const QString on = u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
-    QTest::newRow("disabled, relay off") << true << u"0"_s << u"0"_s << u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s << kGrey << off << kGrey;
-    QTest::newRow("enabled, relay on") << true << u"1"_s << u"1"_s << u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s << kRed << on << kRed;
-    QTest::newRow("automatic off, relay 2") << true << u"2"_s << u"2"_s << u"ΑΥΤΟΜΑΤΗ"_s << kGrey << off << kGrey;
-    QTest::newRow("automatic on (3)") << true << u"3"_s << u"-1"_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off << kGrey;
-    QTest::newRow("automatic on (-1)") << true << u"-1"_s << u"0"_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off << kGrey;
-    QTest::newRow("missing values") << true << u"NULL"_s << u"NULL"_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off << kGrey;
-    QTest::newRow("missing row") << false << u""_s << u""_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off << kGrey;
+    QTest::newRow("disabled, relay off")
+        << true << u"0"_s << u"0"_s << u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s << kGrey << off << kGrey;
+    QTest::newRow("enabled, relay on")
+        << true << u"1"_s << u"1"_s << u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s << kRed << on << kRed;
+    QTest::newRow("automatic off, relay 2")
+        << true << u"2"_s << u"2"_s << u"ΑΥΤΟΜΑΤΗ"_s << kGrey << off << kGrey;
+    QTest::newRow("automatic on (3)")
+        << true << u"3"_s << u"-1"_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off << kGrey;
+    QTest::newRow("automatic on (-1)")
+        << true << u"-1"_s << u"0"_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off << kGrey;
+    QTest::newRow("missing values")
+        << true << u"NULL"_s << u"NULL"_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off << kGrey;
+    QTest::newRow("missing row") << false << u""_s << u""_s << u"ΑΥΤΟΜΑΤΗ"_s << kRed << off
+                                 << kGrey;
 }
 
 void TestCurrentCondition::notificationAndRelay()
@@ -337,11 +383,15 @@ void TestCurrentCondition::connection_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QColor>("textColor");
 
-    QTest::newRow("0 no connection") << u"0"_s << false << u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s << colors::kRed;
+    QTest::newRow("0 no connection")
+        << u"0"_s << false << u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s << colors::kRed;
     QTest::newRow("1 connected") << u"1"_s << true << u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s << colors::kGreen;
-    QTest::newRow("2 programming") << u"2"_s << false << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s << colors::kRed;
-    QTest::newRow("-1 programming") << u"-1"_s << false << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s << colors::kRed;
-    QTest::newRow("missing programming") << u"NULL"_s << false << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s << colors::kRed;
+    QTest::newRow("2 programming")
+        << u"2"_s << false << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s << colors::kRed;
+    QTest::newRow("-1 programming")
+        << u"-1"_s << false << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s << colors::kRed;
+    QTest::newRow("missing programming")
+        << u"NULL"_s << false << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s << colors::kRed;
 }
 
 void TestCurrentCondition::connection()
@@ -381,8 +431,10 @@ void TestCurrentCondition::clock_data()
     QTest::addColumn<QString>("rtc");
     QTest::addColumn<QDateTime>("shown");
 
-    QTest::newRow("set") << u"'2024-03-05 14:07:00'"_s << QDateTime(QDate(2024, 3, 5), QTime(14, 7));
-    QTest::newRow("past midnight") << u"'2031-12-31 00:05:59'"_s << QDateTime(QDate(2031, 12, 31), QTime(0, 5, 59));
+    QTest::newRow("set") << u"'2024-03-05 14:07:00'"_s
+                         << QDateTime(QDate(2024, 3, 5), QTime(14, 7));
+    QTest::newRow("past midnight")
+        << u"'2031-12-31 00:05:59'"_s << QDateTime(QDate(2031, 12, 31), QTime(0, 5, 59));
     QTest::newRow("missing") << u"NULL"_s << QDateTime();
     QTest::newRow("zero date") << u"'1899-12-30 00:00:00'"_s << QDateTime();
 }

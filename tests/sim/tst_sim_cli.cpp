@@ -1,8 +1,8 @@
 // The real program: its commands, its exit codes and one-line errors, and a
 // request answered by a running server.
+#include "ScratchDatabase.h"
 #include "SimTestHelpers.h"
 #include "model/Schema.h"
-#include "support/ScratchDatabase.h"
 
 #include <QProcess>
 #include <QTest>
@@ -42,6 +42,7 @@ class TestSimCli : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void initTwiceIsHarmless();
     void seedPrintsEveryUnitWithItsCode();
     void failures_data();
@@ -49,16 +50,41 @@ private slots:
     void wrongPasswordIsOneLine();
     void runAnswersAHandInsertedRequest();
     void runStopsOnSigterm();
+
+private:
+    // Leaves the shared database without any table.
+    void dropAllTables();
+
+    // One database for all tests: a new one costs a second on a server.
+    ScratchDatabase m_scratch;
+    Database m_db;
 };
+
+void TestSimCli::initTestCase()
+{
+    SX_REQUIRE_DB(m_scratch);
+    QVERIFY(m_scratch.open(m_db, false));
+}
+
+void TestSimCli::dropAllTables()
+{
+    for (const QString& t : {u"Systems_Info"_s, u"Systems_Current_Condition"_s, u"Sensors_Info"_s,
+                             u"Sensors_Current_Condition"_s, u"Powermonitoring_Info"_s,
+                             u"Powermonitoring_Current_Condit"_s, u"Systems_Faults"_s,
+                             u"Sensors_Events"_s, u"Powermonitoring_Events"_s, u"Records"_s,
+                             u"Events_1"_s, u"Terminal_Requests"_s, u"Sim_Unit_Codes"_s}) {
+        const DbError e = m_db.exec(u"DROP TABLE IF EXISTS "_s + t);
+        QVERIFY2(!e.isError(), qPrintable(e.description));
+    }
+}
 
 void TestSimCli::initTwiceIsHarmless()
 {
-    ScratchDatabase s;
-    SX_REQUIRE_DB(s);
+    ScratchDatabase& s = m_scratch;
+    Database& db = m_db;
+    dropAllTables();
     const Outcome first = runSim({u"--db"_s, s.url(), u"init"_s});
     QCOMPARE(first.exitCode, 0);
-    Database db;
-    QVERIFY(s.open(db, false));
     QVERIFY(!db.exec(u"INSERT INTO Systems_Info (SyI_Serialnumber) VALUES ('KEEP')"_s).isError());
     const Outcome second = runSim({u"--db"_s, s.url(), u"init"_s});
     QCOMPARE(second.exitCode, 0);
@@ -69,13 +95,11 @@ void TestSimCli::initTwiceIsHarmless()
 
 void TestSimCli::seedPrintsEveryUnitWithItsCode()
 {
-    ScratchDatabase s;
-    SX_REQUIRE_DB(s);
+    ScratchDatabase& s = m_scratch;
+    Database& db = m_db;
     const Outcome o = runSim({u"--db"_s, s.url(), u"seed"_s, u"--days"_s, u"1"_s, u"--units"_s,
                               u"13"_s, u"--end"_s, u"2024-03-10 12:00"_s});
     QCOMPARE(o.exitCode, 0);
-    Database db;
-    QVERIFY(s.open(db, false));
     Rows rows =
         db.read(u"SELECT SyI_Serialnumber, SyI_Model, SyI_Softver, SyI_Online, SimC_Code FROM "
                 "Systems_Info JOIN Sim_Unit_Codes ON SimC_Serialnumber=SyI_Serialnumber"_s);
@@ -133,8 +157,7 @@ void TestSimCli::failures()
 
 void TestSimCli::wrongPasswordIsOneLine()
 {
-    ScratchDatabase s;
-    SX_REQUIRE_DB(s);
+    ScratchDatabase& s = m_scratch;
     if (!s.isPostgres()) {
         // A file that is not a database, and a database without the tables.
         const QString junk = s.folder() + u"/junk.db"_s;
@@ -145,8 +168,7 @@ void TestSimCli::wrongPasswordIsOneLine()
         Outcome o = runSim({u"--db"_s, u"sqlite:"_s + junk, u"run"_s});
         QCOMPARE(o.exitCode, 1);
         QCOMPARE(o.err.trimmed().count(u'\n'), 0);
-        Database db;
-        QVERIFY(s.open(db, false));
+        dropAllTables();
         o = runSim({u"--db"_s, s.url(), u"run"_s});
         QCOMPARE(o.exitCode, 1);
         QVERIFY2(o.err.contains(u"init"_s), qPrintable(o.err));
@@ -161,6 +183,7 @@ void TestSimCli::wrongPasswordIsOneLine()
     QVERIFY(!o.err.contains(u"not-the-password"_s));
     QCOMPARE(o.err.trimmed().count(u'\n'), 0);
     // A database without the tables.
+    dropAllTables();
     const Outcome empty = runSim({u"--db"_s, s.url(), u"run"_s});
     QCOMPARE(empty.exitCode, 1);
     QVERIFY2(empty.err.contains(u"init"_s), qPrintable(empty.err));
@@ -168,11 +191,9 @@ void TestSimCli::wrongPasswordIsOneLine()
 
 void TestSimCli::runAnswersAHandInsertedRequest()
 {
-    ScratchDatabase s;
-    SX_REQUIRE_DB(s);
+    ScratchDatabase& s = m_scratch;
+    Database& db = m_db;
     QCOMPARE(runSim({u"--db"_s, s.url(), u"seed"_s, u"--days"_s, u"1"_s}).exitCode, 0);
-    Database db;
-    QVERIFY(s.open(db, false));
     QVERIFY(!db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100002', 2, '0042;1', 0, 0)"_s)
                  .isError());
     QVERIFY(!db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100001', 2, '4321;1', 0, 0)"_s)
@@ -193,8 +214,7 @@ void TestSimCli::runAnswersAHandInsertedRequest()
 
 void TestSimCli::runStopsOnSigterm()
 {
-    ScratchDatabase s;
-    SX_REQUIRE_DB(s);
+    ScratchDatabase& s = m_scratch;
     QCOMPARE(runSim({u"--db"_s, s.url(), u"init"_s}).exitCode, 0);
     QProcess p;
     p.start(QString::fromUtf8(SX_SIM_EXE),

@@ -1,11 +1,11 @@
 // The live behaviour of the server: what every polling round must keep true.
+#include "ScratchDatabase.h"
 #include "SimTestHelpers.h"
 #include "model/Schema.h"
 #include "sim/LiveServer.h"
 #include "sim/RequestHandler.h"
 #include "sim/Seeder.h"
 #include "sim/StoreCounters.h"
-#include "support/ScratchDatabase.h"
 
 #include <QTest>
 
@@ -17,6 +17,7 @@ class TestSimLive : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
 
     void ticksMoveOnlineUnits();
@@ -34,12 +35,17 @@ private:
     qint64 m_now = 0;
 };
 
-void TestSimLive::init()
+void TestSimLive::initTestCase()
 {
     m_scratch = std::make_unique<ScratchDatabase>();
     SX_REQUIRE_DB(*m_scratch);
     m_db = std::make_unique<Database>();
     QVERIFY(m_scratch->open(*m_db));
+}
+
+void TestSimLive::init()
+{
+    // Every test starts from the same seeded fleet (seeding replaces all rows).
     const sim::SeedReport r = sim::seedDemo(*m_db, smallSeed(1));
     QVERIFY2(!r.error.isError(), qPrintable(r.error.description));
     m_now = seedEnd();
@@ -143,7 +149,7 @@ void TestSimLive::recordsAndEventsContinueTheirSequences()
     o.stepSecs = 120; // long rounds: many crossings in few ticks
     sim::LiveServer live(db, o);
     sim::TickSummary total;
-    runTicks(live, 25, 120, &total);
+    runTicks(live, 15, 120, &total);
 
     QVERIFY(total.records > 0);
     QVERIFY(total.events > 0);
@@ -211,7 +217,7 @@ void TestSimLive::bypassedPointRaisesNothing()
     sim::LiveOptions o;
     o.stepSecs = 120;
     sim::LiveServer live(db, o, &requests.bypasses());
-    runTicks(live, 25, 120);
+    runTicks(live, 15, 120);
 
     const QString since = u" AND Event_Datetime>'2024-03-10 12:00:00'"_s;
     // Point 3 is a contact input; unbypassed it opens and closes in these rounds.

@@ -1,10 +1,10 @@
 // Requests of the console answered through Terminal_Requests, on a seeded fleet.
+#include "ScratchDatabase.h"
 #include "SimTestHelpers.h"
 #include "model/Dialect.h"
 #include "model/Schema.h"
 #include "sim/RequestHandler.h"
 #include "sim/Seeder.h"
-#include "support/ScratchDatabase.h"
 
 #include <QTest>
 
@@ -110,7 +110,6 @@ void TestSimRequests::answers_data()
     QTest::newRow("offline unit") << u"SX100004"_s << 2 << u";1"_s << 3 << relay << -1;
     QTest::newRow("unit being programmed") << u"SX100005"_s << 2 << u";1"_s << 4 << relay << -1;
     QTest::newRow("unknown unit") << u"SX999999"_s << 2 << u"!1234;1"_s << 3 << QString() << -1;
-    QTest::newRow("malformed relay state") << u"SX100001"_s << 2 << u";on"_s << 2 << relay << -1;
     QTest::newRow("relay on") << u"SX100002"_s << 2 << u";1"_s << 1 << relay << 1;
     QTest::newRow("relay off") << u"SX100001"_s << 2 << u";0"_s << 1 << relay << 0;
     QTest::newRow("quoted serial") << u"SX'Q7"_s << 2 << u";1"_s << 1 << relay << 1;
@@ -121,11 +120,8 @@ void TestSimRequests::answers_data()
         << u"SX100012"_s << 1 << u";0;0"_s << 1 << phone << 0;
     QTest::newRow("older form to extended") << u"SX100001"_s << 1 << u";1;0"_s << 5 << phone << -1;
     QTest::newRow("short form to older unit") << u"SX100002"_s << 1 << u";0"_s << 5 << phone << -1;
-    QTest::newRow("automatic to older unit") << u"SX100002"_s << 1 << u";2;0"_s << 5 << phone << -1;
-    QTest::newRow("delay over 24") << u"SX100002"_s << 1 << u";1;25"_s << 2 << phone << -1;
     QTest::newRow("bypass of unused point")
         << u"SX100002"_s << 3 << u";2;1"_s << 5 << QString() << -1;
-    QTest::newRow("unknown request type") << u"SX100001"_s << 4 << u";1"_s << 5 << relay << -1;
 }
 
 void TestSimRequests::answers()

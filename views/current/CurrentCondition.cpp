@@ -32,9 +32,8 @@ QString sqlNumber(std::optional<qint64> n)
     return n ? QString::number(*n) : u"NULL"_s;
 }
 
-// Reads the points grid rows of unit `serial` (steps 5.1 to 5.3).
-DbError readPoints(Database& db, const QString& serial, const QLocale& locale,
-                   QList<PointRow>& out)
+// The points grid rows of unit `serial`, in point-number order.
+DbError readPoints(Database& db, const QString& serial, const QLocale& locale, QList<PointRow>& out)
 {
     Rows list = db.read(
         u"SELECT SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensortype, SeI_Maxlimit, SeI_Minlimit, SeI_Maxlimitused, SeI_Minlimitused, SeI_Sensorname, SeI_Used FROM Sensors_Info WHERE SeI_SyI_Serialnumber="_s +
@@ -62,14 +61,13 @@ DbError readPoints(Database& db, const QString& serial, const QLocale& locale,
         PointRow row;
         // Without a current-condition row every field of it is missing, so the
         // point reads as not powered ("ΕΚΤΟΣ Λ.") and the label keeps its own number.
-        row.label = pointLabel(found ? detail.integer(u"SeCC_Sensornumber") : number,
-                               list.text(cName));
-        const Look look =
-            found ? pointLook(detail.integer(u"SeCC_Notpowered"),
-                              detail.integer(u"SeCC_Alarmcondition"),
-                              detail.integer(u"SeCC_Outofbounds"), detail.real(u"SeCC_Currvalue"),
-                              type, locale)
-                  : pointLook({}, {}, {}, {}, type, locale);
+        row.label =
+            pointLabel(found ? detail.integer(u"SeCC_Sensornumber") : number, list.text(cName));
+        const Look look = found ? pointLook(detail.integer(u"SeCC_Notpowered"),
+                                            detail.integer(u"SeCC_Alarmcondition"),
+                                            detail.integer(u"SeCC_Outofbounds"),
+                                            detail.real(u"SeCC_Currvalue"), type, locale)
+                                : pointLook({}, {}, {}, {}, type, locale);
         row.reading = look.text;
         row.color = look.color;
         row.maxLimit = limitText(list.real(cMax), list.integer(cMaxUsed), type, locale);
@@ -79,7 +77,7 @@ DbError readPoints(Database& db, const QString& serial, const QLocale& locale,
     return list.error();
 }
 
-// Reads the power grid rows (steps 7.1 to 7.3).
+// The power grid rows of unit `serial`, in input-number order.
 DbError readPowers(Database& db, const QString& serial, int version, QList<PowerRow>& out)
 {
     Rows list = db.read(
@@ -129,8 +127,8 @@ QString powerLabel(std::optional<qint64> number, const std::optional<QString>& n
     if (number == 1)
         return u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s;
     const QString shown = name && !name->isEmpty() ? *name : kAnonymousZone;
-    return u'[' + numberText(number ? std::optional<qint64>(*number - 1) : std::nullopt) +
-           u"] "_s + shown;
+    return u'[' + numberText(number ? std::optional<qint64>(*number - 1) : std::nullopt) + u"] "_s +
+           shown;
 }
 
 Look pointLook(std::optional<qint64> notPowered, std::optional<qint64> alarm,
@@ -249,8 +247,8 @@ CurrentCondition readCurrentCondition(Database& db, const QString& serial, const
                 cc.error = cond.error();
                 return cc;
             }
-            cc.notification = notificationLook(found ? cond.integer(u"SyCC_Alarmcondition")
-                                                     : std::nullopt);
+            cc.notification =
+                notificationLook(found ? cond.integer(u"SyCC_Alarmcondition") : std::nullopt);
             cc.relay = relayLook(found ? cond.integer(u"SyCC_RelayBcondition") : std::nullopt);
             const std::optional<qint64> rtc = found ? cond.dateTime(u"SyCC_Rtc") : std::nullopt;
             if (rtc)
@@ -262,9 +260,11 @@ CurrentCondition readCurrentCondition(Database& db, const QString& serial, const
                 cc.error = e;
                 return cc;
             }
-            cc.status = faults ? Look{u"ΥΠΑΡΧΟΥΝ ΠΡΟΒΛΗΜΑΤΑ ΣΤΟ ΣΥΣΤΗΜΑ\r\nΔΕΙΤΕ ΝΕΑ ΜΗΝΥΜΑΤΑ ΓΙΑ ΛΕΠΤΟΜΕΡΕΙΕΣ"_s,
-                                      colors::kLightRed}
-                               : Look{u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ ΟΚ"_s, colors::kLightGrey};
+            cc.status =
+                faults
+                    ? Look{u"ΥΠΑΡΧΟΥΝ ΠΡΟΒΛΗΜΑΤΑ ΣΤΟ ΣΥΣΤΗΜΑ\r\nΔΕΙΤΕ ΝΕΑ ΜΗΝΥΜΑΤΑ ΓΙΑ ΛΕΠΤΟΜΕΡΕΙΕΣ"_s,
+                           colors::kLightRed}
+                    : Look{u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ ΟΚ"_s, colors::kLightGrey};
         } else {
             cc.status = {QString(), colors::kLightGrey};
         }

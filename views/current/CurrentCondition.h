@@ -61,7 +61,7 @@ struct CurrentCondition {
 // "ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ" for input 1, else "[n-1] name" as for points.
 [[nodiscard]] QString powerLabel(std::optional<qint64> number, const std::optional<QString>& name);
 
-// Reading and row colour of a point (first matching line of the rule table).
+// Reading and row colour of a point (the first rule that matches wins).
 // A missing Notpowered counts as not powered; a missing alarm, out-of-limits
 // flag or value as not above 0. A missing analogue value reads as empty text.
 [[nodiscard]] Look pointLook(std::optional<qint64> notPowered, std::optional<qint64> alarm,

@@ -1,7 +1,5 @@
 #include "views/current/CurrentReport.h"
 
-#include "views/current/CurrentReportLayout.h"
-
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/DialogService.h"
@@ -12,6 +10,7 @@
 #include "model/SqlDateTime.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
+#include "views/current/CurrentReportLayout.h"
 
 #include <QPageLayout>
 #include <QPageSize>
@@ -31,9 +30,10 @@ namespace PI = schema::PowermonitoringInfo;
 namespace PCC = schema::PowermonitoringCurrentCondit;
 namespace SF = schema::SystemsFaults;
 
-// The body stands 10 mm right of the title's left edge.
-constexpr double kBodyOriginMm = 10.0;
+// Banners stand 10 mm into the printable area; after the title the origin
+// moves 10 mm right, so body text starts under the banners' left edge.
 constexpr double kBannerMm = 10.0;
+constexpr double kBodyOriginMm = 10.0;
 
 // Reads everything the report shows before a line is printed, so that a failed
 // query leaves no half-printed job. Returns the failure, if any.
@@ -46,10 +46,10 @@ DbError readReport(AppContext& ctx, const QString& serial, report::ReportData& d
                                  u"SyI_Serialnumber="_s +
                                  sqlQuote(serial));
         if (unit.next()) {
-            data.unit = report::UnitInfo{unit.textOr(SI::SyI_Serialnumber),
-                                         unit.text(SI::SyI_Locationnumber),
-                                         unit.text(SI::SyI_Systemname), unit.integer(SI::SyI_Online),
-                                         unit.text(SI::SyI_Softver)};
+            data.unit =
+                report::UnitInfo{unit.textOr(SI::SyI_Serialnumber),
+                                 unit.text(SI::SyI_Locationnumber), unit.text(SI::SyI_Systemname),
+                                 unit.integer(SI::SyI_Online), unit.text(SI::SyI_Softver)};
         }
         if (!unit.ok())
             return unit.error();
@@ -124,11 +124,11 @@ DbError readReport(AppContext& ctx, const QString& serial, report::ReportData& d
         if (!inputs.ok())
             return inputs.error();
         for (auto& [owner, p] : found) {
-            Rows cc = db.readFirst(u"SELECT PmCC_SyI_Serialnumber, PmCC_Powernumber, "
-                                   u"PmCC_Powerfault, PmCC_Powercondition FROM "
-                                   u"Powermonitoring_Current_Condit WHERE PmCC_SyI_Serialnumber="_s +
-                                   sqlQuote(owner) + u" AND PmCC_Powernumber="_s +
-                                   QString::number(p.number));
+            Rows cc = db.readFirst(
+                u"SELECT PmCC_SyI_Serialnumber, PmCC_Powernumber, "
+                u"PmCC_Powerfault, PmCC_Powercondition FROM "
+                u"Powermonitoring_Current_Condit WHERE PmCC_SyI_Serialnumber="_s +
+                sqlQuote(owner) + u" AND PmCC_Powernumber="_s + QString::number(p.number));
             if (cc.next()) {
                 p.conditionNumber = cc.integer(PCC::PmCC_Powernumber);
                 p.fault = cc.integer(PCC::PmCC_Powerfault);

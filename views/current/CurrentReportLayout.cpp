@@ -50,7 +50,7 @@ QString pointText(const PointLine& p)
         return label + u"ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s;
     QString reading;
     const int type = p.type && *p.type >= std::numeric_limits<int>::min() &&
-                                 *p.type <= std::numeric_limits<int>::max()
+                             *p.type <= std::numeric_limits<int>::max()
                          ? static_cast<int>(*p.type)
                          : -1;
     if (type == ContactSensorType)
@@ -169,8 +169,7 @@ QStringList itemLines(const QStringList& items)
     return lines;
 }
 
-PageLayout placeLines(const QStringList& lines, double startY, double lineHeight,
-                      double pageHeight)
+PageLayout placeLines(const QStringList& lines, double startY, double lineHeight, double pageHeight)
 {
     PageLayout layout;
     int page = 0;

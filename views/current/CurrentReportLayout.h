@@ -27,7 +27,7 @@ struct UnitCondition {
 // A point in use with its current condition (the condition fields are
 // missing when the point has no current-condition row).
 struct PointLine {
-    qint64 number = 0; // SeI_Sensornumber
+    qint64 number = 0;                     // SeI_Sensornumber
     std::optional<qint64> conditionNumber; // SeCC_Sensornumber
     std::optional<QString> name;
     std::optional<qint64> type;
@@ -37,7 +37,7 @@ struct PointLine {
 };
 
 struct PowerLine {
-    qint64 number = 0; // PmI_Powernumber
+    qint64 number = 0;                     // PmI_Powernumber
     std::optional<qint64> conditionNumber; // PmCC_Powernumber
     std::optional<QString> name;
     std::optional<qint64> fault;
@@ -60,7 +60,7 @@ struct ReportData {
 };
 
 [[nodiscard]] QString titleText(); // "SENTORAX Monitor / ΑΝΑΦΟΡΑ ΤΡΕΧΟΥΣΑΣ ΚΑΤΑΣΤΑΣΗΣ ΣΥΣΤΗΜΑΤΟΣ"
-[[nodiscard]] QString endText();   // "ΤΕΛΟΣ ΑΝΑΦΟΡΑΣ"
+[[nodiscard]] QString endText(); // "ΤΕΛΟΣ ΑΝΑΦΟΡΑΣ"
 
 [[nodiscard]] QString pointText(const PointLine& point);
 [[nodiscard]] QString powerText(const PowerLine& power, int versionNumber);

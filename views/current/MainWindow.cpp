@@ -146,8 +146,7 @@ QString shownText(const QString& text)
 
 } // namespace
 
-MainWindow::MainWindow(AppContext& ctx)
-    : ViewWindow(ctx, ViewId::Current, u"Τρέχουσα κατάσταση"_s)
+MainWindow::MainWindow(AppContext& ctx) : ViewWindow(ctx, ViewId::Current, u"Τρέχουσα κατάσταση"_s)
 {
     setObjectName(u"Mainfrm"_s);
     setFont(uiFont(9.75));
@@ -245,8 +244,8 @@ void MainWindow::unitSelected(int)
     setLabel(m_connection, {});
     setLabel(m_status, {});
     setLabel(m_clock, {});
-    setRowCount(m_points, 0);
-    setRowCount(m_powers, 0);
+    trimRows(m_points, 0);
+    trimRows(m_powers, 0);
     refresh();
 }
 
@@ -285,11 +284,14 @@ void MainWindow::apply(const CurrentCondition& cc)
     m_databaseLost = false;
     const QFontMetricsF fm(m_points->font());
     const auto fillLabelRow = [&fm](QTableWidget* grid, int row, const QString& label) {
-        const int h = labelRowHeight(fm.horizontalAdvance(label), fm.height(), grid->columnWidth(0));
+        const int h =
+            labelRowHeight(fm.horizontalAdvance(label), fm.height(), grid->columnWidth(0));
         QHeaderView* rows = grid->verticalHeader();
         const int wanted = h < 0 ? rows->defaultSectionSize() : h;
         if (rows->sectionSize(row) != wanted)
             rows->resizeSection(row, wanted);
+        // Word wrapping may still cut a very long name; the tooltip shows all of it.
+        grid->item(row, 0)->setToolTip(h < 0 ? QString() : label);
     };
 
     int r = 0;
@@ -300,7 +302,7 @@ void MainWindow::apply(const CurrentCondition& cc)
         fillLabelRow(m_points, r, p.label);
         ++r;
     }
-    setRowCount(m_points, r);
+    trimRows(m_points, r);
     fitColumns(m_points);
 
     r = 0;
@@ -311,7 +313,7 @@ void MainWindow::apply(const CurrentCondition& cc)
         fillLabelRow(m_powers, r, p.label);
         ++r;
     }
-    setRowCount(m_powers, r);
+    trimRows(m_powers, r);
     fitColumns(m_powers);
 
     if (cc.unitFound) {
@@ -335,8 +337,8 @@ void MainWindow::showDatabaseLost()
 {
     // Stale readings must not pass for current ones: the view empties itself.
     m_databaseLost = true;
-    setRowCount(m_points, 0);
-    setRowCount(m_powers, 0);
+    trimRows(m_points, 0);
+    trimRows(m_powers, 0);
     const Look lost = databaseLostLook();
     setLabel(m_connection, lost.text);
     setLabelColors(m_connection, colors::kLightGrey, lost.color);
@@ -348,7 +350,7 @@ void MainWindow::showDatabaseLost()
     m_bypass->setEnabled(false);
 }
 
-void MainWindow::setRowCount(QTableWidget* grid, int rows)
+void MainWindow::trimRows(QTableWidget* grid, int rows)
 {
     if (grid->rowCount() > rows)
         grid->setRowCount(rows);

@@ -45,7 +45,7 @@ private:
     void buildReadingsFrame(QWidget* central);
     void apply(const CurrentCondition& cc);
     void showDatabaseLost();
-    void setRowCount(QTableWidget* grid, int rows);
+    void trimRows(QTableWidget* grid, int rows);
     void setRow(QTableWidget* grid, int row, const QStringList& texts, const QColor& color);
     void setLabel(QLabel* label, const QString& text);
     void fitColumns(QTableWidget* grid);

@@ -1,13 +1,12 @@
 #include "views/current/RequestExchange.h"
 
-#include "views/current/CommandRules.h"
-
 #include "app/AppContext.h"
 #include "app/DialogService.h"
 #include "app/GeneralDelay.h"
 #include "app/QueryFailureReporter.h"
 #include "model/Dialect.h"
 #include "model/Schema.h"
+#include "views/current/CommandRules.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -112,12 +111,11 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
                            u" AND TrmReq_Requesttype="_s + QString::number(request.type) +
                            u" AND TrmReq_Attributes="_s + sqlQuote(request.attributes);
 
-    if (const DbError e = db.insertRow(TR::table,
-                                       {{TR::TrmReq_SyI_Serialnumber, request.serial},
-                                        {TR::TrmReq_Requesttype, qint64(request.type)},
-                                        {TR::TrmReq_Attributes, request.attributes},
-                                        {TR::TrmReq_Requestcompleted, qint64(0)},
-                                        {TR::TrmReq_Requestreply, qint64(0)}});
+    if (const DbError e = db.insertRow(TR::table, {{TR::TrmReq_SyI_Serialnumber, request.serial},
+                                                   {TR::TrmReq_Requesttype, qint64(request.type)},
+                                                   {TR::TrmReq_Attributes, request.attributes},
+                                                   {TR::TrmReq_Requestcompleted, qint64(0)},
+                                                   {TR::TrmReq_Requestreply, qint64(0)}});
         e.isError()) {
         reportFailure(ctx, e, window);
         return outcome;

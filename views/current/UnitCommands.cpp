@@ -1,14 +1,13 @@
 #include "views/current/UnitCommands.h"
 
-#include "views/current/CommandHost.h"
-#include "views/current/CommandRules.h"
-#include "views/current/RequestExchange.h"
-
 #include "app/AppContext.h"
 #include "app/DialogService.h"
 #include "app/QueryFailureReporter.h"
 #include "model/Dialect.h"
 #include "model/Schema.h"
+#include "views/current/CommandHost.h"
+#include "views/current/CommandRules.h"
+#include "views/current/RequestExchange.h"
 
 #include <QWidget>
 
@@ -184,8 +183,9 @@ void runRelayCommand(AppContext& ctx, CommandHost& host)
     if (!code)
         return;
 
-    exchangeAndRefresh(ctx, host, title,
-                       {unit.serial, kRequestRelayB, C::relayAttributes(*code, host.relayCaption())});
+    exchangeAndRefresh(
+        ctx, host, title,
+        {unit.serial, kRequestRelayB, C::relayAttributes(*code, host.relayCaption())});
 }
 
 void runBypassCommand(AppContext& ctx, CommandHost& host)
@@ -224,9 +224,8 @@ void runBypassCommand(AppContext& ctx, CommandHost& host)
 
     disable(window);
     const QList<C::Choice> states = C::bypassStateChoices();
-    const auto selection =
-        ctx.dialogs->selection(window, title, C::bypassSelectionLabel(), C::choiceTexts(points),
-                               C::choiceTexts(states));
+    const auto selection = ctx.dialogs->selection(window, title, C::bypassSelectionLabel(),
+                                                  C::choiceTexts(points), C::choiceTexts(states));
     const std::optional<int> point =
         selection ? chosenValue(points, selection->first) : std::nullopt;
     const std::optional<int> state =

@@ -1,0 +1,290 @@
+// The shared dialogs as the user meets them: the code prompt, the selection
+// dialog, the wait window and the message boxes of the real dialog service.
+#include "app/PasswordDialog.h"
+#include "app/SelectionDialog.h"
+#include "app/SettingsStore.h"
+#include "app/WaitWindow.h"
+#include "app/WidgetDialogService.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QStyle>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+
+namespace {
+
+// Plays the user's part in the next modal dialog once it is up.
+void whenModal(std::function<void(QWidget*)> act)
+{
+    QTimer::singleShot(0, qApp, [act = std::move(act)] {
+        QWidget* w = QApplication::activeModalWidget();
+        QVERIFY(w);
+        act(w);
+    });
+}
+
+QPushButton* buttonCaptioned(QWidget* w, const QString& caption)
+{
+    for (QPushButton* b : w->findChildren<QPushButton*>()) {
+        if (b->text() == caption)
+            return b;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(sx::DialogService::Buttons)
+Q_DECLARE_METATYPE(sx::DialogService::Answer)
+
+class TestFrameDialogs : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+
+    void codePrompt_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<std::optional<QString>>("expected");
+        QTest::newRow("OK") << u"0815"_s << u"OK"_s << std::optional<QString>(u"0815"_s);
+        QTest::newRow("OK, blanks kept")
+            << u" 12 "_s << u"OK"_s << std::optional<QString>(u" 12 "_s);
+        QTest::newRow("OK, empty") << u""_s << u"OK"_s << std::optional<QString>(u""_s);
+        QTest::newRow("Enter") << u"77"_s << u"enter"_s << std::optional<QString>(u"77"_s);
+        QTest::newRow("Άκυρο") << u"0815"_s << u"Άκυρο"_s << std::optional<QString>();
+        QTest::newRow("close box") << u"0815"_s << u"close"_s << std::optional<QString>();
+        QTest::newRow("Escape") << u"0815"_s << u"escape"_s << std::optional<QString>();
+    }
+    void codePrompt()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, action);
+        QFETCH(std::optional<QString>, expected);
+        QString title;
+        QString label;
+        QChar mask;
+        whenModal([&](QWidget* w) {
+            title = w->windowTitle();
+            label = w->findChild<QLabel*>(u"Label1"_s)->text();
+            auto* field = w->findChild<QLineEdit*>(u"txtPassword"_s);
+            mask = QChar(
+                field->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr, field));
+            QCOMPARE(field->echoMode(), QLineEdit::Password);
+            QTest::keyClicks(field, typed);
+            if (action == u"close")
+                w->close();
+            else if (action == u"escape")
+                QTest::keyClick(field, Qt::Key_Escape);
+            else if (action == u"enter")
+                QTest::keyClick(field, Qt::Key_Return);
+            else
+                buttonCaptioned(w, action)->click();
+        });
+        const auto answer = PasswordDialog::ask(nullptr, u"Τίτλος"_s, u"Ερώτηση"_s);
+        QCOMPARE(answer, expected);
+        QCOMPARE(title, u"Τίτλος"_s);
+        QCOMPARE(label, u"Ερώτηση"_s);
+        QCOMPARE(mask, QChar(u'*'));
+    }
+
+    void selectionLayout_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QRect>("twipsRect");
+        QTest::addColumn<double>("points");
+        QTest::newRow("Label1") << u"Label1"_s << QRect(120, 120, 6975, 735) << 9.75;
+        QTest::newRow("Selcombo") << u"Selcombo"_s << QRect(188, 1080, 6855, 390) << 11.25;
+        QTest::newRow("Selcombo2") << u"Selcombo2"_s << QRect(188, 1500, 6855, 390) << 11.25;
+        QTest::newRow("cmdOK") << u"cmdOK"_s << QRect(1965, 2160, 1140, 390) << 9.75;
+        QTest::newRow("cmdCancel") << u"cmdCancel"_s << QRect(4125, 2160, 1140, 390) << 9.75;
+    }
+    void selectionLayout()
+    {
+        QFETCH(QString, name);
+        QFETCH(QRect, twipsRect);
+        QFETCH(double, points);
+        SelectionDialog d(u"Επιλογή"_s, u"Διαλέξτε"_s, {u"α"_s}, {u"β"_s});
+        QWidget* w = d.findChild<QWidget*>(name);
+        QVERIFY(w);
+        const double px = w->logicalDpiX() / 1440.0;
+        const QRect expected(qRound(twipsRect.x() * px), qRound(twipsRect.y() * px),
+                             qRound(twipsRect.width() * px), qRound(twipsRect.height() * px));
+        QCOMPARE(w->geometry(), expected);
+        QVERIFY(d.rect().contains(w->geometry()));
+        QCOMPARE(w->font().pointSizeF(), points);
+        QVERIFY(w->font().bold());
+    }
+
+    void selection_data()
+    {
+        QTest::addColumn<QStringList>("first");
+        QTest::addColumn<QStringList>("second");
+        QTest::addColumn<int>("pickFirst");
+        QTest::addColumn<int>("pickSecond");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<bool>("secondVisible");
+        QTest::addColumn<int>("resultFirst"); // -2: cancelled
+        QTest::addColumn<int>("resultSecond");
+        const QStringList three{u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΑΥΤΟΜΑΤΗ"_s};
+        const QStringList hours{u"0"_s, u"1"_s, u"2"_s};
+        QTest::newRow("one list") << three << QStringList{} << 2 << -1 << u"OK"_s << false << 2
+                                  << -1;
+        QTest::newRow("two lists") << three << hours << 1 << 2 << u"OK"_s << true << 1 << 2;
+        QTest::newRow("first entry untouched")
+            << three << hours << -1 << -1 << u"OK"_s << true << 0 << 0;
+        QTest::newRow("cancelled") << three << hours << 1 << 2 << u"Άκυρο"_s << true << -2 << -2;
+    }
+    void selection()
+    {
+        QFETCH(QStringList, first);
+        QFETCH(QStringList, second);
+        QFETCH(int, pickFirst);
+        QFETCH(int, pickSecond);
+        QFETCH(QString, button);
+        QFETCH(bool, secondVisible);
+        QFETCH(int, resultFirst);
+        QFETCH(int, resultSecond);
+        bool visible = !secondVisible;
+        QString caption;
+        QString label;
+        whenModal([&](QWidget* w) {
+            caption = w->windowTitle();
+            label = w->findChild<QLabel*>(u"Label1"_s)->text();
+            auto* one = w->findChild<QComboBox*>(u"Selcombo"_s);
+            auto* two = w->findChild<QComboBox*>(u"Selcombo2"_s);
+            QVERIFY(!one->isEditable());
+            visible = two->isVisible();
+            if (pickFirst >= 0)
+                one->setCurrentIndex(pickFirst);
+            if (pickSecond >= 0)
+                two->setCurrentIndex(pickSecond);
+            buttonCaptioned(w, button)->click();
+        });
+        const auto answer =
+            SelectionDialog::ask(nullptr, u"Τηλεφωνική ειδοποίηση"_s, u"Επιλέξτε"_s, first, second);
+        QCOMPARE(visible, secondVisible);
+        QCOMPARE(caption, u"Τηλεφωνική ειδοποίηση"_s);
+        QCOMPARE(label, u"Επιλέξτε"_s);
+        QCOMPARE(answer.has_value(), resultFirst != -2);
+        if (answer) {
+            QCOMPARE(answer->first, resultFirst);
+            QCOMPARE(answer->second, resultSecond);
+        }
+    }
+
+    void waitWindowIsUpAtOnce()
+    {
+        QWidget* seen = nullptr;
+        {
+            WaitWindow wait(u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:1.2.3.4  PORT:1"_s);
+            seen = &wait;
+            QVERIFY(wait.isVisible());
+            QCOMPARE(wait.findChild<QLabel*>(u"Label1"_s)->text(), u"Παρακαλώ περιμένετε"_s);
+            QCOMPARE(wait.findChild<QLabel*>(u"Label2"_s)->text(),
+                     u"Επιχειρείται σύνδεση με τον διακομιστή.\nIP:1.2.3.4  PORT:1"_s);
+            QCOMPARE(wait.message(),
+                     u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:1.2.3.4  PORT:1"_s);
+            QVERIFY(!wait.findChild<QLabel*>(u"Image1"_s)->pixmap().isNull());
+            // Both lines fit.
+            const QLabel* message = wait.findChild<QLabel*>(u"Label2"_s);
+            QVERIFY(message->heightForWidth(message->width()) <= message->height());
+        }
+        for (QWidget* w : QApplication::topLevelWidgets())
+            QVERIFY(w != seen);
+    }
+
+    void messageBox_data()
+    {
+        QTest::addColumn<DialogService::Buttons>("buttons");
+        QTest::addColumn<QStringList>("captions");
+        QTest::addColumn<QString>("press"); // a caption, or "escape"
+        QTest::addColumn<DialogService::Answer>("expected");
+        using B = DialogService::Buttons;
+        using A = DialogService::Answer;
+        QTest::newRow("OK") << B::Ok << QStringList{u"OK"_s} << u"OK"_s << A::Ok;
+        QTest::newRow("OK by Escape") << B::Ok << QStringList{u"OK"_s} << u"escape"_s << A::Ok;
+        QTest::newRow("OK of OK/Άκυρο")
+            << B::OkCancel << QStringList{u"OK"_s, u"Άκυρο"_s} << u"OK"_s << A::Ok;
+        QTest::newRow("Άκυρο") << B::OkCancel << QStringList{u"OK"_s, u"Άκυρο"_s} << u"Άκυρο"_s
+                               << A::Cancel;
+        QTest::newRow("Escape is Άκυρο")
+            << B::OkCancel << QStringList{u"OK"_s, u"Άκυρο"_s} << u"escape"_s << A::Cancel;
+        QTest::newRow("Ναι") << B::YesNo << QStringList{u"Ναι"_s, u"Όχι"_s} << u"Ναι"_s << A::Yes;
+        QTest::newRow("Όχι") << B::YesNo << QStringList{u"Ναι"_s, u"Όχι"_s} << u"Όχι"_s << A::No;
+        QTest::newRow("Escape is Όχι")
+            << B::YesNo << QStringList{u"Ναι"_s, u"Όχι"_s} << u"escape"_s << A::No;
+    }
+    void messageBox()
+    {
+        QFETCH(DialogService::Buttons, buttons);
+        QFETCH(QStringList, captions);
+        QFETCH(QString, press);
+        QFETCH(DialogService::Answer, expected);
+        WidgetDialogService service;
+        QStringList seen;
+        QString text;
+        QString title;
+        QMessageBox::Icon icon = QMessageBox::NoIcon;
+        whenModal([&](QWidget* w) {
+            auto* box = qobject_cast<QMessageBox*>(w);
+            QVERIFY(box);
+            for (QAbstractButton* b : box->buttons())
+                seen << b->text();
+            text = box->text();
+            title = box->windowTitle();
+            icon = box->icon();
+            QCOMPARE(box->defaultButton()->text(), captions.first());
+            if (press == u"escape")
+                QTest::keyClick(box, Qt::Key_Escape);
+            else
+                buttonCaptioned(box, press)->click();
+        });
+        const auto answer = service.message(nullptr, DialogService::Icon::Critical,
+                                            u"SENTORAX Monitor"_s, u"Α\r\nΒ <b>"_s, buttons);
+        QCOMPARE(answer, expected);
+        seen.sort();
+        captions.sort();
+        QCOMPARE(seen, captions);
+        QCOMPARE(title, u"SENTORAX Monitor"_s);
+        QCOMPARE(text, u"Α\nΒ <b>"_s);
+        QCOMPARE(icon, QMessageBox::Critical);
+    }
+
+    void settingsDialogOfTheServiceSavesToItsStore()
+    {
+        QTemporaryDir dir;
+        SettingsStore store(dir.filePath(u"s.ini"_s));
+        WidgetDialogService service(&store);
+        whenModal([](QWidget* w) {
+            QCOMPARE(w->objectName(), u"GeneralSettingsFrm"_s);
+            w->findChild<QAbstractButton*>(u"Option1_3"_s)->click();
+            w->findChild<QLineEdit*>(u"AppSetting_0"_s)->setText(u"sentorax"_s);
+            w->findChild<QLineEdit*>(u"AppSetting_3"_s)->setText(u"9"_s);
+            w->findChild<QLineEdit*>(u"AppSetting_4"_s)->setText(u"9"_s);
+            w->findChild<QAbstractButton*>(u"cmdOK"_s)->click();
+        });
+        QVERIFY(service.settingsDialog(nullptr));
+        QCOMPARE(store.app(u"DBType"_s), u"3"_s);
+        QCOMPARE(store.protectionCode(), u"9"_s);
+
+        whenModal([](QWidget* w) { w->close(); });
+        QVERIFY(!service.settingsDialog(nullptr));
+    }
+};
+
+QTEST_MAIN(TestFrameDialogs)
+#include "tst_framedialogs.moc"

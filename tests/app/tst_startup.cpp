@@ -1,0 +1,529 @@
+// The start of the console against a real database: first run, refused
+// set-up, failed connections with and without a settings change, the unit
+// list of the main window and the refusal of a second copy.
+#include "GuiFixture.h"
+#include "app/SettingsValidation.h"
+#include "app/Startup.h"
+#include "app/UnitList.h"
+#include "app/ViewWindow.h"
+#include "app/WaitWindow.h"
+
+#include <QComboBox>
+#include <QEventLoop>
+#include <QFile>
+#include <QLockFile>
+#include <QStandardPaths>
+#include <QSysInfo>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+using test::GuiFixture;
+using test::ScriptedDialogs;
+
+namespace {
+
+using Answer = DialogService::Answer;
+using Icon = DialogService::Icon;
+using Buttons = DialogService::Buttons;
+
+const QString kWelcome =
+    u"Καλωσορίσατε στην εφαρμογή SENTORAX Monitor.\r\nΠαρακαλώ πατήστε 'ΟΚ' για να καθορίσετε τις παραμέτρους λειτουργίας της εφαρμογής."_s;
+const QString kSetupRefused =
+    u"H εφαρμογή SENTORAX Monitor δεν μπορεί να ξεκινήσει εάν δεν καθοριστούν οι παράμετροι λειτουργίας της.\r\nΠατήστε 'ΟΚ' για καθορισμό ή 'Άκυρο' για να τερματίσετε την εφαρμογή."_s;
+const QString kQuestion =
+    u"\r\n\r\nΠατήστε 'Ναι' για να αλλάξετε τις παραμέτρους της εφαρμογής ή 'Όχι' για να τερματίσετε την εφαρμογή."_s;
+const QString kHeaderStart = u"Παρουσιάστηκε το παρακάτω σφάλμα:\r\nError number: "_s;
+const QString kCausesHeading = u"\r\n\r\nΠιθανά αίτια και προτεινόμενες λύσεις:\r\n"_s;
+const QString kUnknown =
+    u"- Άγνωστο σφάλμα. Επικοινωνήστε με την εταιρία που σας προμήθευσε την εφαρμογή."_s;
+const QString kUnreachable =
+    u"1. Η σύνδεση του διακομιστή με το δίκτυο δεν είναι διαθέσιμη ή ο διακομιστής δεν λειτουργεί. "
+    u"Βεβαιωθείτε ότι ο διακομιστής βρίσκεται σε λειτουργία και η σύνδεση του με το δίκτυο είναι "
+    u"διαθέσιμη.\r\n"
+    u"2. Έχετε καθορίσει λανθασμένη IP διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής.\r\n"
+    u"3. Έχετε καθορίσει λανθασμένο PORT διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
+const QString kPressOk = u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή."_s;
+const QString kChangeTitle = u"SENTORAX Monitor / Αλλαγή παραμέτρων εφαρμογής"_s;
+const QString kChanged =
+    u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\nΟι αλλαγές θα ισχύσουν απο την επόμενη φορά που θα εκτελεστεί η εφαρμογή SENTORAX Monitor"_s;
+const QString kFileWait = u"Άνοιγμα αρχείου βάσης δεδομένων."_s;
+
+// A main window with nothing but the frame: it records its selection events.
+class ProbeMain : public ViewWindow {
+public:
+    explicit ProbeMain(AppContext& ctx) : ViewWindow(ctx, ViewId::Current, u"Δοκιμή"_s)
+    {
+        auto* timer = new QTimer(this);
+        timer->setObjectName(u"UpdateMainfrm"_s);
+        timer->setInterval(1);
+    }
+    void unitSelected(int index) override
+    {
+        selected << index;
+        serials << context().serialAt(index);
+    }
+    QList<int> selected;
+    QStringList serials;
+};
+
+// What a shown dialog was, by its exact texts; "?" when nothing matches.
+QString classify(const ScriptedDialogs::Shown& s)
+{
+    const QString title = u"SENTORAX Monitor"_s;
+    if (s.kind == u"settings")
+        return u"settings"_s;
+    if (s.kind == u"code") {
+        return s.title == kChangeTitle &&
+                       s.text == u"Παρακαλώ εισάγετε τον κωδικό προστασίας παραμέτρων"
+                   ? u"code"_s
+                   : u"?"_s;
+    }
+    if (s.kind != u"message")
+        return u"?"_s;
+    if (s.title == title && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
+        s.text == kWelcome)
+        return u"welcome"_s;
+    if (s.title == title && s.icon == Icon::Critical && s.buttons == Buttons::OkCancel &&
+        s.text == kSetupRefused)
+        return u"setup refused"_s;
+    if (s.title == title && s.icon == Icon::Critical && s.buttons == Buttons::YesNo &&
+        s.text.startsWith(kHeaderStart) && s.text.contains(kCausesHeading)) {
+        const QString causes = s.text.section(kCausesHeading, 1);
+        if (causes == kUnknown + kQuestion)
+            return u"explain unknown"_s;
+        if (causes == kUnreachable + kQuestion)
+            return u"explain unreachable"_s;
+    }
+    if (s.title == kChangeTitle && s.icon == Icon::Critical && s.buttons == Buttons::Ok &&
+        s.text == u"Λάθος κωδικός !")
+        return u"wrong code"_s;
+    if (s.title == title && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
+        s.text == kPressOk)
+        return u"press ok"_s;
+    if (s.title == kChangeTitle && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
+        s.text == kChanged)
+        return u"changed"_s;
+    return u"?"_s;
+}
+
+struct Target {
+    ConnectionSettings where;
+    QString waitMessage;
+};
+
+// Where a row points the console: the scratch database, a file that does not
+// exist, or a server port where nothing listens.
+Target targetFor(const QString& name, GuiFixture& f)
+{
+    Target t;
+    if (name == u"missing") {
+        t.where.kind = DbKind::SQLite;
+        t.where.file = f.scratch.folder() + u"/nosuch.db"_s;
+        t.waitMessage = kFileWait;
+    } else if (name == u"refused") {
+        t.where.kind = DbKind::PostgreSQL;
+        t.where.dataSource = u"sentorax"_s;
+        t.where.serverIp = u"127.0.0.1"_s;
+        t.where.serverPort = u"1"_s;
+        t.waitMessage = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:127.0.0.1  PORT:1"_s;
+    } else {
+        t.where = f.scratch.settings();
+        t.waitMessage = f.scratch.isPostgres()
+                            ? u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:"_s +
+                                  t.where.serverIp + u"  PORT:"_s + t.where.serverPort
+                            : kFileWait;
+    }
+    return t;
+}
+
+void store(SettingsStore& s, const ConnectionSettings& where, const QString& code)
+{
+    SettingsForm form;
+    form.kind = where.kind;
+    form.file = where.file;
+    form.dataSource = where.dataSource;
+    form.serverIp = where.serverIp;
+    form.serverPort = where.serverPort;
+    form.code = code;
+    form.confirmation = code;
+    writeSettingsForm(s, form);
+}
+
+QStringList listTexts(const QComboBox* list)
+{
+    QStringList out;
+    for (int i = 0; i < list->count(); ++i)
+        out << list->itemText(i);
+    return out;
+}
+
+} // namespace
+
+class TestStartup : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+
+    void startupPaths_data()
+    {
+        QTest::addColumn<QString>("init");     // Init before the start; "-" absent
+        QTest::addColumn<QString>("database"); // what the stored settings reach
+        QTest::addColumn<QStringList>("script");
+        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<int>("exitCode"); // -1: the console runs
+        QTest::addColumn<QString>("initAfter");
+        QTest::addColumn<int>("terminated");
+
+        // Script: Ok/Cancel/Yes/No answer boxes, accept/refuse the settings
+        // dialog (accept points the settings at the row's database), code=X.
+        QTest::newRow("first run accepted")
+            << u"-"_s << u"scratch"_s << QStringList{u"accept"_s}
+            << QStringList{u"welcome"_s, u"settings"_s} << -1 << u"1"_s << 0;
+        QTest::newRow("first run refused")
+            << u"0"_s << u"scratch"_s << QStringList{u"refuse"_s, u"Cancel"_s}
+            << QStringList{u"welcome"_s, u"settings"_s, u"setup refused"_s} << kExitNormal << u"0"_s
+            << 0;
+        QTest::newRow("refused, OK, accepted")
+            << u"0"_s << u"scratch"_s << QStringList{u"refuse"_s, u"Ok"_s, u"accept"_s}
+            << QStringList{u"welcome"_s, u"settings"_s, u"setup refused"_s, u"settings"_s} << -1
+            << u"1"_s << 0;
+        QTest::newRow("refused twice, then gave up")
+            << u"0"_s << u"scratch"_s << QStringList{u"refuse"_s, u"Ok"_s, u"refuse"_s, u"Cancel"_s}
+            << QStringList{u"welcome"_s, u"settings"_s, u"setup refused"_s, u"settings"_s,
+                           u"setup refused"_s}
+            << kExitNormal << u"0"_s << 0;
+        QTest::newRow("missing file, No")
+            << u"1"_s << u"missing"_s << QStringList{u"No"_s} << QStringList{u"explain unknown"_s}
+            << kExitNoConnection << u"1"_s << 1;
+        QTest::newRow("missing file, Yes, wrong code")
+            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code=9999"_s}
+            << QStringList{u"explain unknown"_s, u"code"_s, u"wrong code"_s, u"press ok"_s}
+            << kExitNoConnection << u"1"_s << 1;
+        QTest::newRow("missing file, Yes, prompt cancelled")
+            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code"_s}
+            << QStringList{u"explain unknown"_s, u"code"_s, u"press ok"_s} << kExitNoConnection
+            << u"1"_s << 1;
+        QTest::newRow("missing file, Yes, settings cancelled")
+            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code=1234"_s, u"refuse"_s}
+            << QStringList{u"explain unknown"_s, u"code"_s, u"settings"_s, u"press ok"_s}
+            << kExitNoConnection << u"1"_s << 1;
+        QTest::newRow("missing file, Yes, settings changed")
+            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code=1234"_s, u"accept"_s}
+            << QStringList{u"explain unknown"_s, u"code"_s, u"settings"_s, u"changed"_s}
+            << kExitNoConnection << u"1"_s << 1;
+        QTest::newRow("refused port, No")
+            << u"1"_s << u"refused"_s << QStringList{u"No"_s}
+            << QStringList{u"explain unreachable"_s} << kExitNoConnection << u"1"_s << 1;
+        QTest::newRow("working database")
+            << u"1"_s << u"scratch"_s << QStringList{} << QStringList{} << -1 << u"1"_s << 0;
+    }
+    void startupPaths()
+    {
+        QFETCH(QString, init);
+        QFETCH(QString, database);
+        QFETCH(QStringList, script);
+        QFETCH(QStringList, expected);
+        QFETCH(int, exitCode);
+        QFETCH(QString, initAfter);
+        QFETCH(int, terminated);
+
+        GuiFixture f;
+        SX_REQUIRE_DB(f.scratch);
+        QVERIFY(f.ready());
+        QVERIFY(f.exec(
+            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
+            u"SyI_Used) VALUES ('S2', '2', 'Beta', 1);\n"
+            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s));
+
+        const Target target = targetFor(database, f);
+        const Target working = targetFor(u"scratch"_s, f);
+        if (init != u"-") {
+            store(*f.settings, target.where, u"1234"_s);
+            f.settings->setApp(u"Init"_s, init);
+        } else {
+            // Left by some earlier install: the first run must clear it.
+            f.settings->setProtectionCode(u"old"_s);
+            f.settings->setApp(u"DBFile"_s, u"/old/sxdb.mdb"_s);
+        }
+        f.settings->sync();
+
+        QStringList valuesWhenAsked;
+        for (const QString& step : script) {
+            if (step == u"Ok")
+                f.dialogs.answerMessage(Answer::Ok);
+            else if (step == u"Cancel")
+                f.dialogs.answerMessage(Answer::Cancel);
+            else if (step == u"Yes")
+                f.dialogs.answerMessage(Answer::Yes);
+            else if (step == u"No")
+                f.dialogs.answerMessage(Answer::No);
+            else if (step == u"code")
+                f.dialogs.answerCode(std::nullopt);
+            else if (step.startsWith(u"code="))
+                f.dialogs.answerCode(step.mid(5));
+            else
+                f.dialogs.answerSettings([&f, &valuesWhenAsked, working, step] {
+                    SettingsStore& s = *f.settings;
+                    valuesWhenAsked = {s.protectionCode(),
+                                       s.app(u"DBType"_s, u"-"_s),
+                                       s.app(u"DBFile"_s, u"-"_s),
+                                       s.app(u"DBDataSource"_s, u"-"_s),
+                                       s.app(u"DBServerIP"_s, u"-"_s),
+                                       s.app(u"DBServerPORT"_s, u"-"_s)};
+                    if (step != u"accept")
+                        return false;
+                    store(s, working.where, u"1234"_s);
+                    return true;
+                });
+        }
+
+        QString waitShown;
+        bool waitVisible = false;
+        ProbeMain* main = nullptr;
+        Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
+            main = new ProbeMain(ctx);
+            return main;
+        });
+        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
+        startup.setConnectingHook([&](QWidget* w) {
+            auto* wait = qobject_cast<WaitWindow*>(w);
+            QVERIFY(wait);
+            waitShown = wait->message();
+            waitVisible = wait->isVisible();
+        });
+        const std::optional<int> code = startup.run();
+
+        QStringList seen;
+        for (const auto& s : f.dialogs.shown())
+            seen << classify(s);
+        QCOMPARE(seen, expected);
+        QVERIFY(!f.dialogs.anyUnexpected());
+        QCOMPARE(f.dialogs.pendingAnswers(), 0);
+        QCOMPARE(code.value_or(-1), exitCode);
+        QCOMPARE(f.settings->app(u"Init"_s), initAfter);
+        QCOMPARE(f.terminated, terminated);
+
+        if (init == u"-" || init == u"0") {
+            // The first run wrote its blank settings before the dialog.
+            QCOMPARE(valuesWhenAsked, (QStringList{{}, u"0"_s, {}, {}, {}, {}}));
+        }
+        const bool connected = exitCode == -1;
+        if (connected || exitCode == kExitNoConnection) {
+            QVERIFY(waitVisible);
+            QCOMPARE(waitShown, connected ? working.waitMessage : target.waitMessage);
+        } else {
+            QVERIFY(waitShown.isEmpty());
+        }
+        // The wait window is gone once the attempt is over.
+        for (QWidget* w : QApplication::topLevelWidgets())
+            QVERIFY(!qobject_cast<WaitWindow*>(w) || !w->isVisible());
+
+        QCOMPARE(startup.mainWindow() != nullptr, connected);
+        if (exitCode != kExitNormal)
+            QCOMPARE(f.db.isOpen(), connected);
+        if (!connected)
+            return;
+        QCOMPARE(main, startup.mainWindow());
+        QVERIFY(main->isVisible());
+        QCOMPARE(main->windowTitle(), u"SENTORAX Monitor / Τρέχουσα κατάσταση"_s);
+        QCOMPARE(main->findChild<QTimer*>(u"UpdateMainfrm"_s)->interval(), 10000);
+        QCOMPARE(f.navigator->mainView(), main);
+        QCOMPARE(listTexts(main->systemSelect()),
+                 (QStringList{u"Alpha [1] (S1)"_s, u"Beta [2] (S2)"_s}));
+        QCOMPARE(main->selected, QList<int>{0});
+        QCOMPARE(main->serials, QStringList{u"S1"_s});
+    }
+
+    void noUnitInUseOpensAnEmptyListWithoutSelecting()
+    {
+        GuiFixture f;
+        SX_REQUIRE_DB(f.scratch);
+        QVERIFY(f.ready());
+        QVERIFY(f.exec(
+            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S9', '9', 'Idle', 0)"_s));
+        store(*f.settings, f.scratch.settings(), u"1234"_s);
+        f.settings->setApp(u"Init"_s, u"1"_s);
+        f.ctx.systemSerials = {u"kept"_s};
+
+        ProbeMain* main = nullptr;
+        Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
+            main = new ProbeMain(ctx);
+            return main;
+        });
+        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
+        QCOMPARE(startup.run(), std::optional<int>());
+        QVERIFY(main && main->isVisible());
+        QCOMPARE(main->systemSelect()->count(), 0);
+        QVERIFY(main->selected.isEmpty());
+        QCOMPARE(f.ctx.systemSerials, QStringList{u"kept"_s});
+        QVERIFY(f.dialogs.shown().isEmpty());
+    }
+
+    void secondCopy_data()
+    {
+        QTest::addColumn<QString>("holder");
+        QTest::addColumn<bool>("refused");
+        QTest::newRow("held by a running copy") << u"live"_s << true;
+        // A lock's age says nothing: the first copy may have run for days.
+        QTest::newRow("held for hours") << u"old"_s << true;
+        QTest::newRow("left by a copy that died") << u"dead"_s << false;
+    }
+    void secondCopy()
+    {
+        QFETCH(QString, holder);
+        QFETCH(bool, refused);
+
+        GuiFixture f;
+        SX_REQUIRE_DB(f.scratch);
+        QVERIFY(f.ready());
+        store(*f.settings, f.scratch.settings(), u"1234"_s);
+        f.settings->setApp(u"Init"_s, u"0"_s);
+        f.settings->sync();
+        f.dialogs.answerSettings([] { return false; });
+        f.dialogs.answerMessage(Answer::Cancel);
+
+        const QString path = f.scratch.folder() + u"/console.lock"_s;
+        QLockFile first(path);
+        if (holder == u"dead") {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            // QLockFile's own layout: pid, application, host.
+            file.write("2147483000\nsentorax-monitor\n" + QSysInfo::machineHostName().toUtf8() +
+                       '\n');
+        } else {
+            QVERIFY(first.tryLock(0));
+        }
+        if (holder == u"old") {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            const QDateTime hoursAgo = QDateTime::currentDateTime().addSecs(-3 * 3600);
+            QVERIFY(file.setFileTime(hoursAgo, QFileDevice::FileModificationTime));
+        }
+
+        Startup startup(f.ctx, [](AppContext& ctx) -> ViewWindow* { return new ProbeMain(ctx); });
+        startup.setLockFile(path);
+        const std::optional<int> code = startup.run();
+        QCOMPARE(code, std::optional<int>(kExitNormal));
+        if (refused) {
+            // Silent, and before anything is read or written.
+            QVERIFY(f.dialogs.shown().isEmpty());
+            QCOMPARE(f.settings->protectionCode(), u"1234"_s);
+        } else {
+            QCOMPARE(f.dialogs.shown().size(), 3);
+            QCOMPARE(f.settings->protectionCode(), QString());
+        }
+        QCOMPARE(f.terminated, 0);
+        QVERIFY(!startup.mainWindow());
+    }
+
+    void lockIsFreedWhenTheConsoleEnds()
+    {
+        GuiFixture f;
+        SX_REQUIRE_DB(f.scratch);
+        const QString path = f.scratch.folder() + u"/console.lock"_s;
+        store(*f.settings, f.scratch.settings(), u"1234"_s);
+        f.settings->setApp(u"Init"_s, u"1"_s);
+        {
+            Startup startup(f.ctx,
+                            [](AppContext& ctx) -> ViewWindow* { return new ProbeMain(ctx); });
+            startup.setLockFile(path);
+            QVERIFY(!startup.run());
+            QLockFile other(path);
+            QVERIFY(!other.tryLock(0));
+        }
+        QLockFile after(path);
+        QVERIFY(after.tryLock(0));
+    }
+
+    void shutdownLeavesEveryLoopWithoutAskingWindows()
+    {
+        GuiFixture f;
+        SX_REQUIRE_DB(f.scratch);
+        QVERIFY(f.ready());
+        ProbeMain window(f.ctx);
+        window.show();
+        bool ended = false;
+        f.ctx.terminate = processShutdown(f.db, ended);
+        bool innerLeft = false;
+        // As from a modal dialog: the shutdown runs inside a nested loop.
+        QTimer::singleShot(0, [&] {
+            QEventLoop inner;
+            QTimer::singleShot(0, [&] { f.ctx.terminate(); });
+            inner.exec();
+            innerLeft = true;
+        });
+        QCOMPARE(QCoreApplication::exec(), 0);
+        QVERIFY(ended);
+        QVERIFY(innerLeft);
+        QVERIFY(!f.db.isOpen());
+        QVERIFY(window.isVisible());
+        QVERIFY(f.dialogs.shown().isEmpty());
+    }
+
+    void waitMessage_data()
+    {
+        QTest::addColumn<int>("dbType");
+        QTest::addColumn<QString>("ip");
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("expected");
+        const QString server = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\n"_s;
+        QTest::newRow("Access") << 0 << u"10.0.0.1"_s << u"1521"_s << kFileWait;
+        QTest::newRow("SQLite") << 2 << u"10.0.0.1"_s << u"1521"_s << kFileWait;
+        QTest::newRow("Oracle by address")
+            << 1 << u"10.0.0.1"_s << u"1521"_s << server + u"IP:10.0.0.1  PORT:1521"_s;
+        QTest::newRow("Oracle by name, stored port shown")
+            << 1 << u""_s << u"1521"_s << server + u"IP:  PORT:1521"_s;
+        QTest::newRow("Oracle, nothing stored") << 1 << u""_s << u""_s << server + u"IP:  PORT:"_s;
+        QTest::newRow("unknown number is Oracle")
+            << 7 << u"h"_s << u"p"_s << server + u"IP:h  PORT:p"_s;
+        QTest::newRow("PostgreSQL on this computer")
+            << 3 << u""_s << u""_s << server + u"IP:  PORT:"_s;
+    }
+    void waitMessage()
+    {
+        QFETCH(int, dbType);
+        QFETCH(QString, ip);
+        QFETCH(QString, port);
+        QFETCH(QString, expected);
+        ConnectionSettings s;
+        s.kind = dbKindFromSetting(dbType);
+        s.serverIp = ip;
+        s.serverPort = port;
+        QCOMPARE(waitMessageFor(s), expected);
+    }
+
+    void storedDbTypeThatIsNoNumberCountsAsAccess_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<bool>("present");
+        QTest::newRow("absent") << QString() << false;
+        QTest::newRow("letters") << u"x"_s << true;
+        QTest::newRow("empty") << QString() << true;
+    }
+    void storedDbTypeThatIsNoNumberCountsAsAccess()
+    {
+        QFETCH(QString, stored);
+        QFETCH(bool, present);
+        GuiFixture f;
+        f.settings->setApp(u"Init"_s, u"1"_s);
+        f.settings->setApp(u"DBFile"_s, f.scratch.folder() + u"/nosuch.mdb"_s);
+        if (present)
+            f.settings->setApp(u"DBType"_s, stored);
+        f.dialogs.answerMessage(Answer::No);
+        QString waitShown;
+        Startup startup(f.ctx, [](AppContext& ctx) -> ViewWindow* { return new ProbeMain(ctx); });
+        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
+        startup.setConnectingHook(
+            [&](QWidget* w) { waitShown = qobject_cast<WaitWindow*>(w)->message(); });
+        QCOMPARE(startup.run(), std::optional<int>(kExitNoConnection));
+        QCOMPARE(f.db.kind(), DbKind::Access);
+        QCOMPARE(waitShown, kFileWait);
+        QCOMPARE(f.terminated, 1);
+    }
+};
+
+QTEST_MAIN(TestStartup)
+#include "tst_startup.moc"

@@ -1,0 +1,341 @@
+#include "GuiFixture.h"
+#include "model/Formatting.h"
+#include "views/current/CurrentReport.h"
+
+#include <QFile>
+#include <QPrinter>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+using namespace sx::test;
+
+namespace {
+
+QString runTool(const QString& program, const QStringList& args)
+{
+    QProcess process;
+    process.start(program, args);
+    if (!process.waitForFinished(30000) || process.exitCode() != 0)
+        return {};
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+// The non-empty lines of each page as pdftotext lays them out, blanks inside
+// a line squeezed to one.
+QList<QStringList> pdfPages(const QString& path)
+{
+    QList<QStringList> pages;
+    const QString text = runTool(u"pdftotext"_s, {u"-layout"_s, path, u"-"_s});
+    static const QRegularExpression blanks(u" +"_s);
+    for (const QString& page : text.split(u'\f')) {
+        QStringList lines;
+        for (QString line : page.split(u'\n')) {
+            line = line.trimmed().replace(blanks, u" "_s);
+            if (!line.isEmpty())
+                lines << line;
+        }
+        if (!lines.isEmpty())
+            pages << lines;
+    }
+    return pages;
+}
+
+// Left edge in millimetres of the first word of a printed line that starts with `start`.
+double leftOf(const QString& path, const QString& start)
+{
+    const QString xhtml = runTool(u"pdftotext"_s, {u"-bbox"_s, path, u"-"_s});
+    static const QRegularExpression word(
+        uR"re(<word xMin="([\d.]+)" yMin="[\d.]+" xMax="[\d.]+" yMax="[\d.]+">([^<]*)<)re"_s);
+    for (const auto& m : word.globalMatch(xhtml)) {
+        if (m.captured(2) == start)
+            return m.captured(1).toDouble() * 25.4 / 72.0;
+    }
+    return -1.0;
+}
+
+} // namespace
+
+class TestCurrentReport : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<GuiFixture> fx;
+    int printed = 0;
+
+    // Prints the report of a unit to a PDF file and returns its path (empty: none written).
+    QString print(const QString& serial, const std::function<void(QPrinter&)>& extra = {})
+    {
+        const QString path = fx->scratch.folder() + u"/report%1.pdf"_s.arg(++printed);
+        fx->dialogs.answerPrint(true, [path, extra](QPrinter& printer) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(path);
+            if (extra)
+                extra(printer);
+        });
+        printCurrentCondition(fx->ctx, nullptr, serial);
+        return QFile::exists(path) ? path : QString();
+    }
+
+    void addUnit(const QString& serial, const QString& name, int online, const QString& softver,
+                 const QString& rtc)
+    {
+        QVERIFY(fx->exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
+                         u"SyI_Systemname, SyI_Used, SyI_Online, SyI_Softver, SyI_Model) VALUES "
+                         u"('%1', '2001', '%2', 1, %3, '%4', 'SENTORAX-1A');\n"
+                         u"INSERT INTO Systems_Current_Condition (SyCC_SyI_Serialnumber, "
+                         u"SyCC_Alarmcondition, SyCC_RelayBcondition, SyCC_Rtc) VALUES "
+                         u"('%1', 2, 1, %5)"_s.arg(serial, name)
+                             .arg(online)
+                             .arg(softver, rtc)));
+    }
+
+    void addPoint(const QString& serial, int n, const QString& name, int type, double value,
+                  int out, int notPowered, int used = 1)
+    {
+        QVERIFY(fx->exec(
+            u"INSERT INTO Sensors_Info (SeI_SyI_Serialnumber, SeI_Sensornumber, "
+            u"SeI_Sensorname, SeI_Sensortype, SeI_Used) VALUES ('%1', %2, '%3', %4, "
+            u"%5);\n"
+            u"INSERT INTO Sensors_Current_Condition (SeCC_SyI_Serialnumber, "
+            u"SeCC_Sensornumber, SeCC_Currvalue, SeCC_Outofbounds, "
+            u"SeCC_Alarmcondition, SeCC_Notpowered) VALUES ('%1', %2, %6, %7, 0, %8)"_s.arg(serial)
+                .arg(n)
+                .arg(name)
+                .arg(type)
+                .arg(used)
+                .arg(value)
+                .arg(out)
+                .arg(notPowered)));
+    }
+
+    void addPower(const QString& serial, int n, const QString& name, int fault, int condition,
+                  int used = 1)
+    {
+        QVERIFY(fx->exec(u"INSERT INTO Powermonitoring_Info (PmI_SyI_Serialnumber, "
+                         u"PmI_Powernumber, PmI_Powername, PmI_Used) VALUES ('%1', %2, '%3', %4);\n"
+                         u"INSERT INTO Powermonitoring_Current_Condit (PmCC_SyI_Serialnumber, "
+                         u"PmCC_Powernumber, PmCC_Powerfault, PmCC_Powercondition) VALUES ('%1', "
+                         u"%2, %5, %6)"_s.arg(serial)
+                             .arg(n)
+                             .arg(name)
+                             .arg(used)
+                             .arg(fault)
+                             .arg(condition)));
+    }
+
+    void addFault(const QString& serial, int type, const QString& info)
+    {
+        QVERIFY(fx->exec(u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, "
+                         u"SyF_Faultinfo) VALUES ('%1', %2, '%3')"_s.arg(serial)
+                             .arg(type)
+                             .arg(info)));
+    }
+
+    static QString title()
+    {
+        return u"SENTORAX Monitor / ΑΝΑΦΟΡΑ ΤΡΕΧΟΥΣΑΣ ΚΑΤΑΣΤΑΣΗΣ ΣΥΣΤΗΜΑΤΟΣ"_s;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_DB(fx->scratch);
+        QVERIFY(fx->ready());
+        if (QStandardPaths::findExecutable(u"pdftotext"_s).isEmpty())
+            QSKIP("pdftotext is not installed");
+
+        addUnit(u"SXR1"_s, u"Κεντρική αποθήκη"_s, 1, u"1.22"_s, u"'2026-11-16 22:05:00'"_s);
+        addPoint(u"SXR1"_s, 1, u"Ψυγείο"_s, 0, 4.04, 0, 0);
+        addPoint(u"SXR1"_s, 2, u"Πόρτα"_s, 2, 1, 0, 0);
+        addPoint(u"SXR1"_s, 3, QString(), 3, 35.5, 1, 1);
+        addPoint(u"SXR1"_s, 4, u"Εκτός χρήσης"_s, 0, 1, 0, 0, 0);
+        addPoint(u"SXR1"_s, 5, u"Πίεση"_s, 3, 35.5, 1, 0);
+        addPower(u"SXR1"_s, 1, u"Κύρια"_s, 0, 0);
+        addPower(u"SXR1"_s, 2, u"Δίκτυο Α"_s, 1, 1);
+        addPower(u"SXR1"_s, 3, u"Αχρησιμοποίητο"_s, 1, 1, 0);
+        addPower(u"SXR1"_s, 4, QString(), 0, 0);
+        addFault(u"SXR1"_s, 0, u"4"_s);
+        addFault(u"SXR1"_s, 0, u"3"_s);
+        addFault(u"SXR1"_s, 1, u"3"_s);
+
+        addUnit(u"SXR2"_s, QString(), 1, u"1.21"_s, u"NULL"_s);
+        addPower(u"SXR2"_s, 2, u"Δίκτυο Β"_s, 1, 1);
+
+        addUnit(u"SXOFF"_s, u"Εκτός"_s, 0, u"1.22"_s, u"NULL"_s);
+        addPoint(u"SXOFF"_s, 1, u"Ψυγείο"_s, 0, 4.04, 0, 0);
+        addUnit(u"SXPRG"_s, u"Προγραμματισμός"_s, 2, u"1.22"_s, u"NULL"_s);
+
+        // Enough point faults for a second page.
+        addUnit(u"SXLONG"_s, u"Πολλά προβλήματα"_s, 1, u"1.22"_s, u"'2026-11-16 09:30:00'"_s);
+        for (int i = 10; i < 90; ++i)
+            addFault(u"SXLONG"_s, 1, QString::number(i));
+    }
+
+    void cleanup()
+    {
+        if (fx) {
+            QVERIFY2(!fx->dialogs.anyUnexpected(), "a dialog without a scripted answer");
+            QCOMPARE(fx->dialogs.messages().size(), 0);
+            fx->dialogs.clearShown();
+        }
+    }
+
+    void connectedUnitWithFaults()
+    {
+        const QString path = print(u"SXR1"_s);
+        QVERIFY(!path.isEmpty());
+        const QList<QStringList> pages = pdfPages(path);
+        QCOMPARE(pages.size(), 1);
+        QCOMPARE(pages.at(0),
+                 (QStringList{title(), u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Κεντρική αποθήκη [2001] (SXR1)"_s,
+                              u"Δευτέρα 16 Νοεμβρίου 2026 10:05 μμ"_s, u"[1] Ψυγείο 4.0 °C"_s,
+                              u"[2] Πόρτα ΚΛΕΙΣΤΗ"_s, u"[3] Ανώνυμη ζώνη ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s,
+                              u"[5] Πίεση 35.5 bar !"_s, u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ ΚΑΝΟΝΙΚΗ"_s,
+                              u"[1] Δίκτυο Α ΔΙΑΚΟΠΗ !"_s, u"[3] Ανώνυμη ζώνη ΚΑΝΟΝΙΚΗ"_s,
+                              u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΥΤΟΜΑΤΗ (ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ)"_s,
+                              u"ΔΙΑΚΟΠΤΗΣ ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s, u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ:"_s,
+                              u"ΠΡΟΒΛΗΜΑ ΣΤΟ ΑΙΣΘΗΤΗΡΙΟ 3"_s, u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s,
+                              u"ΗΜΕΡΟΜΗΝΙΑ ΚΑΙ ΩΡΑ ΔΕΝ ΕΧΟΥΝ ΡΥΘΜΙΣΤΕΙ"_s,
+                              u"* ΠΑΡΑΚΑΛΩ ΚΑΛΕΣΤΕ ΤΟ SERVICE *"_s, u"ΤΕΛΟΣ ΑΝΑΦΟΡΑΣ"_s}));
+        // The body starts where the banners do, 10 mm into the printable area.
+        QPrinter pdf(QPrinter::HighResolution);
+        pdf.setOutputFormat(QPrinter::PdfFormat);
+        pdf.setPageSize(QPageSize(QPageSize::A4));
+        const double printableLeft = pdf.pageLayout().margins(QPageLayout::Millimeter).left();
+        for (const QString& word : {u"ΠΛΗΡΟΦΟΡΙΕΣ"_s, u"[1]"_s, u"ΚΑΤΑΣΤΑΣΗ"_s}) {
+            const double left = leftOf(path, word);
+            QVERIFY2(qAbs(left - printableLeft - 10.0) < 0.5, qPrintable(QString::number(left)));
+        }
+    }
+
+    void olderUnitWithoutClockOrName()
+    {
+        const QDateTime before = fx->clock.now();
+        const QString path = print(u"SXR2"_s);
+        const QDateTime after = fx->clock.now();
+        const QList<QStringList> pages = pdfPages(path);
+        QCOMPARE(pages.size(), 1);
+        const QStringList lines = pages.at(0);
+        QCOMPARE(lines.value(1), u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Ανώνυμο σύστημα [2001] (SXR2)"_s);
+        // The time of printing stands in for the unit's clock.
+        const QStringList allowed{greekDateTime(before, true), greekDateTime(after, true)};
+        QVERIFY2(allowed.contains(lines.value(2)), qPrintable(lines.value(2)));
+        // 1.21: the cut comes from the fault flag alone, without the mark.
+        QVERIFY(lines.contains(u"[1] Δίκτυο Β ΔΙΑΚΟΠΗ"_s));
+        QCOMPARE(lines.mid(lines.indexOf(u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ:"_s)),
+                 (QStringList{u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ:"_s, u"OK"_s, u"ΤΕΛΟΣ ΑΝΑΦΟΡΑΣ"_s}));
+    }
+
+    void unitNotConnected_data()
+    {
+        QTest::addColumn<QString>("serial");
+        QTest::addColumn<QString>("why");
+        QTest::newRow("offline") << u"SXOFF"_s << u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΘΙΑΘΕΣΙΜΗ"_s;
+        QTest::newRow("programming") << u"SXPRG"_s << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s;
+    }
+
+    void unitNotConnected()
+    {
+        QFETCH(QString, serial);
+        QFETCH(QString, why);
+        const QList<QStringList> pages = pdfPages(print(serial));
+        QCOMPARE(pages.size(), 1);
+        const QStringList lines = pages.at(0);
+        QCOMPARE(lines.size(), 5);
+        QCOMPARE(lines.at(0), title());
+        QVERIFY(lines.at(1).startsWith(u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: "_s));
+        QCOMPARE(lines.at(3), why);
+        QCOMPARE(lines.at(4), u"ΤΕΛΟΣ ΑΝΑΦΟΡΑΣ"_s);
+    }
+
+    void missingUnitPrintsTheBannersOnly()
+    {
+        const QList<QStringList> pages = pdfPages(print(u"NO-SUCH"_s));
+        QCOMPARE(pages, QList<QStringList>{(QStringList{title(), u"ΤΕΛΟΣ ΑΝΑΦΟΡΑΣ"_s})});
+    }
+
+    void longFaultListRunsOntoASecondPage()
+    {
+        const QString path = print(u"SXLONG"_s);
+        const QList<QStringList> pages = pdfPages(path);
+        QCOMPARE(pages.size(), 2);
+        QCOMPARE(pages.at(0).first(), title());
+        // No title repeated on the second page; the list goes on where it stopped.
+        QVERIFY(!pages.at(1).contains(title()));
+        const QStringList all = pages.at(0) + pages.at(1);
+        QStringList faultLines;
+        for (const QString& l : all) {
+            const QString prefix = u"ΠΡΟΒΛΗΜΑ ΣΤΟ ΑΙΣΘΗΤΗΡΙΟ "_s;
+            if (l.startsWith(prefix))
+                faultLines << l.mid(prefix.size());
+        }
+        QStringList expected;
+        for (int i = 10; i < 90; ++i)
+            expected << QString::number(i);
+        QCOMPARE(faultLines, expected);
+        QCOMPARE(pages.at(1).last(), u"ΤΕΛΟΣ ΑΝΑΦΟΡΑΣ"_s);
+        QCOMPARE(pages.at(1).at(pages.at(1).size() - 2), u"* ΠΑΡΑΚΑΛΩ ΚΑΛΕΣΤΕ ΤΟ SERVICE *"_s);
+    }
+
+    void printedOnA4PortraitWhateverTheDialogSaid()
+    {
+        const QString path = print(u"SXR1"_s, [](QPrinter& printer) {
+            printer.setPageSize(QPageSize(QPageSize::A3));
+            printer.setPageOrientation(QPageLayout::Landscape);
+        });
+        const QString info = runTool(u"pdfinfo"_s, {path});
+        static const QRegularExpression size(uR"(Page size:\s+([\d.]+) x ([\d.]+) pts \(A4\))"_s);
+        const auto m = size.match(info);
+        QVERIFY2(m.hasMatch(), qPrintable(info));
+        QVERIFY(m.captured(1).toDouble() < m.captured(2).toDouble());
+        QVERIFY(info.contains(u"Page rot:        0"_s));
+    }
+
+    void cancelledPrinterChoicePrintsNothing()
+    {
+        const QString path = fx->scratch.folder() + u"/cancelled.pdf"_s;
+        fx->dialogs.answerPrint(false, [path](QPrinter& printer) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(path);
+        });
+        printCurrentCondition(fx->ctx, nullptr, u"SXR1"_s);
+        QVERIFY(!QFile::exists(path));
+        QCOMPARE(fx->dialogs.shown().size(), 1);
+    }
+
+    void unwritableOutputIsReported()
+    {
+        fx->dialogs.answerPrint(true, [](QPrinter& printer) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(u"/nonexistent-folder/x.pdf"_s);
+        });
+        printCurrentCondition(fx->ctx, nullptr, u"SXR1"_s);
+        const auto messages = fx->dialogs.messages();
+        QCOMPARE(messages.size(), 1);
+        QCOMPARE(messages.at(0).icon, DialogService::Icon::Critical);
+        QCOMPARE(messages.at(0).title, appTitle());
+        fx->dialogs.clearShown();
+    }
+
+    // Last: it breaks a table.
+    void failedQueryPrintsNothing()
+    {
+        QVERIFY(fx->exec(u"DROP TABLE Powermonitoring_Current_Condit"_s));
+        const QString path = print(u"SXR1"_s);
+        QVERIFY(path.isEmpty());
+        const auto messages = fx->dialogs.messages();
+        QCOMPARE(messages.size(), 1);
+        QCOMPARE(messages.at(0).title, appTitle());
+        QCOMPARE(fx->failures->reportsShown(), 1);
+        fx->dialogs.clearShown();
+    }
+};
+
+QTEST_MAIN(TestCurrentReport)
+#include "tst_currentreport.moc"

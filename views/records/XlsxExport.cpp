@@ -1,0 +1,695 @@
+#include "views/records/XlsxExport.h"
+
+#include "app/DialogService.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QList>
+#include <QSaveFile>
+#include <QVarLengthArray>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#if SX_HAVE_QUAZIP
+#include <quazip/quazip.h>
+#include <quazip/quazipfile.h>
+#include <quazip/quazipfileinfo.h>
+#include <quazip/quazipnewinfo.h>
+#endif
+
+#include <algorithm>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace sx::xlsx {
+
+QString defaultTemplatePath()
+{
+    return QDir(QCoreApplication::applicationDirPath())
+        .filePath(QString::fromUtf16(kTemplateFileName));
+}
+
+QString askExcelFileName(DialogService& dialogs, QWidget* parent, const QString& proposed)
+{
+    QString path = dialogs.saveFileName(parent, u"Αποθήκευση αρχείου καταγραφών"_s,
+                                        u"Excel Files (*.xlsx)"_s, proposed);
+    if (!path.isEmpty() && QFileInfo(path).suffix().isEmpty())
+        path += u".xlsx"_s;
+    return path;
+}
+
+namespace {
+
+// The heading cells E2 to E6 and the data columns A and B.
+constexpr int kHeadingColumn = 5;
+constexpr int kHeadingFirstRow = 2;
+constexpr int kFirstDataRow = 2;
+constexpr qint64 kFlushBytes = 1 << 20;
+
+using Attributes = QList<QPair<QString, QString>>;
+
+// One token of a template cell, kept to be written back unchanged.
+struct Token {
+    QXmlStreamReader::TokenType type = QXmlStreamReader::NoToken;
+    QString name; // qualified name, or the target of a processing instruction
+    Attributes attributes;
+    QString text;
+    bool cdata = false;
+};
+
+Attributes startAttributes(const QXmlStreamReader& r)
+{
+    Attributes out;
+    // Declarations are written back as the attributes they were, prefixes unchanged.
+    for (const QXmlStreamNamespaceDeclaration& ns : r.namespaceDeclarations()) {
+        out.append({ns.prefix().isEmpty() ? u"xmlns"_s : u"xmlns:"_s + ns.prefix().toString(),
+                    ns.namespaceUri().toString()});
+    }
+    for (const QXmlStreamAttribute& a : r.attributes())
+        out.append({a.qualifiedName().toString(), a.value().toString()});
+    return out;
+}
+
+QString attribute(const Attributes& attributes, QStringView name)
+{
+    for (const auto& [key, value] : attributes) {
+        if (key == name)
+            return value;
+    }
+    return {};
+}
+
+void setAttribute(Attributes& attributes, const QString& name, const QString& value)
+{
+    for (auto& [key, old] : attributes) {
+        if (key == name) {
+            old = value;
+            return;
+        }
+    }
+    attributes.append({name, value});
+}
+
+void removeAttribute(Attributes& attributes, QStringView name)
+{
+    attributes.removeIf([name](const QPair<QString, QString>& a) { return a.first == name; });
+}
+
+Token capture(const QXmlStreamReader& r)
+{
+    Token t;
+    t.type = r.tokenType();
+    switch (t.type) {
+    case QXmlStreamReader::StartElement:
+        t.name = r.qualifiedName().toString();
+        t.attributes = startAttributes(r);
+        break;
+    case QXmlStreamReader::Characters:
+        t.text = r.text().toString();
+        t.cdata = r.isCDATA();
+        break;
+    case QXmlStreamReader::Comment:
+        t.text = r.text().toString();
+        break;
+    case QXmlStreamReader::ProcessingInstruction:
+        t.name = r.processingInstructionTarget().toString();
+        t.text = r.processingInstructionData().toString();
+        break;
+    default:
+        break;
+    }
+    return t;
+}
+
+void writeStart(QXmlStreamWriter& w, const QString& name, const Attributes& attributes)
+{
+    w.writeStartElement(name);
+    for (const auto& [key, value] : attributes)
+        w.writeAttribute(key, value);
+}
+
+void replay(QXmlStreamWriter& w, const Token& t)
+{
+    switch (t.type) {
+    case QXmlStreamReader::StartElement:
+        writeStart(w, t.name, t.attributes);
+        break;
+    case QXmlStreamReader::EndElement:
+        w.writeEndElement();
+        break;
+    case QXmlStreamReader::Characters:
+        if (t.cdata)
+            w.writeCDATA(t.text);
+        else
+            w.writeCharacters(t.text);
+        break;
+    case QXmlStreamReader::Comment:
+        w.writeComment(t.text);
+        break;
+    case QXmlStreamReader::ProcessingInstruction:
+        w.writeProcessingInstruction(t.name, t.text);
+        break;
+    default:
+        break;
+    }
+}
+
+// Copies the current token of `r` as it is.
+void copyToken(QXmlStreamWriter& w, const QXmlStreamReader& r)
+{
+    switch (r.tokenType()) {
+    case QXmlStreamReader::StartDocument:
+        if (r.isStandaloneDocument())
+            w.writeStartDocument(r.documentVersion().toString(), true);
+        else
+            w.writeStartDocument(r.documentVersion().toString());
+        break;
+    case QXmlStreamReader::EndDocument:
+        w.writeEndDocument();
+        break;
+    case QXmlStreamReader::DTD:
+        w.writeDTD(r.text().toString());
+        break;
+    default:
+        replay(w, capture(r));
+        break;
+    }
+}
+
+// "E12" -> 5; 0 when the reference has no column letters.
+int columnOfRef(QStringView ref)
+{
+    int col = 0;
+    for (QChar c : ref) {
+        if (c < u'A' || c > u'Z')
+            break;
+        col = col * 26 + (c.unicode() - u'A' + 1);
+    }
+    return col;
+}
+
+int rowOfRef(QStringView ref)
+{
+    qsizetype i = 0;
+    while (i < ref.size() && ref[i] >= u'A' && ref[i] <= u'Z')
+        ++i;
+    bool ok = false;
+    const int row = ref.mid(i).toInt(&ok);
+    return ok ? row : 0;
+}
+
+QString columnName(int col)
+{
+    QString out;
+    while (col > 0) {
+        const int d = (col - 1) % 26;
+        out.prepend(QChar(u'A' + d));
+        col = (col - 1) / 26;
+    }
+    return out;
+}
+
+// XML 1.0 has no place for most control characters; a name that carries one
+// loses it rather than making the whole workbook unreadable.
+QString xmlText(const QString& text)
+{
+    const auto invalid = [](QChar c) {
+        return (c.unicode() < 0x20 && c != u'\t' && c != u'\n' && c != u'\r') ||
+               c.unicode() == 0xFFFE || c.unicode() == 0xFFFF;
+    };
+    if (std::none_of(text.begin(), text.end(), invalid))
+        return text;
+    QString out = text;
+    out.removeIf(invalid);
+    return out;
+}
+
+QString cellRef(int col, int row)
+{
+    return columnName(col) + QString::number(row);
+}
+
+struct TemplateCell {
+    int col = 0;
+    QList<Token> tokens; // the <c> element and everything in it
+};
+
+struct TemplateRow {
+    int number = 0;
+    QString name;
+    Attributes attributes;
+    QList<TemplateCell> cells;
+    QList<Token> other; // anything else inside the row (extLst), written after the cells
+};
+
+struct GeneratedCell {
+    int col;
+    QString text; // empty: the cell is left empty
+};
+
+class SheetWriter {
+public:
+    SheetWriter(QIODevice& out, const SheetFill& fill)
+        : m_out(out), m_fill(fill), m_lastDataRow(kFirstDataRow - 1 + std::max(0, fill.rowCount))
+    {
+        m_buffer.open(QIODevice::WriteOnly);
+        m_w.setDevice(&m_buffer);
+    }
+
+    bool run(const QByteArray& sheet, int templateMaxRow, int templateMaxCol);
+
+private:
+    bool flush(bool force = false)
+    {
+        if (!force && m_buffer.size() < kFlushBytes)
+            return true;
+        const QByteArray& data = m_buffer.data();
+        if (!data.isEmpty() && m_out.write(data) != data.size())
+            m_failed = true;
+        m_buffer.buffer().clear();
+        m_buffer.seek(0);
+        return !m_failed;
+    }
+
+    void generated(int row, QVarLengthArray<GeneratedCell, 3>& cells) const
+    {
+        cells.clear();
+        if (row >= kFirstDataRow && row <= m_lastDataRow) {
+            cells.append({1, m_fill.dateText(row - kFirstDataRow)});
+            cells.append({2, m_fill.readingText(row - kFirstDataRow)});
+        }
+        if (row >= kHeadingFirstRow && row < kHeadingFirstRow + int(m_fill.heading.size()))
+            cells.append({kHeadingColumn, m_fill.heading[size_t(row - kHeadingFirstRow)]});
+    }
+
+    [[nodiscard]] int lastGeneratedRow() const
+    {
+        return std::max(m_lastDataRow, kHeadingFirstRow + int(m_fill.heading.size()) - 1);
+    }
+
+    void writeTextCell(int col, int row, const QString& text, const QString& style)
+    {
+        m_w.writeStartElement(m_prefix + u"c"_s);
+        m_w.writeAttribute(u"r"_s, cellRef(col, row));
+        if (!style.isEmpty())
+            m_w.writeAttribute(u"s"_s, style);
+        if (!text.isEmpty()) {
+            m_w.writeAttribute(u"t"_s, u"inlineStr"_s);
+            m_w.writeStartElement(m_prefix + u"is"_s);
+            m_w.writeStartElement(m_prefix + u"t"_s);
+            if (text.front().isSpace() || text.back().isSpace())
+                m_w.writeAttribute(u"xml:space"_s, u"preserve"_s);
+            m_w.writeCharacters(xmlText(text));
+            m_w.writeEndElement();
+            m_w.writeEndElement();
+        }
+        m_w.writeEndElement();
+    }
+
+    // Rows of the fill that the template does not have, from `from` to `to`.
+    void writeGeneratedRows(int from, int to)
+    {
+        QVarLengthArray<GeneratedCell, 3> cells;
+        for (int row = from; row <= to && !m_failed; ++row) {
+            generated(row, cells);
+            const bool any = std::any_of(cells.begin(), cells.end(),
+                                         [](const GeneratedCell& c) { return !c.text.isEmpty(); });
+            if (!any)
+                continue;
+            m_w.writeStartElement(m_prefix + u"row"_s);
+            m_w.writeAttribute(u"r"_s, QString::number(row));
+            for (const GeneratedCell& c : cells) {
+                if (!c.text.isEmpty())
+                    writeTextCell(c.col, row, c.text, {});
+            }
+            m_w.writeEndElement();
+            flush();
+        }
+    }
+
+    void writeMergedRow(TemplateRow& row)
+    {
+        QVarLengthArray<GeneratedCell, 3> cells;
+        generated(row.number, cells);
+        setAttribute(row.attributes, u"r"_s, QString::number(row.number));
+        // The column span is a hint that new cells could contradict.
+        if (!cells.isEmpty())
+            removeAttribute(row.attributes, u"spans");
+        writeStart(m_w, row.name, row.attributes);
+        qsizetype g = 0;
+        for (TemplateCell& cell : row.cells) {
+            while (g < cells.size() && cells[g].col < cell.col) {
+                if (!cells[g].text.isEmpty())
+                    writeTextCell(cells[g].col, row.number, cells[g].text, {});
+                ++g;
+            }
+            if (g < cells.size() && cells[g].col == cell.col) {
+                // Replaced: the template's style of the cell stays.
+                writeTextCell(cell.col, row.number, cells[g].text,
+                              attribute(cell.tokens.front().attributes, u"s"));
+                ++g;
+                continue;
+            }
+            setAttribute(cell.tokens.front().attributes, u"r"_s, cellRef(cell.col, row.number));
+            for (const Token& t : cell.tokens)
+                replay(m_w, t);
+        }
+        for (; g < cells.size(); ++g) {
+            if (!cells[g].text.isEmpty())
+                writeTextCell(cells[g].col, row.number, cells[g].text, {});
+        }
+        for (const Token& t : row.other)
+            replay(m_w, t);
+        m_w.writeEndElement();
+        flush();
+    }
+
+    // Reads a <row> of the template (the reader is on its start) up to its end.
+    static TemplateRow readRow(QXmlStreamReader& r, int number)
+    {
+        TemplateRow row;
+        row.number = number;
+        row.name = r.qualifiedName().toString();
+        row.attributes = startAttributes(r);
+        int col = 0;
+        int depth = 0;
+        TemplateCell* cell = nullptr;
+        while (!r.atEnd()) {
+            r.readNext();
+            if (r.isStartElement()) {
+                ++depth;
+                if (depth == 1 && r.name() == u"c") {
+                    row.cells.append(TemplateCell{});
+                    cell = &row.cells.back();
+                    const QString ref = r.attributes().value(u"r"_s).toString();
+                    col = ref.isEmpty() ? col + 1 : columnOfRef(ref);
+                    cell->col = col;
+                }
+            } else if (r.isEndElement()) {
+                if (depth == 0)
+                    break;
+                --depth;
+                if (cell) {
+                    cell->tokens.append(capture(r));
+                    if (depth == 0)
+                        cell = nullptr;
+                } else {
+                    row.other.append(capture(r));
+                }
+                continue;
+            } else if (depth == 0 && r.isWhitespace()) {
+                continue;
+            }
+            (cell ? cell->tokens : row.other).append(capture(r));
+        }
+        return row;
+    }
+
+    QIODevice& m_out;
+    const SheetFill& m_fill;
+    const int m_lastDataRow;
+    QBuffer m_buffer;
+    QXmlStreamWriter m_w;
+    QString m_prefix;
+    bool m_failed = false;
+};
+
+bool SheetWriter::run(const QByteArray& sheet, int templateMaxRow, int templateMaxCol)
+{
+    QXmlStreamReader r(sheet);
+    bool inSheetData = false;
+    int nextRow = 1;
+    int previousRow = 0;
+    while (!r.atEnd() && !m_failed) {
+        r.readNext();
+        if (r.hasError())
+            return false;
+        if (inSheetData) {
+            if (r.isStartElement() && r.name() == u"row") {
+                const QString attr = r.attributes().value(u"r"_s).toString();
+                const int number = attr.isEmpty() ? previousRow + 1 : attr.toInt();
+                writeGeneratedRows(nextRow, number - 1);
+                TemplateRow row = readRow(r, number);
+                if (r.hasError())
+                    return false;
+                writeMergedRow(row);
+                previousRow = number;
+                nextRow = std::max(nextRow, number + 1);
+                continue;
+            }
+            if (r.isEndElement() && r.name() == u"sheetData") {
+                writeGeneratedRows(nextRow, lastGeneratedRow());
+                m_w.writeEndElement();
+                inSheetData = false;
+                continue;
+            }
+            if (r.isWhitespace())
+                continue;
+        }
+        if (r.isStartElement() && r.name() == u"sheetData") {
+            const QString qualified = r.qualifiedName().toString();
+            m_prefix = qualified.left(qualified.size() - r.name().size());
+            inSheetData = true;
+        }
+        if (r.isStartElement() && r.name() == u"dimension") {
+            Attributes attributes = startAttributes(r);
+            const QString start = attribute(attributes, u"ref").section(u':', 0, 0);
+            const int maxRow = std::max({templateMaxRow, m_lastDataRow, lastGeneratedRow()});
+            const int maxCol = std::max(templateMaxCol, kHeadingColumn);
+            setAttribute(attributes, u"ref"_s,
+                         (start.isEmpty() ? u"A1"_s : start) + u':' + cellRef(maxCol, maxRow));
+            writeStart(m_w, r.qualifiedName().toString(), attributes);
+            continue;
+        }
+        copyToken(m_w, r);
+    }
+    if (r.hasError())
+        return false;
+    return flush(true);
+}
+
+// The extent of the template's cells; false when it is no worksheet.
+bool scanSheet(const QByteArray& sheet, int& maxRow, int& maxCol)
+{
+    QXmlStreamReader r(sheet);
+    bool sawWorksheet = false;
+    bool sawSheetData = false;
+    int row = 0;
+    int col = 0;
+    maxRow = 0;
+    maxCol = 0;
+    while (!r.atEnd()) {
+        r.readNext();
+        if (!r.isStartElement())
+            continue;
+        if (r.name() == u"worksheet")
+            sawWorksheet = true;
+        else if (r.name() == u"sheetData")
+            sawSheetData = true;
+        else if (r.name() == u"row") {
+            const QString attr = r.attributes().value(u"r"_s).toString();
+            row = attr.isEmpty() ? row + 1 : attr.toInt();
+            col = 0;
+            maxRow = std::max(maxRow, row);
+        } else if (r.name() == u"c") {
+            const QString ref = r.attributes().value(u"r"_s).toString();
+            col = ref.isEmpty() ? col + 1 : columnOfRef(ref);
+            if (!ref.isEmpty())
+                maxRow = std::max(maxRow, rowOfRef(ref));
+            maxCol = std::max(maxCol, col);
+        }
+    }
+    return !r.hasError() && sawWorksheet && sawSheetData;
+}
+
+} // namespace
+
+bool fillSheetXml(const QByteArray& templateSheet, QIODevice& out, const SheetFill& fill)
+{
+    int maxRow = 0;
+    int maxCol = 0;
+    if (!scanSheet(templateSheet, maxRow, maxCol))
+        return false;
+    SheetWriter writer(out, fill);
+    return writer.run(templateSheet, maxRow, maxCol);
+}
+
+QString statusMessage(ExportStatus status, const QString& templatePath)
+{
+    const QString shown = QDir::toNativeSeparators(templatePath);
+    const QString cannot = u"\r\nΗ αποθήκευση του αρχείου καταγραφών δεν είναι δυνατή."_s;
+    switch (status) {
+    case ExportStatus::TemplateMissing:
+        return u"Δεν βρέθηκε το πρότυπο αρχείο Excel \""_s + shown + u"\"."_s + cannot;
+    case ExportStatus::TemplateDamaged:
+        return u"Το πρότυπο αρχείο Excel \""_s + shown +
+               u"\" είναι κατεστραμμένο ή δεν είναι βιβλίο εργασίας Excel."_s + cannot;
+    case ExportStatus::WriteFailed:
+        return u"Η εγγραφή του αρχείου Excel δεν ολοκληρώθηκε. Το αρχείο δεν αποθηκεύτηκε."_s;
+    case ExportStatus::Unavailable:
+        return u"Η αποθήκευση σε αρχείο Excel δεν είναι διαθέσιμη σε αυτή την έκδοση."_s;
+    case ExportStatus::Written:
+    case ExportStatus::TargetNotWritable:
+        break;
+    }
+    return {};
+}
+
+#if SX_HAVE_QUAZIP
+
+namespace {
+
+std::optional<QByteArray> readEntry(QuaZip& zip, const QString& name)
+{
+    if (!zip.setCurrentFile(name))
+        return std::nullopt;
+    QuaZipFile file(&zip);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QByteArray data = file.readAll();
+    file.close();
+    if (file.getZipError() != UNZ_OK)
+        return std::nullopt;
+    return data;
+}
+
+// The part name of the workbook's first worksheet, from workbook.xml and its relations.
+std::optional<QString> firstSheetPath(QuaZip& zip)
+{
+    const auto workbook = readEntry(zip, u"xl/workbook.xml"_s);
+    const auto rels = readEntry(zip, u"xl/_rels/workbook.xml.rels"_s);
+    if (!workbook || !rels)
+        return std::nullopt;
+    QString id;
+    QXmlStreamReader wb(*workbook);
+    while (!wb.atEnd() && id.isEmpty()) {
+        wb.readNext();
+        if (wb.isStartElement() && wb.name() == u"sheet") {
+            for (const QXmlStreamAttribute& a : wb.attributes()) {
+                if (a.name() == u"id" && !a.namespaceUri().isEmpty())
+                    id = a.value().toString();
+            }
+            if (id.isEmpty())
+                return std::nullopt;
+        }
+    }
+    if (id.isEmpty() || wb.hasError())
+        return std::nullopt;
+    QXmlStreamReader rr(*rels);
+    while (!rr.atEnd()) {
+        rr.readNext();
+        if (rr.isStartElement() && rr.name() == u"Relationship" &&
+            rr.attributes().value(u"Id"_s) == id) {
+            const QString target = rr.attributes().value(u"Target"_s).toString();
+            if (target.startsWith(u'/'))
+                return QDir::cleanPath(target.mid(1));
+            return QDir::cleanPath(u"xl/"_s + target);
+        }
+    }
+    return std::nullopt;
+}
+
+bool copyEntryRaw(QuaZip& in, QuaZip& out)
+{
+    QuaZipFileInfo64 info;
+    if (!in.getCurrentFileInfo(&info))
+        return false;
+    QuaZipFile src(&in);
+    int method = 0;
+    int level = 0;
+    if (!src.open(QIODevice::ReadOnly, &method, &level, true))
+        return false;
+    const QByteArray data = src.readAll();
+    src.close();
+    if (src.getZipError() != UNZ_OK)
+        return false;
+    QuaZipFile dst(&out);
+    if (!dst.open(QIODevice::WriteOnly, QuaZipNewInfo(info), nullptr, info.crc, method, level,
+                  true))
+        return false;
+    const bool written = dst.write(data) == data.size();
+    dst.close();
+    return written && dst.getZipError() == ZIP_OK;
+}
+
+bool writeSheetEntry(QuaZip& in, QuaZip& out, const QByteArray& sheet, const SheetFill& fill)
+{
+    QuaZipFileInfo64 info;
+    if (!in.getCurrentFileInfo(&info))
+        return false;
+    QuaZipFile dst(&out);
+    // Speed over size: a year of rows deflates well at any level.
+    if (!dst.open(QIODevice::WriteOnly, QuaZipNewInfo(info), nullptr, 0, Z_DEFLATED, 1))
+        return false;
+    const bool filled = fillSheetXml(sheet, dst, fill);
+    dst.close();
+    return filled && dst.getZipError() == ZIP_OK;
+}
+
+} // namespace
+
+ExportStatus writeWorkbook(const QString& templatePath, const QString& target,
+                           const SheetFill& fill)
+{
+    const QFileInfo templateInfo(templatePath);
+    if (!templateInfo.exists())
+        return ExportStatus::TemplateMissing;
+    if (!templateInfo.isFile() || !templateInfo.isReadable())
+        return ExportStatus::TemplateDamaged;
+
+    QuaZip in(templatePath);
+    if (!in.open(QuaZip::mdUnzip))
+        return ExportStatus::TemplateDamaged;
+    const auto sheetPath = firstSheetPath(in);
+    if (!sheetPath)
+        return ExportStatus::TemplateDamaged;
+    const auto sheet = readEntry(in, *sheetPath);
+    int maxRow = 0;
+    int maxCol = 0;
+    if (!sheet || !scanSheet(*sheet, maxRow, maxCol))
+        return ExportStatus::TemplateDamaged;
+
+    // Saving over the template would destroy it: the copy cannot go there.
+    const QFileInfo targetInfo(target);
+    if (targetInfo.exists() && targetInfo.canonicalFilePath() == templateInfo.canonicalFilePath())
+        return ExportStatus::TargetNotWritable;
+    QSaveFile file(target);
+    if (!file.open(QIODevice::WriteOnly))
+        return ExportStatus::TargetNotWritable;
+    QuaZip out(&file);
+    out.setAutoClose(false);
+    if (!out.open(QuaZip::mdCreate)) {
+        file.cancelWriting();
+        return ExportStatus::TargetNotWritable;
+    }
+
+    bool ok = true;
+    for (bool more = in.goToFirstFile(); more && ok; more = in.goToNextFile()) {
+        if (in.getCurrentFileName() == *sheetPath)
+            ok = writeSheetEntry(in, out, *sheet, fill);
+        else
+            ok = copyEntryRaw(in, out);
+    }
+    ok = ok && in.getZipError() == UNZ_OK;
+    out.close();
+    ok = ok && out.getZipError() == ZIP_OK;
+    if (!ok) {
+        file.cancelWriting();
+        return ExportStatus::WriteFailed;
+    }
+    return file.commit() ? ExportStatus::Written : ExportStatus::WriteFailed;
+}
+
+#else
+
+ExportStatus writeWorkbook(const QString&, const QString&, const SheetFill&)
+{
+    return ExportStatus::Unavailable;
+}
+
+#endif
+
+} // namespace sx::xlsx
