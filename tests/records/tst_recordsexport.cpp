@@ -460,7 +460,7 @@ void TestRecordsExport::missingOrDamagedTemplateIsNamed()
     m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
     m_w->saveRecords();
     QCOMPARE(m_fx->dialogs.messages().size(), 1);
-    const auto& box = m_fx->dialogs.messages().first();
+    const auto box = m_fx->dialogs.messages().first();
     QCOMPARE(box.icon, DialogService::Icon::Critical);
     QVERIFY2(box.text.contains(QDir::toNativeSeparators(bad)), qPrintable(box.text));
     QVERIFY2(box.text.contains(words), qPrintable(box.text));
