@@ -3,6 +3,7 @@
 #include "app/NavigationFrame.h"
 #include "app/Navigator.h"
 #include "app/Twips.h"
+#include "views/events/EventsWindow.h"
 #include "views/messages/MessagesWindow.h"
 #include "views/records/RecordsWindow.h"
 
@@ -37,10 +38,8 @@ void registerSecondaryViews(Navigator& navigator)
 {
     navigator.setFactory(ViewId::Records,
                          [](AppContext& ctx) -> ViewWindow* { return new RecordsWindow(ctx); });
-    navigator.setFactory(ViewId::Events, [](AppContext& ctx) -> ViewWindow* {
-        return new PlaceholderView(ctx, ViewId::Events, u"Αρχείο συμβάντων"_s,
-                                   {{u"Printrecords"_s, u"Εκτύπωση αρχείου συμβάντων"_s}});
-    });
+    navigator.setFactory(ViewId::Events,
+                         [](AppContext& ctx) -> ViewWindow* { return new EventsWindow(ctx); });
     navigator.setFactory(ViewId::Messages,
                          [](AppContext& ctx) -> ViewWindow* { return new MessagesWindow(ctx); });
 }

@@ -158,13 +158,6 @@ DbError readReport(AppContext& ctx, const QString& serial, report::ReportData& d
     return readFaults(0, data.unitFaults);
 }
 
-void printFailed(AppContext& ctx, QWidget* parent)
-{
-    if (ctx.dialogs)
-        ctx.dialogs->message(parent, DialogService::Icon::Critical, appTitle(),
-                             u"Η εκτύπωση της αναφοράς δεν ήταν δυνατή."_s);
-}
-
 } // namespace
 
 void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& serial)
@@ -172,12 +165,8 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
     if (!ctx.db)
         return;
     QPrinter printer(QPrinter::HighResolution);
-    printer.setPageOrientation(QPageLayout::Portrait);
-    if (!choosePrinter(ctx, parent, printer))
+    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
         return;
-    // A printer without A4 keeps its own paper; the font follows its width.
-    (void)printer.setPageSize(QPageSize(QPageSize::A4));
-    printer.setPageOrientation(QPageLayout::Portrait);
 
     if (ctx.failures)
         (void)ctx.failures->ensureConnection();
@@ -191,7 +180,7 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
 
     ReportPainter painter(printer);
     if (!painter.isActive()) {
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
         return;
     }
     printBanner(painter, kBannerMm, kBannerMm, report::titleText());
@@ -210,7 +199,7 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
     for (const report::PlacedLine& line : layout.lines) {
         if (!turnTo(line.page)) {
             printer.abort();
-            printFailed(ctx, parent);
+            reportPrintFailed(ctx, parent);
             return;
         }
         painter.setCurrentX(kBodyOriginMm);
@@ -219,12 +208,12 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
     }
     if (!turnTo(layout.endPage)) {
         printer.abort();
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
         return;
     }
     printBanner(painter, kBannerMm, layout.endY, report::endText());
     if (!painter.end())
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
 }
 
 } // namespace sx

@@ -26,13 +26,6 @@ constexpr double kContinueTopMm = 10.0;
 // The right edge of the banner frame; wrapped lines stay inside it.
 constexpr double kRightMarginMm = 10.0;
 
-void printFailed(AppContext& ctx, QWidget* parent)
-{
-    if (ctx.dialogs)
-        ctx.dialogs->message(parent, DialogService::Icon::Critical, appTitle(),
-                             u"Η εκτύπωση της αναφοράς δεν ήταν δυνατή."_s);
-}
-
 } // namespace
 
 QString messagesReportTitle(MessageKind kind)
@@ -160,25 +153,22 @@ void printMessages(AppContext& ctx, QWidget* parent, MessageKind kind,
         return;
 
     QPrinter printer(QPrinter::HighResolution);
-    printer.setPageOrientation(QPageLayout::Portrait);
-    if (!choosePrinter(ctx, parent, printer))
+    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
         return;
-    (void)printer.setPageSize(QPageSize(QPageSize::A4));
-    printer.setPageOrientation(QPageLayout::Portrait);
 
     ReportPainter painter(printer);
     if (!painter.isActive()) {
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
         return;
     }
     const QDateTime printedAt = ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime();
     if (!drawMessagesReport(painter, kind, *text, printedAt)) {
         printer.abort();
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
         return;
     }
     if (!painter.end())
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
 }
 
 } // namespace sx

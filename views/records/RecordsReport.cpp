@@ -69,13 +69,6 @@ double columnTextRight(int column, double printableWidth)
 
 namespace {
 
-void printFailed(AppContext& ctx, QWidget* parent)
-{
-    if (ctx.dialogs)
-        ctx.dialogs->message(parent, DialogService::Icon::Critical, appTitle(),
-                             u"Η εκτύπωση της αναφοράς δεν ήταν δυνατή."_s);
-}
-
 void printPageFrame(ReportPainter& painter, const QString& heading)
 {
     using namespace records_report;
@@ -104,15 +97,12 @@ void printRecordsReport(AppContext& ctx, QWidget* parent, const RecordsReportInp
 {
     using namespace records_report;
     QPrinter printer(QPrinter::HighResolution);
-    printer.setPageOrientation(QPageLayout::Portrait);
-    if (!choosePrinter(ctx, parent, printer))
+    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
         return;
-    (void)printer.setPageSize(QPageSize(QPageSize::A4));
-    printer.setPageOrientation(QPageLayout::Portrait);
 
     ReportPainter painter(printer);
     if (!painter.isActive()) {
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
         return;
     }
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
@@ -148,11 +138,11 @@ void printRecordsReport(AppContext& ctx, QWidget* parent, const RecordsReportInp
     QGuiApplication::restoreOverrideCursor();
     if (!ok) {
         printer.abort();
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
         return;
     }
     if (!painter.end())
-        printFailed(ctx, parent);
+        reportPrintFailed(ctx, parent);
 }
 
 } // namespace sx

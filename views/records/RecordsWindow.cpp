@@ -6,6 +6,7 @@
 #include "app/QueryFailureReporter.h"
 #include "app/Twips.h"
 #include "app/WaitWindow.h"
+#include "views/graph/GraphWindow.h"
 #include "views/records/RecordsModel.h"
 #include "views/records/RecordsReport.h"
 #include "views/records/XlsxExport.h"
@@ -172,6 +173,7 @@ RecordsWindow::RecordsWindow(AppContext& ctx, QWidget* parent)
     m_yearSelect->setCurrentIndex(records::yearIndexOf(today.year()));
     m_loading = false;
     setRecordCommandsEnabled(false);
+    connect(this, &RecordsWindow::graphRequested, this, [this] { openGraph(*this); });
 }
 
 RecordsWindow::~RecordsWindow() = default;

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+
+class QWidget;
+
+namespace sx {
+
+struct AppContext;
+
+// What the events report prints, read from the events window at the moment
+// of the command: the choices line and the selected rows in grid order.
+struct EventsReportInput {
+    QString choices;
+    int rowCount = 0;
+    // Texts of row i (0 = the first selected row) as the grid shows them.
+    std::function<QString(int)> dateText;
+    std::function<QString(int)> descriptionText;
+};
+
+namespace events_report {
+
+inline constexpr double kMarginMm = 10.0;
+inline constexpr double kFrameTopMm = 34.0;
+inline constexpr double kFirstLineMm = 35.0;
+inline constexpr double kPageLineTopMm = 10.5;
+
+// The texts of the controls the choices line restates.
+struct Choices {
+    QString unit;
+    QString source;
+    bool kindApplies = true; // the alarm/restoration options are enabled
+    int kind = 0;            // 0 alarms, 1 restorations, 2 both
+    QString month;
+    QString year;
+    bool newOnly = true;
+};
+
+[[nodiscard]] QString titleText();
+[[nodiscard]] QString choicesLine(const Choices& c);
+// "Σελίδα n/N".
+[[nodiscard]] QString pageLine(int page, int pages);
+// The date, a line break, the wrapped description and two line breaks.
+[[nodiscard]] QString entryText(const QString& date, const QString& wrappedDescription);
+
+// Where an entry goes: page and column (0-based) and its top in millimetres.
+struct Placement {
+    int page = 0;
+    int column = 0;
+    double y = kFirstLineMm;
+};
+struct Layout {
+    QList<Placement> entries;
+    int pages = 1;
+};
+// Entries fill the left column from y = 35, then the right one, then a new
+// page; one that would end below pageHeight - 10 moves on. An entry taller
+// than a whole column stays at the top of the column it starts and runs past.
+[[nodiscard]] Layout layoutEntries(const QList<double>& heights, double pageHeight);
+
+[[nodiscard]] double columnTextLeft(int column, double pageWidth);
+[[nodiscard]] double columnTextWidth(double pageWidth);
+
+} // namespace events_report
+
+// "Εκτύπωση αρχείου συμβάντων": the printer dialog, then the report.
+// Cancelling prints nothing.
+void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in);
+
+} // namespace sx

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "views/graph/GraphPainting.h"
+
+#include <QList>
+#include <QRect>
+#include <QSizeF>
+#include <QString>
+
+#include <vector>
+
+class QPainter;
+class QWidget;
+
+namespace sx {
+
+struct AppContext;
+
+namespace graph {
+
+// The printed chart: the three pictures where the window shows them (any
+// common origin) and the details block below the time labels.
+struct ChartPrintInput {
+    ChartData data;
+    std::vector<RecordPoint> markers; // marker k is markers[k - 1]
+    QRect unitRect;
+    QRect chartRect;
+    QRect timeRect;
+    QList<DetailLine> details;
+};
+
+// Paints the chart page into a printable area of `printable` device units,
+// scaled to fit; returns the scale used.
+double paintChartPage(QPainter& p, QSizeF printable, const ChartPrintInput& in);
+
+// Landscape, through the printer dialog; cancelling prints nothing.
+void printChartPage(AppContext& ctx, QWidget* parent, const ChartPrintInput& in);
+
+namespace marked_points {
+
+inline constexpr double kMarginMm = 10.0;
+inline constexpr double kPageLineTopMm = 10.5;
+
+[[nodiscard]] QString titleText();
+[[nodiscard]] QString headingText(const QString& unitText, const QString& zoneText);
+[[nodiscard]] QString timeLine(int k, const QString& timeText);
+[[nodiscard]] QString valueLine(int k, const QString& valueText);
+// "Σελίδα n/N".
+[[nodiscard]] QString pageLine(int page, int pages);
+
+struct Placement {
+    int page = 0;
+    double y = 0.0;
+};
+struct Plan {
+    std::vector<Placement> entries;
+    int pages = 1;
+};
+// Entries of entryLines[i] lines each, one empty line between them, from
+// firstY down to bottomY on every page; an entry that does not fit goes to
+// the next page whole (alone on a page, it is printed anyway).
+[[nodiscard]] Plan layoutEntries(const std::vector<int>& entryLines, double firstY,
+                                 double lineHeight, double bottomY);
+
+} // namespace marked_points
+
+struct MarkedPointsInput {
+    QString unitText;
+    QString zoneText;
+    std::vector<QString> timeTexts;  // marker k's time is timeTexts[k - 1]
+    std::vector<QString> valueTexts; // value and unit
+};
+
+// "Μαρκαρισμένα σημεία": the printer dialog, then the list on A4 portrait.
+void printMarkedPoints(AppContext& ctx, QWidget* parent, const MarkedPointsInput& in);
+
+} // namespace graph
+} // namespace sx
