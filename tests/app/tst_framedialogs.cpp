@@ -60,7 +60,6 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("action");
         QTest::addColumn<std::optional<QString>>("expected");
-        QTest::newRow("OK") << u"0815"_s << u"OK"_s << std::optional<QString>(u"0815"_s);
         QTest::newRow("OK, blanks kept")
             << u" 12 "_s << u"OK"_s << std::optional<QString>(u" 12 "_s);
         QTest::newRow("OK, empty") << u""_s << u"OK"_s << std::optional<QString>(u""_s);
@@ -101,63 +100,30 @@ private slots:
         QCOMPARE(mask, QChar(u'*'));
     }
 
-    void selectionLayout_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QRect>("twipsRect");
-        QTest::addColumn<double>("points");
-        QTest::newRow("Label1") << u"Label1"_s << QRect(120, 120, 6975, 735) << 9.75;
-        QTest::newRow("Selcombo") << u"Selcombo"_s << QRect(188, 1080, 6855, 390) << 11.25;
-        QTest::newRow("Selcombo2") << u"Selcombo2"_s << QRect(188, 1500, 6855, 390) << 11.25;
-        QTest::newRow("cmdOK") << u"cmdOK"_s << QRect(1965, 2160, 1140, 390) << 9.75;
-        QTest::newRow("cmdCancel") << u"cmdCancel"_s << QRect(4125, 2160, 1140, 390) << 9.75;
-    }
-    void selectionLayout()
-    {
-        QFETCH(QString, name);
-        QFETCH(QRect, twipsRect);
-        QFETCH(double, points);
-        SelectionDialog d(u"Επιλογή"_s, u"Διαλέξτε"_s, {u"α"_s}, {u"β"_s});
-        QWidget* w = d.findChild<QWidget*>(name);
-        QVERIFY(w);
-        const double px = w->logicalDpiX() / 1440.0;
-        const QRect expected(qRound(twipsRect.x() * px), qRound(twipsRect.y() * px),
-                             qRound(twipsRect.width() * px), qRound(twipsRect.height() * px));
-        QCOMPARE(w->geometry(), expected);
-        QVERIFY(d.rect().contains(w->geometry()));
-        QCOMPARE(w->font().pointSizeF(), points);
-        QVERIFY(w->font().bold());
-    }
-
     void selection_data()
     {
-        QTest::addColumn<QStringList>("first");
-        QTest::addColumn<QStringList>("second");
-        QTest::addColumn<int>("pickFirst");
+        QTest::addColumn<QStringList>("second"); // empty: one list only
+        QTest::addColumn<int>("pickFirst");      // -1: left at the first entry
         QTest::addColumn<int>("pickSecond");
         QTest::addColumn<QString>("button");
-        QTest::addColumn<bool>("secondVisible");
         QTest::addColumn<int>("resultFirst"); // -2: cancelled
         QTest::addColumn<int>("resultSecond");
-        const QStringList three{u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΑΥΤΟΜΑΤΗ"_s};
         const QStringList hours{u"0"_s, u"1"_s, u"2"_s};
-        QTest::newRow("one list") << three << QStringList{} << 2 << -1 << u"OK"_s << false << 2
-                                  << -1;
-        QTest::newRow("two lists") << three << hours << 1 << 2 << u"OK"_s << true << 1 << 2;
-        QTest::newRow("first entry untouched")
-            << three << hours << -1 << -1 << u"OK"_s << true << 0 << 0;
-        QTest::newRow("cancelled") << three << hours << 1 << 2 << u"Άκυρο"_s << true << -2 << -2;
+        QTest::newRow("one list") << QStringList{} << 2 << -1 << u"OK"_s << 2 << -1;
+        QTest::newRow("two lists") << hours << 1 << 2 << u"OK"_s << 1 << 2;
+        QTest::newRow("first entry untouched") << hours << -1 << -1 << u"OK"_s << 0 << 0;
+        QTest::newRow("cancelled") << hours << 1 << 2 << u"Άκυρο"_s << -2 << -2;
     }
     void selection()
     {
-        QFETCH(QStringList, first);
         QFETCH(QStringList, second);
         QFETCH(int, pickFirst);
         QFETCH(int, pickSecond);
         QFETCH(QString, button);
-        QFETCH(bool, secondVisible);
         QFETCH(int, resultFirst);
         QFETCH(int, resultSecond);
+        const QStringList first{u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΑΥΤΟΜΑΤΗ"_s};
+        const bool secondVisible = !second.isEmpty();
         bool visible = !secondVisible;
         QString caption;
         QString label;
@@ -217,8 +183,6 @@ private slots:
         using A = DialogService::Answer;
         QTest::newRow("OK") << B::Ok << QStringList{u"OK"_s} << u"OK"_s << A::Ok;
         QTest::newRow("OK by Escape") << B::Ok << QStringList{u"OK"_s} << u"escape"_s << A::Ok;
-        QTest::newRow("OK of OK/Άκυρο")
-            << B::OkCancel << QStringList{u"OK"_s, u"Άκυρο"_s} << u"OK"_s << A::Ok;
         QTest::newRow("Άκυρο") << B::OkCancel << QStringList{u"OK"_s, u"Άκυρο"_s} << u"Άκυρο"_s
                                << A::Cancel;
         QTest::newRow("Escape is Άκυρο")

@@ -11,6 +11,7 @@
 #include <QComboBox>
 #include <QEventLoop>
 #include <QFile>
+#include <QHash>
 #include <QLockFile>
 #include <QStandardPaths>
 #include <QSysInfo>
@@ -174,51 +175,34 @@ private slots:
         QTest::addColumn<QStringList>("script");
         QTest::addColumn<QStringList>("expected");
         QTest::addColumn<int>("exitCode"); // -1: the console runs
-        QTest::addColumn<QString>("initAfter");
-        QTest::addColumn<int>("terminated");
-
         // Script: Ok/Cancel/Yes/No answer boxes, accept/refuse the settings
         // dialog (accept points the settings at the row's database), code=X.
-        QTest::newRow("first run accepted")
-            << u"-"_s << u"scratch"_s << QStringList{u"accept"_s}
-            << QStringList{u"welcome"_s, u"settings"_s} << -1 << u"1"_s << 0;
-        QTest::newRow("first run refused")
-            << u"0"_s << u"scratch"_s << QStringList{u"refuse"_s, u"Cancel"_s}
-            << QStringList{u"welcome"_s, u"settings"_s, u"setup refused"_s} << kExitNormal << u"0"_s
-            << 0;
-        QTest::newRow("refused, OK, accepted")
-            << u"0"_s << u"scratch"_s << QStringList{u"refuse"_s, u"Ok"_s, u"accept"_s}
-            << QStringList{u"welcome"_s, u"settings"_s, u"setup refused"_s, u"settings"_s} << -1
-            << u"1"_s << 0;
-        QTest::newRow("refused twice, then gave up")
-            << u"0"_s << u"scratch"_s << QStringList{u"refuse"_s, u"Ok"_s, u"refuse"_s, u"Cancel"_s}
-            << QStringList{u"welcome"_s, u"settings"_s, u"setup refused"_s, u"settings"_s,
-                           u"setup refused"_s}
-            << kExitNormal << u"0"_s << 0;
-        QTest::newRow("missing file, No")
-            << u"1"_s << u"missing"_s << QStringList{u"No"_s} << QStringList{u"explain unknown"_s}
-            << kExitNoConnection << u"1"_s << 1;
-        QTest::newRow("missing file, Yes, wrong code")
-            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code=9999"_s}
-            << QStringList{u"explain unknown"_s, u"code"_s, u"wrong code"_s, u"press ok"_s}
-            << kExitNoConnection << u"1"_s << 1;
-        QTest::newRow("missing file, Yes, prompt cancelled")
-            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code"_s}
-            << QStringList{u"explain unknown"_s, u"code"_s, u"press ok"_s} << kExitNoConnection
-            << u"1"_s << 1;
-        QTest::newRow("missing file, Yes, settings cancelled")
-            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code=1234"_s, u"refuse"_s}
-            << QStringList{u"explain unknown"_s, u"code"_s, u"settings"_s, u"press ok"_s}
-            << kExitNoConnection << u"1"_s << 1;
-        QTest::newRow("missing file, Yes, settings changed")
-            << u"1"_s << u"missing"_s << QStringList{u"Yes"_s, u"code=1234"_s, u"accept"_s}
-            << QStringList{u"explain unknown"_s, u"code"_s, u"settings"_s, u"changed"_s}
-            << kExitNoConnection << u"1"_s << 1;
-        QTest::newRow("refused port, No")
-            << u"1"_s << u"refused"_s << QStringList{u"No"_s}
-            << QStringList{u"explain unreachable"_s} << kExitNoConnection << u"1"_s << 1;
-        QTest::newRow("working database")
-            << u"1"_s << u"scratch"_s << QStringList{} << QStringList{} << -1 << u"1"_s << 0;
+        const auto row = [](const char* name, const QString& init, const QString& database,
+                            const QString& script, const QString& expected, int exitCode) {
+            QTest::newRow(name) << init << database << script.split(u' ', Qt::SkipEmptyParts)
+                                << expected.split(u'|', Qt::SkipEmptyParts) << exitCode;
+        };
+        const QString scratch = u"scratch"_s;
+        const QString missing = u"missing"_s;
+        row("first run accepted", u"-"_s, scratch, u"accept"_s, u"welcome|settings"_s, -1);
+        row("first run refused", u"0"_s, scratch, u"refuse Cancel"_s,
+            u"welcome|settings|setup refused"_s, kExitNormal);
+        row("refused, OK, accepted", u"0"_s, scratch, u"refuse Ok accept"_s,
+            u"welcome|settings|setup refused|settings"_s, -1);
+        row("refused twice, then gave up", u"0"_s, scratch, u"refuse Ok refuse Cancel"_s,
+            u"welcome|settings|setup refused|settings|setup refused"_s, kExitNormal);
+        row("missing file, No", u"1"_s, missing, u"No"_s, u"explain unknown"_s, kExitNoConnection);
+        row("missing file, Yes, wrong code", u"1"_s, missing, u"Yes code=9999"_s,
+            u"explain unknown|code|wrong code|press ok"_s, kExitNoConnection);
+        row("missing file, Yes, prompt cancelled", u"1"_s, missing, u"Yes code"_s,
+            u"explain unknown|code|press ok"_s, kExitNoConnection);
+        row("missing file, Yes, settings cancelled", u"1"_s, missing, u"Yes code=1234 refuse"_s,
+            u"explain unknown|code|settings|press ok"_s, kExitNoConnection);
+        row("missing file, Yes, settings changed", u"1"_s, missing, u"Yes code=1234 accept"_s,
+            u"explain unknown|code|settings|changed"_s, kExitNoConnection);
+        row("refused port, No", u"1"_s, u"refused"_s, u"No"_s, u"explain unreachable"_s,
+            kExitNoConnection);
+        row("working database", u"1"_s, scratch, {}, {}, -1);
     }
     void startupPaths()
     {
@@ -227,8 +211,10 @@ private slots:
         QFETCH(QStringList, script);
         QFETCH(QStringList, expected);
         QFETCH(int, exitCode);
-        QFETCH(QString, initAfter);
-        QFETCH(int, terminated);
+        const bool connected = exitCode == -1;
+        // Init is set once the settings were accepted; a failed connection ends via terminate.
+        const QString initAfter = connected || init == u"1" ? u"1"_s : u"0"_s;
+        const int terminated = exitCode == kExitNoConnection ? 1 : 0;
 
         GuiFixture f;
         SX_REQUIRE_DB(f.scratch);
@@ -252,14 +238,12 @@ private slots:
 
         QStringList valuesWhenAsked;
         for (const QString& step : script) {
-            if (step == u"Ok")
-                f.dialogs.answerMessage(Answer::Ok);
-            else if (step == u"Cancel")
-                f.dialogs.answerMessage(Answer::Cancel);
-            else if (step == u"Yes")
-                f.dialogs.answerMessage(Answer::Yes);
-            else if (step == u"No")
-                f.dialogs.answerMessage(Answer::No);
+            const QHash<QString, Answer> answers{{u"Ok"_s, Answer::Ok},
+                                                 {u"Cancel"_s, Answer::Cancel},
+                                                 {u"Yes"_s, Answer::Yes},
+                                                 {u"No"_s, Answer::No}};
+            if (answers.contains(step))
+                f.dialogs.answerMessage(answers[step]);
             else if (step == u"code")
                 f.dialogs.answerCode(std::nullopt);
             else if (step.startsWith(u"code="))
@@ -310,7 +294,6 @@ private slots:
             // The first run wrote its blank settings before the dialog.
             QCOMPARE(valuesWhenAsked, (QStringList{{}, u"0"_s, {}, {}, {}, {}}));
         }
-        const bool connected = exitCode == -1;
         if (connected || exitCode == kExitNoConnection) {
             QVERIFY(waitVisible);
             QCOMPARE(waitShown, connected ? working.waitMessage : target.waitMessage);
@@ -337,7 +320,7 @@ private slots:
         QCOMPARE(main->serials, QStringList{u"S1"_s});
     }
 
-    void noUnitInUseOpensAnEmptyListWithoutSelecting()
+    void noUnitInUseOpensAnEmptyListAndTheLockIsFreedAtTheEnd()
     {
         GuiFixture f;
         SX_REQUIRE_DB(f.scratch);
@@ -347,19 +330,25 @@ private slots:
         store(*f.settings, f.scratch.settings(), u"1234"_s);
         f.settings->setApp(u"Init"_s, u"1"_s);
         f.ctx.systemSerials = {u"kept"_s};
-
-        ProbeMain* main = nullptr;
-        Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
-            main = new ProbeMain(ctx);
-            return main;
-        });
-        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
-        QCOMPARE(startup.run(), std::optional<int>());
-        QVERIFY(main && main->isVisible());
-        QCOMPARE(main->systemSelect()->count(), 0);
-        QVERIFY(main->selected.isEmpty());
-        QCOMPARE(f.ctx.systemSerials, QStringList{u"kept"_s});
-        QVERIFY(f.dialogs.shown().isEmpty());
+        const QString path = f.scratch.folder() + u"/console.lock"_s;
+        {
+            ProbeMain* main = nullptr;
+            Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
+                main = new ProbeMain(ctx);
+                return main;
+            });
+            startup.setLockFile(path);
+            QCOMPARE(startup.run(), std::optional<int>());
+            QVERIFY(main && main->isVisible());
+            QCOMPARE(main->systemSelect()->count(), 0);
+            QVERIFY(main->selected.isEmpty());
+            QCOMPARE(f.ctx.systemSerials, QStringList{u"kept"_s});
+            QVERIFY(f.dialogs.shown().isEmpty());
+            QLockFile other(path);
+            QVERIFY(!other.tryLock(0));
+        }
+        QLockFile after(path);
+        QVERIFY(after.tryLock(0));
     }
 
     void secondCopy_data()
@@ -419,25 +408,6 @@ private slots:
         QVERIFY(!startup.mainWindow());
     }
 
-    void lockIsFreedWhenTheConsoleEnds()
-    {
-        GuiFixture f;
-        SX_REQUIRE_DB(f.scratch);
-        const QString path = f.scratch.folder() + u"/console.lock"_s;
-        store(*f.settings, f.scratch.settings(), u"1234"_s);
-        f.settings->setApp(u"Init"_s, u"1"_s);
-        {
-            Startup startup(f.ctx,
-                            [](AppContext& ctx) -> ViewWindow* { return new ProbeMain(ctx); });
-            startup.setLockFile(path);
-            QVERIFY(!startup.run());
-            QLockFile other(path);
-            QVERIFY(!other.tryLock(0));
-        }
-        QLockFile after(path);
-        QVERIFY(after.tryLock(0));
-    }
-
     void shutdownLeavesEveryLoopWithoutAskingWindows()
     {
         GuiFixture f;
@@ -463,36 +433,26 @@ private slots:
         QVERIFY(f.dialogs.shown().isEmpty());
     }
 
-    void waitMessage_data()
-    {
-        QTest::addColumn<int>("dbType");
-        QTest::addColumn<QString>("ip");
-        QTest::addColumn<QString>("port");
-        QTest::addColumn<QString>("expected");
-        const QString server = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\n"_s;
-        QTest::newRow("Access") << 0 << u"10.0.0.1"_s << u"1521"_s << kFileWait;
-        QTest::newRow("SQLite") << 2 << u"10.0.0.1"_s << u"1521"_s << kFileWait;
-        QTest::newRow("Oracle by address")
-            << 1 << u"10.0.0.1"_s << u"1521"_s << server + u"IP:10.0.0.1  PORT:1521"_s;
-        QTest::newRow("Oracle by name, stored port shown")
-            << 1 << u""_s << u"1521"_s << server + u"IP:  PORT:1521"_s;
-        QTest::newRow("Oracle, nothing stored") << 1 << u""_s << u""_s << server + u"IP:  PORT:"_s;
-        QTest::newRow("unknown number is Oracle")
-            << 7 << u"h"_s << u"p"_s << server + u"IP:h  PORT:p"_s;
-        QTest::newRow("PostgreSQL on this computer")
-            << 3 << u""_s << u""_s << server + u"IP:  PORT:"_s;
-    }
     void waitMessage()
     {
-        QFETCH(int, dbType);
-        QFETCH(QString, ip);
-        QFETCH(QString, port);
-        QFETCH(QString, expected);
-        ConnectionSettings s;
-        s.kind = dbKindFromSetting(dbType);
-        s.serverIp = ip;
-        s.serverPort = port;
-        QCOMPARE(waitMessageFor(s), expected);
+        const QString server = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\n"_s;
+        const struct {
+            int dbType;
+            QString ip, port, expected;
+        } cases[] = {
+            {2, u"10.0.0.1"_s, u"1521"_s, kFileWait}, // a file: no address shown
+            {1, u"10.0.0.1"_s, u"1521"_s, server + u"IP:10.0.0.1  PORT:1521"_s},
+            {1, {}, {}, server + u"IP:  PORT:"_s},
+            {7, u"h"_s, u"p"_s, server + u"IP:h  PORT:p"_s}, // an unknown number is Oracle
+            {3, {}, {}, server + u"IP:  PORT:"_s},           // PostgreSQL on this computer
+        };
+        for (const auto& c : cases) {
+            ConnectionSettings s;
+            s.kind = dbKindFromSetting(c.dbType);
+            s.serverIp = c.ip;
+            s.serverPort = c.port;
+            QCOMPARE(waitMessageFor(s), c.expected);
+        }
     }
 
     void storedDbTypeThatIsNoNumberCountsAsAccess_data()

@@ -28,33 +28,30 @@ private slots:
         QTest::addColumn<std::optional<QString>>("model");
         QTest::addColumn<std::optional<QString>>("softver");
         QTest::addColumn<bool>("extended");
-
-        QTest::newRow("1A at 1.15") << opt(u"SENTORAX-1A") << opt(u"1.15") << true;
-        QTest::newRow("1A at 1.14") << opt(u"SENTORAX-1A") << opt(u"1.14") << false;
-        QTest::newRow("1B at 1.22") << opt(u"SENTORAX-1B") << opt(u"1.22") << true;
-        // 1.5 is 15, not 150.
-        QTest::newRow("1B at 1.5") << opt(u"SENTORAX-1B") << opt(u"1.5") << false;
-        QTest::newRow("1A at 2.0 is 20") << opt(u"SENTORAX-1A") << opt(u"2.0") << false;
-        QTest::newRow("1A at 1.225 is 122") << opt(u"SENTORAX-1A") << opt(u"1.225") << true;
-        QTest::newRow("1A at 11.5 is 115") << opt(u"SENTORAX-1A") << opt(u"11.5") << true;
-        QTest::newRow("1A unreadable minor") << opt(u"SENTORAX-1A") << opt(u"1.x5") << false;
-        QTest::newRow("1C at 0.1") << opt(u"SENTORAX-1C") << opt(u"0.1") << true;
+        const auto row = [](const char* name, const char16_t* model, const char16_t* ver, bool e) {
+            QTest::newRow(name) << opt(model) << opt(ver) << e;
+        };
+        row("1A at 1.15", u"SENTORAX-1A", u"1.15", true);
+        row("1A at 1.14", u"SENTORAX-1A", u"1.14", false);
+        row("1B at 1.22", u"SENTORAX-1B", u"1.22", true);
+        row("1B at 1.5 is 15, not 150", u"SENTORAX-1B", u"1.5", false);
+        row("1A at 2.0 is 20", u"SENTORAX-1A", u"2.0", false);
+        row("1A at 1.225 is 122", u"SENTORAX-1A", u"1.225", true);
+        row("1A at 11.5 is 115", u"SENTORAX-1A", u"11.5", true);
+        row("1A unreadable minor", u"SENTORAX-1A", u"1.x5", false);
+        row("1C at 0.1", u"SENTORAX-1C", u"0.1", true);
         for (const char16_t* m : {u"SENTORAX-1D", u"SENTORAX-1E", u"SENTORAX-1F", u"SENTORAX-1G",
                                   u"SENTORAX-2D", u"SENTORAX-2E", u"SENTORAX-2F"})
             QTest::addRow("%s", QString::fromUtf16(m).toUtf8().constData())
                 << opt(m) << opt(u"1.00") << true;
-        QTest::newRow("2B never") << opt(u"SENTORAX-2B") << opt(u"9.99") << false;
-        QTest::newRow("2A never") << opt(u"SENTORAX-2A") << opt(u"1.22") << false;
-        QTest::newRow("contained in a longer text")
-            << opt(u"Μονάδα SENTORAX-1D rev2") << opt(u"1.00") << true;
-        QTest::newRow("case counts") << opt(u"sentorax-1c") << opt(u"1.22") << false;
-        QTest::newRow("1A contained, 1.15") << opt(u"XSENTORAX-1AX") << opt(u"1.15") << true;
-        QTest::newRow("missing model") << std::optional<QString>() << opt(u"1.22") << false;
-        QTest::newRow("empty model") << opt(u"") << opt(u"1.22") << false;
-        QTest::newRow("version without point, 1C") << opt(u"SENTORAX-1C") << opt(u"2") << false;
-        QTest::newRow("version without point, 1A") << opt(u"SENTORAX-1A") << opt(u"122") << false;
-        QTest::newRow("missing version")
-            << opt(u"SENTORAX-2F") << std::optional<QString>() << false;
+        row("2B never", u"SENTORAX-2B", u"9.99", false);
+        row("2A never", u"SENTORAX-2A", u"1.22", false);
+        row("contained in a longer text", u"Μονάδα SENTORAX-1D rev2", u"1.00", true);
+        row("1A contained, 1.15", u"XSENTORAX-1AX", u"1.15", true);
+        row("case counts", u"sentorax-1c", u"1.22", false);
+        row("missing model", nullptr, u"1.22", false);
+        row("version without point", u"SENTORAX-1C", u"2", false);
+        row("missing version", u"SENTORAX-2F", nullptr, false);
     }
 
     void extendedUnit()
@@ -65,28 +62,29 @@ private slots:
         QCOMPARE(isExtendedUnit(model, softver), extended);
     }
 
+    // The notice texts are checked end to end in tst_unitcommands.
     void code_data()
     {
         QTest::addColumn<std::optional<QString>>("typed");
         QTest::addColumn<CodeCheck>("check");
-
-        QTest::newRow("cancelled") << std::optional<QString>() << CodeCheck::Cancelled;
-        QTest::newRow("empty") << opt(u"") << CodeCheck::Cancelled;
-        QTest::newRow("3 digits") << opt(u"123") << CodeCheck::BadLength;
-        QTest::newRow("9 digits") << opt(u"123456789") << CodeCheck::BadLength;
-        QTest::newRow("4 digits") << opt(u"1234") << CodeCheck::Accepted;
-        QTest::newRow("8 digits") << opt(u"12345678") << CodeCheck::Accepted;
-        QTest::newRow("leading zeros") << opt(u"0042") << CodeCheck::Accepted;
-        QTest::newRow("letter") << opt(u"12a4") << CodeCheck::NotDigits;
-        // The characters are looked at before the length.
-        QTest::newRow("short with letter") << opt(u"1a") << CodeCheck::NotDigits;
-        QTest::newRow("blank") << opt(u" 1234") << CodeCheck::NotDigits;
-        QTest::newRow("sign") << opt(u"-1234") << CodeCheck::NotDigits;
-        QTest::newRow("point") << opt(u"12.34") << CodeCheck::NotDigits;
-        QTest::newRow("arabic-indic digits")
-            << opt(u"\u0661\u0662\u0663\u0664") << CodeCheck::NotDigits;
-        QTest::newRow("fullwidth digits")
-            << opt(u"\uFF11\uFF12\uFF13\uFF14") << CodeCheck::NotDigits;
+        const auto row = [](const char16_t* typed, CodeCheck c) {
+            QTest::addRow("%s",
+                          typed ? QString::fromUtf16(typed).toUtf8().constData() : "cancelled")
+                << opt(typed) << c;
+        };
+        row(nullptr, CodeCheck::Cancelled);
+        row(u"", CodeCheck::Cancelled);
+        row(u"123", CodeCheck::BadLength);
+        row(u"123456789", CodeCheck::BadLength);
+        row(u"1234", CodeCheck::Accepted);
+        row(u"12345678", CodeCheck::Accepted);
+        row(u"0042", CodeCheck::Accepted);
+        row(u"12a4", CodeCheck::NotDigits);
+        row(u"1a", CodeCheck::NotDigits); // the characters are looked at before the length
+        row(u" 1234", CodeCheck::NotDigits);
+        row(u"-1234", CodeCheck::NotDigits);
+        row(u"\u0661\u0662\u0663\u0664", CodeCheck::NotDigits);
+        row(u"\uFF11\uFF12\uFF13\uFF14", CodeCheck::NotDigits);
     }
 
     void code()
@@ -94,40 +92,31 @@ private slots:
         QFETCH(std::optional<QString>, typed);
         QFETCH(CodeCheck, check);
         QCOMPARE(checkCode(typed), check);
-    }
-
-    void codeNotices()
-    {
-        QCOMPARE(
-            codeNotice(CodeCheck::NotDigits),
-            (Notice{Icon::Exclamation, u"Ο κωδικός πρέπει να αποτελείται μόνο απο αριθμούς"_s}));
-        QCOMPARE(
-            codeNotice(CodeCheck::BadLength),
-            (Notice{Icon::Exclamation, u"Ο κωδικός πρέπει να έχει μήκος απο 4 εώς 8 νούμερα"_s}));
-        QVERIFY(!codeNotice(CodeCheck::Cancelled));
-        QVERIFY(!codeNotice(CodeCheck::Accepted));
+        if (check == CodeCheck::Cancelled || check == CodeCheck::Accepted)
+            QVERIFY(!codeNotice(check));
     }
 
     void delay_data()
     {
         QTest::addColumn<std::optional<QString>>("typed");
         QTest::addColumn<DelayCheck>("check");
-
-        QTest::newRow("default 1") << opt(u"1") << DelayCheck::Accepted;
-        QTest::newRow("0") << opt(u"0") << DelayCheck::Accepted;
-        QTest::newRow("24") << opt(u"24") << DelayCheck::Accepted;
-        QTest::newRow("024 kept") << opt(u"024") << DelayCheck::Accepted;
-        QTest::newRow("25") << opt(u"25") << DelayCheck::OutOfRange;
-        QTest::newRow("100") << opt(u"100") << DelayCheck::OutOfRange;
-        QTest::newRow("empty") << opt(u"") << DelayCheck::OutOfRange;
-        QTest::newRow("cancelled") << std::optional<QString>() << DelayCheck::OutOfRange;
-        QTest::newRow("overflowing digits")
-            << opt(u"99999999999999999999999") << DelayCheck::OutOfRange;
-        QTest::newRow("1.5") << opt(u"1.5") << DelayCheck::NotDigits;
-        QTest::newRow("1,5") << opt(u"1,5") << DelayCheck::NotDigits;
-        QTest::newRow("-1") << opt(u"-1") << DelayCheck::NotDigits;
-        QTest::newRow("blank") << opt(u" 1") << DelayCheck::NotDigits;
-        QTest::newRow("letters and too big") << opt(u"99h") << DelayCheck::NotDigits;
+        const auto row = [](const char16_t* typed, DelayCheck c) {
+            QTest::addRow("%s",
+                          typed ? QString::fromUtf16(typed).toUtf8().constData() : "cancelled")
+                << opt(typed) << c;
+        };
+        row(u"0", DelayCheck::Accepted);
+        row(u"24", DelayCheck::Accepted);
+        row(u"024", DelayCheck::Accepted);
+        row(u"25", DelayCheck::OutOfRange);
+        row(u"", DelayCheck::OutOfRange);
+        row(nullptr, DelayCheck::OutOfRange);
+        row(u"99999999999999999999999", DelayCheck::OutOfRange);
+        row(u"1.5", DelayCheck::NotDigits);
+        row(u"1,5", DelayCheck::NotDigits);
+        row(u"-1", DelayCheck::NotDigits);
+        row(u" 1", DelayCheck::NotDigits);
+        row(u"99h", DelayCheck::NotDigits); // letters win over the range
     }
 
     void delay()
@@ -135,60 +124,18 @@ private slots:
         QFETCH(std::optional<QString>, typed);
         QFETCH(DelayCheck, check);
         QCOMPARE(checkDelay(typed), check);
+        if (check == DelayCheck::Accepted)
+            QVERIFY(!delayNotice(check));
     }
 
-    void delayNotices()
-    {
-        QCOMPARE(delayNotice(DelayCheck::NotDigits),
-                 (Notice{Icon::Exclamation, u"ΛΑΘΟΣ ΕΠΙΛΟΓΗ"_s}));
-        QCOMPARE(delayNotice(DelayCheck::OutOfRange),
-                 (Notice{Icon::Exclamation, u"Η καθυστέρηση τηλεφωνικής ειδοποίησης πρέπει να "
-                                            u"είναι μεταξύ 0 και 24 ΩΡΕΣ"_s}));
-        QVERIFY(!delayNotice(DelayCheck::Accepted));
-    }
-
-    void reply_data()
-    {
-        QTest::addColumn<int>("reply");
-        QTest::addColumn<bool>("shown");
-        QTest::addColumn<int>("icon");
-        QTest::addColumn<QString>("text");
-
-        const QString unavailable = u"Η συγκεκριμένη λειτουργία δέν είναι διαθέσιμη στο σύστημα"_s;
-        QTest::newRow("0") << 0 << false << 0 << QString();
-        QTest::newRow("1 done") << 1 << false << 0 << QString();
-        QTest::newRow("2") << 2 << true << int(Icon::Critical) << u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ"_s;
-        QTest::newRow("3") << 3 << true << int(Icon::Critical)
-                           << u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s;
-        QTest::newRow("4") << 4 << true << int(Icon::Exclamation)
-                           << u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s;
-        QTest::newRow("5") << 5 << true << int(Icon::Exclamation) << unavailable;
-        QTest::newRow("6 as 5") << 6 << true << int(Icon::Exclamation) << unavailable;
-        QTest::newRow("7") << 7 << false << 0 << QString();
-        QTest::newRow("-1") << -1 << false << 0 << QString();
-        QTest::newRow("255") << 255 << false << 0 << QString();
-    }
-
+    // Replies 2, 3, 4 and 6 are checked end to end in tst_unitcommands.
     void reply()
     {
-        QFETCH(int, reply);
-        QFETCH(bool, shown);
-        QFETCH(int, icon);
-        QFETCH(QString, text);
-        const auto notice = replyNotice(reply);
-        QCOMPARE(notice.has_value(), shown);
-        if (shown)
-            QCOMPARE(*notice, (Notice{Icon(icon), text}));
-    }
-
-    void timeoutText()
-    {
-        const Notice n = timeoutNotice();
-        QCOMPARE(n.icon, Icon::Critical);
-        QCOMPARE(n.text.split(u"\r\n"_s),
-                 (QStringList{u"Η εκτέλεση της εντολής είναι αδύνατη."_s,
-                              u"Βεβαιωθείτε ότι η εφαρμογή SENTORAX Server βρίσκεται σε "
-                              u"λειτουργία και είναι συνδεδεμένη"_s}));
+        for (int silent : {0, 1, 7, -1, 255})
+            QVERIFY2(!replyNotice(silent), qPrintable(QString::number(silent)));
+        QCOMPARE(replyNotice(5),
+                 (Notice{Icon::Exclamation,
+                         u"Η συγκεκριμένη λειτουργία δέν είναι διαθέσιμη στο σύστημα"_s}));
     }
 
     void timeout_data()
@@ -217,72 +164,39 @@ private slots:
         QCOMPARE(requestTimedOut(w, n), timedOut);
     }
 
-    void attributes_data()
-    {
-        QTest::addColumn<QString>("built");
-        QTest::addColumn<QString>("expected");
-
-        QTest::newRow("extended, automatic")
-            << notificationAttributes(u"1234"_s, 2, true, u"7"_s) << u"1234;2"_s;
-        QTest::newRow("extended, disabled")
-            << notificationAttributes(u"1234"_s, 0, true, {}) << u"1234;0"_s;
-        QTest::newRow("other, enabled, delay as typed")
-            << notificationAttributes(u"0042"_s, 1, false, u"024"_s) << u"0042;1;024"_s;
-        QTest::newRow("other, disabled sends 0 hours")
-            << notificationAttributes(u"0042"_s, 0, false, u"5"_s) << u"0042;0;0"_s;
-        QTest::newRow("relay shown on")
-            << relayAttributes(u"0042"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s) << u"0042;0"_s;
-        QTest::newRow("relay shown off")
-            << relayAttributes(u"0042"_s, u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s) << u"0042;1"_s;
-        QTest::newRow("relay caption empty") << relayAttributes(u"1234"_s, {}) << u"1234;1"_s;
-        QTest::newRow("relay caption feminine")
-            << relayAttributes(u"1234"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s) << u"1234;1"_s;
-        QTest::newRow("bypass") << bypassAttributes(u"12345678"_s, 17, 1) << u"12345678;17;1"_s;
-        QTest::newRow("back in service") << bypassAttributes(u"1234"_s, 3, 0) << u"1234;3;0"_s;
-    }
-
     void attributes()
     {
-        QFETCH(QString, built);
-        QFETCH(QString, expected);
-        QCOMPARE(built, expected);
+        QCOMPARE(notificationAttributes(u"1234"_s, 2, true, u"7"_s), u"1234;2"_s);
+        QCOMPARE(notificationAttributes(u"1234"_s, 0, true, {}), u"1234;0"_s);
+        QCOMPARE(notificationAttributes(u"0042"_s, 1, false, u"024"_s), u"0042;1;024"_s);
+        QCOMPARE(notificationAttributes(u"0042"_s, 0, false, u"5"_s), u"0042;0;0"_s);
+        // Only the exact masculine "on" caption switches the relay off.
+        QCOMPARE(relayAttributes(u"0042"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s), u"0042;0"_s);
+        QCOMPARE(relayAttributes(u"0042"_s, u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s), u"0042;1"_s);
+        QCOMPARE(relayAttributes(u"1234"_s, {}), u"1234;1"_s);
+        QCOMPARE(relayAttributes(u"1234"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s), u"1234;1"_s);
+        QCOMPARE(bypassAttributes(u"12345678"_s, 17, 1), u"12345678;17;1"_s);
+        QCOMPARE(bypassAttributes(u"1234"_s, 3, 0), u"1234;3;0"_s);
     }
 
-    void choices()
+    void choicesAndLabels()
     {
-        const QList<Choice> three = notificationChoices(true);
-        QCOMPARE(choiceTexts(three),
-                 (QStringList{u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΑΥΤΟΜΑΤΗ"_s}));
-        QCOMPARE(three.at(2).value, 2);
-        const QList<Choice> two = notificationChoices(false);
-        QCOMPARE(choiceTexts(two), (QStringList{u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s}));
-        QCOMPARE(two.at(0).value, 0);
-        QCOMPARE(two.at(1).value, 1);
-        const QList<Choice> bypass = bypassStateChoices();
-        QCOMPARE(choiceTexts(bypass), (QStringList{u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟ"_s, u"ΠΑΡΑΚΑΜΨΗ"_s}));
-        QCOMPARE(bypass.at(0).value, 0);
-        QCOMPARE(bypass.at(1).value, 1);
-    }
+        // The texts are checked end to end; here the values sent for each entry.
+        const auto values = [](const QList<Choice>& choices) {
+            QList<int> out;
+            for (const Choice& c : choices)
+                out << c.value;
+            return out;
+        };
+        QCOMPARE(values(notificationChoices(true)), (QList<int>{0, 1, 2}));
+        QCOMPARE(values(notificationChoices(false)), (QList<int>{0, 1}));
+        QCOMPARE(values(bypassStateChoices()), (QList<int>{0, 1}));
+        QCOMPARE(choiceTexts(bypassStateChoices()),
+                 (QStringList{u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟ"_s, u"ΠΑΡΑΚΑΜΨΗ"_s}));
 
-    void pointLabels_data()
-    {
-        QTest::addColumn<qint64>("number");
-        QTest::addColumn<std::optional<QString>>("name");
-        QTest::addColumn<QString>("text");
-
-        QTest::newRow("named") << qint64(3) << opt(u"Ψυγείο") << u"[3] Ψυγείο"_s;
-        QTest::newRow("empty name") << qint64(4) << opt(u"") << u"[4] Ανώνυμη ζώνη"_s;
-        QTest::newRow("missing name")
-            << qint64(20) << std::optional<QString>() << u"[20] Ανώνυμη ζώνη"_s;
-        QTest::newRow("blank name kept") << qint64(1) << opt(u" ") << u"[1]  "_s;
-    }
-
-    void pointLabels()
-    {
-        QFETCH(qint64, number);
-        QFETCH(std::optional<QString>, name);
-        QFETCH(QString, text);
-        QCOMPARE(pointChoiceText(number, name), text);
+        QCOMPARE(pointChoiceText(20, std::nullopt), u"[20] Ανώνυμη ζώνη"_s);
+        QCOMPARE(pointChoiceText(4, opt(u"")), u"[4] Ανώνυμη ζώνη"_s);
+        QCOMPARE(pointChoiceText(1, opt(u" ")), u"[1]  "_s); // a blank name is kept
     }
 };
 

@@ -9,13 +9,9 @@
 #include "views/current/MainWindow.h"
 
 #include <QComboBox>
-#include <QDir>
 #include <QFontMetricsF>
-#include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMenu>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableWidget>
@@ -61,575 +57,473 @@ class TestMainWindow : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_DB(m_fx->scratch);
+        QVERIFY(m_fx->ready());
+        seed();
+        if (QTest::currentTestFailed())
+            return;
+        m_w = std::make_unique<MainWindow>(m_fx->ctx);
+        m_fx->navigator->setMainView(m_w.get());
+        registerSecondaryViews(*m_fx->navigator);
+    }
 
-    void layoutFitsTheScreenAndNothingIsClipped();
-    void menusAndCaptions();
-    void headersKeepTheirBlanksAndSizeTheColumns();
-    void firstUnitFillsTheView();
-    void offlineUnitDisablesCommandsAndKeepsCaptions();
-    void shrinkingAndGrowingRewritesRowsInPlace();
-    void unchangedUnitRefreshChangesNoCell();
-    void longLabelsGetTallerRows();
-    void messagesButtonFollowsNewMessages();
-    void selectionClearsAtOnceWhenTheUnitRowIsGone();
-    void timerRunsFromTheEndOfEachRefresh();
-    void emptyUnitListNeverRefreshes();
-    void navigationKeepsTheUnitIndex();
-    void failingQueryIsReportedOnceAndTheViewRecovers();
+    void cleanup()
+    {
+        if (m_fx && m_fx->navigator && m_fx->navigator->secondaryView())
+            delete m_fx->navigator->secondaryView();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_w.reset();
+        m_fx.reset();
+    }
+
+    void layoutFitsTheScreenAndNothingIsClipped()
+    {
+        fillSystemSelect(*m_w, -1, false);
+        m_w->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
+        // 1280 × 800 at 96 dpi, with room for a title bar and a panel.
+        QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
+                 qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
+        auto* grid = m_w->findChild<QWidget*>(u"MSFlexGrid1"_s);
+        QCOMPARE(grid->geometry(), twipsRect(120, 240, 8175, 7095, grid));
+        const QList<QWidget*> all = m_w->centralWidget()->findChildren<QWidget*>();
+        for (QWidget* child : all) {
+            if (child->objectName().isEmpty() || child->objectName().startsWith(u"qt_"_s) ||
+                !child->isVisible())
+                continue;
+            QVERIFY2(child->parentWidget()->rect().contains(child->geometry()),
+                     qPrintable(child->objectName()));
+        }
+    }
+
+    void beforeAnyUnitCommandsAreUnavailable()
+    {
+        QCOMPARE(label(u"Label6"_s)->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
+        QCOMPARE(label(u"Label6"_s)->palette().color(QPalette::WindowText), colors::kRed);
+        for (const auto& [name, caption] : {std::pair{u"Command4"_s, u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s},
+                                            std::pair{u"Command5"_s, u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s},
+                                            std::pair{u"Command7"_s, u"ΑΛΛΑΓΗ ΚΑΤΑΣΤΑΣΗΣ"_s}}) {
+            QCOMPARE(button(name)->text(), caption);
+            QCOMPARE(buttonColor(button(name)), colors::kLightGrey);
+            QVERIFY(!button(name)->isEnabled());
+        }
+    }
+
+    void headersKeepTheirBlanksAndSizeTheColumns()
+    {
+        // The leading blanks are what widens the name columns.
+        QCOMPARE(m_w->pointsGrid()->horizontalHeaderItem(0)->text(),
+                 QString(59, u' ') + u"ΣΗΜΕΙΟ"_s);
+        QCOMPARE(m_w->powerGrid()->horizontalHeaderItem(0)->text(),
+                 QString(60, u' ') + u"ΔΙΚΤΥΟ ΡΕΥΜΑΤΟΣ"_s + QString(15, u' '));
+        for (QTableWidget* grid : {m_w->pointsGrid(), m_w->powerGrid()}) {
+            QCOMPARE(grid->rowCount(), 0); // header only
+            const QFontMetricsF fm(grid->font());
+            int total = 0;
+            for (int c = 0; c < grid->columnCount(); ++c) {
+                const double text = fm.horizontalAdvance(grid->horizontalHeaderItem(c)->text());
+                const int width = grid->columnWidth(c);
+                QVERIFY2(width >= text && width <= text + 12,
+                         qPrintable(u"column %1: %2 for text %3"_s.arg(c).arg(width).arg(text)));
+                total += width;
+            }
+            // All columns visible side by side without a horizontal scroll.
+            QVERIFY2(total <= grid->viewport()->width() + 2 || total <= grid->width() - 4,
+                     qPrintable(QString::number(total)));
+        }
+    }
+
+    void firstUnitFillsTheView()
+    {
+        fillSystemSelect(*m_w, -1, false);
+        QCOMPARE(m_w->unitIndex(), 0);
+        QCOMPARE(m_w->selectedSerial(), u"A-100"_s);
+
+        QTableWidget* points = m_w->pointsGrid();
+        QCOMPARE(points->rowCount(), 10);
+        QCOMPARE(rowTexts(points, 0),
+                 (QStringList{u"[1] Ζώνη 1"_s, u"1.5 °C"_s, u"2.0 °C"_s, u"30.0 °C"_s}));
+        QCOMPARE(rowColor(points, 0), colors::kLightGrey);
+        QCOMPARE(rowTexts(points, 1),
+                 (QStringList{u"[2] Ζώνη 2"_s, u"3.0 °C"_s, QString(), u"30.0 °C"_s}));
+        QCOMPARE(rowColor(points, 1), colors::kLightRed);  // out of limits
+        QCOMPARE(rowColor(points, 2), colors::kLightBlue); // alarm
+        QCOMPARE(rowTexts(points, 3)[1], u"ΕΚΤΟΣ Λ."_s);
+        QCOMPARE(rowColor(points, 3), colors::kLightRed); // not powered
+        QCOMPARE(rowTexts(points, 4),
+                 (QStringList{u"[5] Ζώνη 5"_s, u"ΚΛΕΙΣΤΗ"_s, QString(), QString()}));
+        QCOMPARE(rowTexts(points, 9)[0], u"[10] Ζώνη 10"_s);
+        QCOMPARE(points->item(0, 0)->textAlignment(), int(Qt::AlignLeft | Qt::AlignVCenter));
+        QCOMPARE(points->item(0, 0)->foreground().color(), QColor(Qt::black));
+
+        QTableWidget* power = m_w->powerGrid();
+        QCOMPARE(power->rowCount(), 3);
+        QCOMPARE(rowTexts(power, 0), (QStringList{u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s, u"OK"_s}));
+        QCOMPARE(rowTexts(power, 1), (QStringList{u"[1] Ρεύμα"_s, u"ΔΙΑΚΟΠΗ"_s}));
+        QCOMPARE(rowColor(power, 1), colors::kLightRed);
+        QCOMPARE(rowTexts(power, 2), (QStringList{u"[2] Ανώνυμη ζώνη"_s, u"OK"_s}));
+
+        auto* label6 = label(u"Label6"_s);
+        QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
+        QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kGreen);
+        auto* status = label(u"Systemstatus"_s);
+        QCOMPARE(status->text(), u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ ΟΚ"_s);
+        QCOMPARE(status->palette().color(QPalette::Window), colors::kLightGrey);
+        auto* clock = label(u"Systemdatetimelabel"_s);
+        QCOMPARE(clock->text(), greekDateTime(QDateTime(QDate(2024, 3, 5), QTime(14, 7)), false)
+                                    .replace(u"\r\n"_s, u"\n"_s));
+
+        auto* c4 = button(u"Command4"_s);
+        auto* c5 = button(u"Command5"_s);
+        auto* c7 = button(u"Command7"_s);
+        QVERIFY(c4->isEnabled() && c5->isEnabled() && c7->isEnabled());
+        QCOMPARE(c4->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s);
+        QCOMPARE(buttonColor(c4), colors::kLightRed);
+        QCOMPARE(c5->text(), u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
+        QCOMPARE(m_w->relayCaption(), u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
+        QCOMPARE(buttonColor(c5), colors::kLightGrey);
+        QCOMPARE(c7->text(), u"ΑΛΛΑΓΗ ΚΑΤΑΣΤΑΣΗΣ"_s);
+
+        // The third unit: automatic-on notification, relay on, a fault, version 1.21.
+        select(2);
+        QCOMPARE(points->rowCount(), 1);
+        QCOMPARE(power->rowCount(), 0);
+        QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
+        QCOMPARE(buttonColor(c4), colors::kLightRed);
+        QCOMPARE(c5->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
+        QCOMPARE(buttonColor(c5), colors::kLightRed);
+        QCOMPARE(status->text(),
+                 u"ΥΠΑΡΧΟΥΝ ΠΡΟΒΛΗΜΑΤΑ ΣΤΟ ΣΥΣΤΗΜΑ\nΔΕΙΤΕ ΝΕΑ ΜΗΝΥΜΑΤΑ ΓΙΑ ΛΕΠΤΟΜΕΡΕΙΕΣ"_s);
+        QCOMPARE(status->palette().color(QPalette::Window), colors::kLightRed);
+        QCOMPARE(clock->text(), QString());
+        // A fault anywhere counts as a new message.
+        QVERIFY(m_w->navigation()->newMessagesShown());
+        QCOMPARE(buttonColor(m_w->navigation()->button(ViewId::Messages)), colors::kLightRed);
+    }
+
+    void offlineUnitDisablesCommandsAndKeepsCaptions()
+    {
+        fillSystemSelect(*m_w, 2, false);
+        auto* c4 = button(u"Command4"_s);
+        auto* c5 = button(u"Command5"_s);
+        auto* c7 = button(u"Command7"_s);
+        QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
+
+        select(1); // Beta, not connected
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
+        QCOMPARE(m_w->powerGrid()->rowCount(), 0);
+        auto* label6 = label(u"Label6"_s);
+        QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
+        QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
+        QVERIFY(!c4->isEnabled() && !c5->isEnabled() && !c7->isEnabled());
+        QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
+        QCOMPARE(c5->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
+        auto* status = label(u"Systemstatus"_s);
+        QCOMPARE(status->text(), QString());
+        QCOMPARE(status->palette().color(QPalette::Window), colors::kLightGrey);
+
+        // Being programmed.
+        QVERIFY(
+            m_fx->exec(u"UPDATE Systems_Info SET SyI_Online=2 WHERE SyI_Serialnumber='B-200'"_s));
+        m_w->refresh();
+        QCOMPARE(label6->text(), u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s);
+        QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
+        QVERIFY(!c4->isEnabled());
+
+        // Back online: enabled again.
+        QVERIFY(
+            m_fx->exec(u"UPDATE Systems_Info SET SyI_Online=1 WHERE SyI_Serialnumber='B-200'"_s));
+        m_w->refresh();
+        QVERIFY(c4->isEnabled() && c5->isEnabled() && c7->isEnabled());
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 1);
+        QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s); // no condition row: missing counts as automatic-on
+    }
+
+    void shrinkingAndGrowingRewritesRowsInPlace()
+    {
+        fillSystemSelect(*m_w, 0, false);
+        QTableWidget* grid = m_w->pointsGrid();
+        QCOMPARE(grid->rowCount(), 10);
+        QTableWidgetItem* first = grid->item(0, 0);
+        QTableWidgetItem* seventh = grid->item(6, 1);
+
+        QSignalSpy removed(grid->model(), &QAbstractItemModel::rowsRemoved);
+        QSignalSpy inserted(grid->model(), &QAbstractItemModel::rowsInserted);
+        QSignalSpy reset(grid->model(), &QAbstractItemModel::modelReset);
+
+        QVERIFY(m_fx->exec(
+            u"UPDATE Sensors_Info SET SeI_Used=0 WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber>7"_s));
+        m_w->refresh();
+        QCOMPARE(grid->rowCount(), 7);
+        QCOMPARE(rowTexts(grid, 6)[0], u"[7] Ζώνη 7"_s);
+        QCOMPARE(removed.size(), 1); // trimmed once, at the end
+        QCOMPARE(removed[0][1].toInt(), 7);
+        QCOMPARE(removed[0][2].toInt(), 9);
+        QCOMPARE(inserted.size(), 0);
+        QCOMPARE(grid->item(0, 0), first); // cells overwritten, not rebuilt
+        QCOMPARE(grid->item(6, 1), seventh);
+
+        removed.clear();
+        QVERIFY(
+            m_fx->exec(u"UPDATE Sensors_Info SET SeI_Used=1 WHERE SeI_SyI_Serialnumber='A-100'"_s));
+        m_w->refresh();
+        QCOMPARE(grid->rowCount(), 10);
+        QCOMPARE(inserted.size(), 3); // one row at a time
+        for (const QList<QVariant>& args : inserted)
+            QCOMPARE(args[1].toInt(), args[2].toInt());
+        QCOMPARE(removed.size(), 0);
+        QCOMPARE(reset.size(), 0);
+        QCOMPARE(rowTexts(grid, 9)[0], u"[10] Ζώνη 10"_s);
+        QCOMPARE(grid->item(0, 0), first);
+
+        // A unit in the middle of the list disappears: later rows move up in place.
+        QVERIFY(m_fx->exec(
+            u"UPDATE Sensors_Info SET SeI_Used=0 WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
+        m_w->refresh();
+        QCOMPARE(grid->rowCount(), 9);
+        QCOMPARE(rowTexts(grid, 1)[0], u"[3] Ζώνη 3"_s);
+        QCOMPARE(rowColor(grid, 1), colors::kLightBlue);
+        QCOMPARE(rowTexts(grid, 8)[0], u"[10] Ζώνη 10"_s);
+    }
+
+    void unchangedUnitRefreshChangesNoCell()
+    {
+        fillSystemSelect(*m_w, 0, false);
+        for (QTableWidget* grid : {m_w->pointsGrid(), m_w->powerGrid()}) {
+            QSignalSpy changed(grid->model(), &QAbstractItemModel::dataChanged);
+            QSignalSpy removed(grid->model(), &QAbstractItemModel::rowsRemoved);
+            QSignalSpy inserted(grid->model(), &QAbstractItemModel::rowsInserted);
+            m_w->refresh();
+            QCOMPARE(changed.size(), 0);
+            QCOMPARE(removed.size(), 0);
+            QCOMPARE(inserted.size(), 0);
+        }
+        // One reading changes: exactly that cell is rewritten.
+        QSignalSpy changed(m_w->pointsGrid()->model(), &QAbstractItemModel::dataChanged);
+        QVERIFY(m_fx->exec(
+            u"UPDATE Sensors_Current_Condition SET SeCC_Currvalue=99 WHERE SeCC_SyI_Serialnumber='A-100' AND SeCC_Sensornumber=6"_s));
+        m_w->refresh();
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed[0][0].toModelIndex(), m_w->pointsGrid()->model()->index(5, 1));
+        QCOMPARE(m_w->pointsGrid()->item(5, 1)->text(), u"99.0 °C"_s);
+    }
+
+    void longLabelsGetTallerRows()
+    {
+        const QString longName =
+            QString(u"Ψυκτικός θάλαμος αποθήκης φαρμάκων "_s).repeated(5).trimmed();
+        QVERIFY(m_fx->exec(u"UPDATE Sensors_Info SET SeI_Sensorname='"_s + longName +
+                           u"' WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
+        QVERIFY(m_fx->exec(u"UPDATE Powermonitoring_Info SET PmI_Powername='"_s + longName +
+                           u"' WHERE PmI_SyI_Serialnumber='A-100' AND PmI_Powernumber=2"_s));
+        fillSystemSelect(*m_w, 0, false);
+
+        for (QTableWidget* grid : {m_w->pointsGrid(), m_w->powerGrid()}) {
+            const QFontMetricsF fm(grid->font());
+            const QString label = grid->item(1, 0)->text();
+            const double w = fm.horizontalAdvance(label);
+            const int c = grid->columnWidth(0);
+            QVERIFY2(w > 2 * c, "the long label must span more than two column widths");
+            const int lines = labelRowLines(w, c);
+            QVERIFY(lines >= 3);
+            QCOMPARE(grid->rowHeight(1), qRound(lines * fm.height()));
+            QCOMPARE(grid->item(1, 0)->toolTip(), label);
+            // Short labels keep the grid's default height.
+            QCOMPARE(grid->rowHeight(0), grid->verticalHeader()->defaultSectionSize());
+        }
+
+        // The name gets short again: the row returns to the default height.
+        QVERIFY(m_fx->exec(
+            u"UPDATE Sensors_Info SET SeI_Sensorname='Β' WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
+        m_w->refresh();
+        QCOMPARE(m_w->pointsGrid()->rowHeight(1),
+                 m_w->pointsGrid()->verticalHeader()->defaultSectionSize());
+        QCOMPARE(m_w->pointsGrid()->item(1, 0)->toolTip(), QString());
+    }
+
+    void messagesButtonFollowsNewMessages()
+    {
+        QVERIFY(m_fx->exec(u"DELETE FROM Systems_Faults"_s));
+        fillSystemSelect(*m_w, 0, false);
+        QPushButton* messages = m_w->navigation()->button(ViewId::Messages);
+        QCOMPARE(buttonColor(messages), colors::kLightGrey);
+
+        CurrentSeed s(m_fx->db);
+        QVERIFY(s.newPointMessage(u"B-200"_s)); // another unit's message
+        m_w->refresh();
+        QCOMPARE(buttonColor(messages), colors::kLightRed);
+
+        QVERIFY(m_fx->exec(u"UPDATE Sensors_Events SET SeE_Recipients=0"_s)); // archived
+        m_w->refresh();
+        QCOMPARE(buttonColor(messages), colors::kLightGrey);
+    }
+
+    void selectionClearsAtOnceWhenTheUnitRowIsGone()
+    {
+        fillSystemSelect(*m_w, 0, false);
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
+        // The unit vanishes after the list was filled: the selection still clears
+        // the view, and a refresh without a unit row leaves it cleared.
+        QVERIFY(m_fx->exec(u"DELETE FROM Systems_Info WHERE SyI_Serialnumber='G-300'"_s));
+        select(2);
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
+        QCOMPARE(m_w->powerGrid()->rowCount(), 0);
+        for (const char* name : {"Label6", "Systemstatus", "Systemdatetimelabel"})
+            QCOMPARE(m_w->findChild<QLabel*>(QString::fromLatin1(name))->text(), QString());
+        // The buttons keep what they showed.
+        QCOMPARE(button(u"Command4"_s)->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s);
+        QVERIFY(m_w->refreshTimer()->isActive());
+        QVERIFY(!m_w->databaseLost());
+    }
+
+    void timerRunsFromTheEndOfEachRefresh()
+    {
+        QTimer* timer = m_w->refreshTimer();
+        QVERIFY(!timer->isActive());
+        QCOMPARE(timer->interval(), 10000);
+        QVERIFY(timer->isSingleShot());
+        fillSystemSelect(*m_w, 0, false);
+        QVERIFY(timer->isActive());
+        QVERIFY(timer->remainingTime() > 9000);
+
+        // A tick refreshes and arms the timer again.
+        QVERIFY(m_fx->exec(
+            u"UPDATE Sensors_Current_Condition SET SeCC_Currvalue=42 WHERE SeCC_SyI_Serialnumber='A-100' AND SeCC_Sensornumber=1"_s));
+        timer->setInterval(10);
+        QTRY_COMPARE(m_w->pointsGrid()->item(0, 1)->text(), u"42.0 °C"_s);
+        QTRY_VERIFY(timer->isActive());
+        timer->stop();
+    }
+
+    void emptyUnitListNeverRefreshes()
+    {
+        QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
+        fillSystemSelect(*m_w, -1, false);
+        QCOMPARE(m_w->systemSelect()->count(), 0);
+        m_w->refresh();
+        QVERIFY(!m_w->refreshTimer()->isActive());
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
+        QCOMPARE(label(u"Label6"_s)->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+    }
+
+    void navigationKeepsTheUnitIndex()
+    {
+        Navigator& nav = *m_fx->navigator;
+        fillSystemSelect(*m_w, 2, false);
+        m_w->show();
+        QCOMPARE(m_w->unitIndex(), 2);
+
+        nav.navigate(*m_w, ViewId::Messages);
+        ViewWindow* messages = nav.secondaryView();
+        QVERIFY(messages && messages->viewId() == ViewId::Messages);
+        QVERIFY(!m_w->isVisible());
+        QCOMPARE(messages->unitIndex(), 2);
+        // Hidden, the main view keeps refreshing.
+        QVERIFY(m_w->refreshTimer()->isActive());
+
+        nav.navigate(*messages, ViewId::Events);
+        ViewWindow* events = nav.secondaryView();
+        QVERIFY(events && events->viewId() == ViewId::Events);
+        QCOMPARE(events->systemSelect()->count(), 4); // with "ΟΛΑ"
+        QCOMPARE(events->unitIndex(), 2);
+
+        nav.navigate(*events, ViewId::Current);
+        QVERIFY(m_w->isVisible());
+        QCOMPARE(m_w->unitIndex(), 2);
+        QCOMPARE(m_w->selectedSerial(), u"G-300"_s);
+        QCOMPARE(rowTexts(m_w->pointsGrid(), 0)[0], u"[1] Γ1"_s);
+
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
+    }
+
+    void failingQueryIsReportedOnceAndTheViewRecovers()
+    {
+        fillSystemSelect(*m_w, 0, false);
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
+        auto* label6 = label(u"Label6"_s);
+
+        // The points table goes away (as if the server were rebuilding it).
+        QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
+        m_w->refresh();
+        QCOMPARE(m_fx->dialogs.messages().size(), 1);
+        QCOMPARE(m_fx->dialogs.messages()[0].icon, DialogService::Icon::Critical);
+        QVERIFY(
+            m_fx->dialogs.messages()[0].text.startsWith(u"Παρουσιάστηκε το παρακάτω σφάλμα:"_s));
+        QVERIFY(m_w->databaseLost());
+        QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
+        QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
+        QVERIFY(!button(u"Command4"_s)->isEnabled());
+        QVERIFY(m_w->refreshTimer()->isActive());
+
+        m_w->refresh();
+        QCOMPARE(m_fx->dialogs.messages().size(), 1); // once per outage
+        QVERIFY(m_w->refreshTimer()->isActive());
+
+        QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info_away RENAME TO Sensors_Info"_s));
+        m_w->refresh();
+        QVERIFY(!m_w->databaseLost());
+        QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
+        QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
+        QVERIFY(button(u"Command4"_s)->isEnabled());
+        QVERIFY(!m_fx->failures->inOutage());
+
+        // A new outage is news again.
+        QVERIFY(m_fx->exec(u"ALTER TABLE Powermonitoring_Info RENAME TO Pm_away"_s));
+        m_w->refresh();
+        QCOMPARE(m_fx->dialogs.messages().size(), 2);
+        QVERIFY(m_fx->exec(u"ALTER TABLE Pm_away RENAME TO Powermonitoring_Info"_s));
+    }
 
 private:
-    void seed();
-    void select(int index);
+    void seed()
+    {
+        CurrentSeed s(m_fx->db);
+        // Listed by name: Alpha (0), Beta (1), Gamma (2).
+        QVERIFY(s.unit(u"A-100"_s, u"Alpha"_s, u"1"_s, u"'1.22'"_s));
+        for (int n = 1; n <= 10; ++n) {
+            const QString type = n == 5 ? u"2"_s : u"0"_s;
+            QVERIFY(s.point(u"A-100"_s, n, u"'Ζώνη %1'"_s.arg(n), type, u"1"_s, u"30"_s, u"2"_s,
+                            u"1"_s, n == 1 ? u"1"_s : u"0"_s));
+            QVERIFY(s.pointCondition(u"A-100"_s, n, QString::number(n * 1.5),
+                                     n == 2 ? u"1"_s : u"0"_s, n == 3 ? u"1"_s : u"0"_s,
+                                     n == 4 ? u"1"_s : u"0"_s));
+        }
+        QVERIFY(s.power(u"A-100"_s, 1, u"'Τροφοδοτικό'"_s));
+        QVERIFY(s.powerCondition(u"A-100"_s, 1, u"0"_s, u"0"_s));
+        QVERIFY(s.power(u"A-100"_s, 2, u"'Ρεύμα'"_s));
+        QVERIFY(s.powerCondition(u"A-100"_s, 2, u"1"_s, u"1"_s));
+        QVERIFY(s.power(u"A-100"_s, 3, u"''"_s));
+        QVERIFY(s.powerCondition(u"A-100"_s, 3, u"0"_s, u"0"_s));
+        QVERIFY(s.condition(u"A-100"_s, u"1"_s, u"0"_s, u"'2024-03-05 14:07:00'"_s));
+
+        QVERIFY(s.unit(u"B-200"_s, u"Beta"_s, u"0"_s));
+        QVERIFY(s.point(u"B-200"_s, 1, u"'Χ'"_s));
+        QVERIFY(s.pointCondition(u"B-200"_s, 1, u"1"_s));
+
+        QVERIFY(s.unit(u"G-300"_s, u"Gamma"_s, u"1"_s, u"'1.21'"_s));
+        QVERIFY(s.point(u"G-300"_s, 1, u"'Γ1'"_s));
+        QVERIFY(s.pointCondition(u"G-300"_s, 1, u"4"_s));
+        QVERIFY(s.condition(u"G-300"_s, u"3"_s, u"1"_s));
+        QVERIFY(s.fault(u"G-300"_s, 0, u"3"_s));
+    }
+
+    void select(int index)
+    {
+        m_w->systemSelect()->setCurrentIndex(index);
+        emit m_w->systemSelect()->activated(index);
+    }
+
+    QLabel* label(const QString& name) { return m_w->findChild<QLabel*>(name); }
+    QPushButton* button(const QString& name) { return m_w->findChild<QPushButton*>(name); }
 
     std::unique_ptr<GuiFixture> m_fx;
     std::unique_ptr<MainWindow> m_w;
 };
-
-void TestMainWindow::seed()
-{
-    CurrentSeed s(m_fx->db);
-    // Listed by name: Alpha (0), Beta (1), Gamma (2).
-    QVERIFY(s.unit(u"A-100"_s, u"Alpha"_s, u"1"_s, u"'1.22'"_s));
-    for (int n = 1; n <= 10; ++n) {
-        const QString type = n == 5 ? u"2"_s : u"0"_s;
-        QVERIFY(s.point(u"A-100"_s, n, u"'Ζώνη %1'"_s.arg(n), type, u"1"_s, u"30"_s, u"2"_s, u"1"_s,
-                        n == 1 ? u"1"_s : u"0"_s));
-        QVERIFY(s.pointCondition(u"A-100"_s, n, QString::number(n * 1.5), n == 2 ? u"1"_s : u"0"_s,
-                                 n == 3 ? u"1"_s : u"0"_s, n == 4 ? u"1"_s : u"0"_s));
-    }
-    QVERIFY(s.power(u"A-100"_s, 1, u"'Τροφοδοτικό'"_s));
-    QVERIFY(s.powerCondition(u"A-100"_s, 1, u"0"_s, u"0"_s));
-    QVERIFY(s.power(u"A-100"_s, 2, u"'Ρεύμα'"_s));
-    QVERIFY(s.powerCondition(u"A-100"_s, 2, u"1"_s, u"1"_s));
-    QVERIFY(s.power(u"A-100"_s, 3, u"''"_s));
-    QVERIFY(s.powerCondition(u"A-100"_s, 3, u"0"_s, u"0"_s));
-    QVERIFY(s.condition(u"A-100"_s, u"1"_s, u"0"_s, u"'2024-03-05 14:07:00'"_s));
-
-    QVERIFY(s.unit(u"B-200"_s, u"Beta"_s, u"0"_s));
-    QVERIFY(s.point(u"B-200"_s, 1, u"'Χ'"_s));
-    QVERIFY(s.pointCondition(u"B-200"_s, 1, u"1"_s));
-
-    QVERIFY(s.unit(u"G-300"_s, u"Gamma"_s, u"1"_s, u"'1.21'"_s));
-    QVERIFY(s.point(u"G-300"_s, 1, u"'Γ1'"_s));
-    QVERIFY(s.pointCondition(u"G-300"_s, 1, u"4"_s));
-    QVERIFY(s.condition(u"G-300"_s, u"3"_s, u"1"_s));
-    QVERIFY(s.fault(u"G-300"_s, 0, u"3"_s));
-}
-
-void TestMainWindow::init()
-{
-    m_fx = std::make_unique<GuiFixture>();
-    SX_REQUIRE_DB(m_fx->scratch);
-    QVERIFY(m_fx->ready());
-    seed();
-    if (QTest::currentTestFailed())
-        return;
-    m_w = std::make_unique<MainWindow>(m_fx->ctx);
-    m_fx->navigator->setMainView(m_w.get());
-    registerSecondaryViews(*m_fx->navigator);
-}
-
-void TestMainWindow::cleanup()
-{
-    if (m_fx && m_fx->navigator && m_fx->navigator->secondaryView())
-        delete m_fx->navigator->secondaryView();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    m_w.reset();
-    m_fx.reset();
-}
-
-void TestMainWindow::select(int index)
-{
-    m_w->systemSelect()->setCurrentIndex(index);
-    emit m_w->systemSelect()->activated(index);
-}
-
-void TestMainWindow::layoutFitsTheScreenAndNothingIsClipped()
-{
-    fillSystemSelect(*m_w, -1, false);
-    m_w->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
-    // 1280 × 800 at 96 dpi, with room for a title bar and a panel.
-    QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
-             qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
-
-    const auto expect = [this](const char* name, int l, int t, int w, int h) {
-        auto* widget = m_w->findChild<QWidget*>(QString::fromLatin1(name));
-        QVERIFY2(widget, name);
-        QCOMPARE(widget->geometry(), twipsRect(l, t, w, h, widget));
-    };
-    expect("Frame1", 120, 120, 5895, 2535);
-    expect("Frame2", 120, 5160, 6495, 5415);
-    expect("Label6", 120, 360, 5295, 735);
-    expect("Systemstatus", 120, 1200, 5295, 735);
-    expect("Systemdatetimelabel", 120, 2040, 5295, 735);
-    expect("Frame3", 120, 2760, 2655, 1215);
-    expect("Frame7", 3000, 2760, 2655, 1215);
-    expect("Frame4", 120, 4080, 2655, 1215);
-    expect("Command4", 120, 360, 2295, 735);
-    expect("Command5", 120, 360, 2295, 735);
-    expect("Command7", 120, 360, 2295, 735);
-    expect("Frame5", 6720, 120, 8415, 10455);
-    expect("MSFlexGrid1", 120, 240, 8175, 7095);
-    expect("MSFlexGrid2", 120, 7440, 8175, 2895);
-
-    // Every control lies wholly inside its container.
-    const QList<QWidget*> all = m_w->centralWidget()->findChildren<QWidget*>();
-    for (QWidget* child : all) {
-        if (child->objectName().isEmpty() || child->objectName().startsWith(u"qt_"_s) ||
-            !child->isVisible())
-            continue;
-        QVERIFY2(child->parentWidget()->rect().contains(child->geometry()),
-                 qPrintable(child->objectName()));
-    }
-
-    // Fonts of the layout table.
-    const auto font = [this](const char* name) {
-        return m_w->findChild<QWidget*>(QString::fromLatin1(name))->font();
-    };
-    QCOMPARE(font("Frame5").pointSizeF(), 11.25);
-    QCOMPARE(font("Frame2").pointSizeF(), 11.25);
-    QCOMPARE(font("Label6").pointSizeF(), 9.75);
-    QCOMPARE(font("MSFlexGrid1").pointSizeF(), 9.75);
-    QCOMPARE(font("Command4").pointSizeF(), 9.0);
-    QVERIFY(font("Command4").bold() && font("MSFlexGrid2").bold() && font("Label6").bold());
-
-    if (qEnvironmentVariableIsSet("SX_SHOT_DIR")) {
-        const QString file = QDir(qEnvironmentVariable("SX_SHOT_DIR"))
-                                 .filePath(u"mainwindow-%1.png"_s.arg(ScratchDatabase::kindName()));
-        QVERIFY(m_w->grab().save(file));
-    }
-}
-
-void TestMainWindow::menusAndCaptions()
-{
-    QCOMPARE(m_w->windowTitle(), u"SENTORAX Monitor / Τρέχουσα κατάσταση"_s);
-    auto* manage = m_w->findChild<QMenu*>(u"Diahirisi"_s);
-    auto* misc = m_w->findChild<QMenu*>(u"Diafora"_s);
-    QVERIFY(manage && misc);
-    QCOMPARE(manage->title(), u"Διαχείριση"_s);
-    QCOMPARE(misc->title(), u"Διάφορα"_s);
-    QStringList items;
-    for (QAction* a : manage->actions())
-        items << (a->isSeparator() ? u"-"_s : a->objectName() + u'=' + a->text());
-    QCOMPARE(items, (QStringList{u"Printcurrent=Εκτύπωση τρέχουσας κατάστασης"_s, u"-"_s,
-                                 u"Terminateprg=Έξοδος"_s}));
-    items.clear();
-    for (QAction* a : misc->actions())
-        items << a->objectName() + u'=' + a->text();
-    QCOMPARE(items, (QStringList{u"ShowSoftInfo=Πληροφορίες εφαρμογής"_s,
-                                 u"ChangeAppSettings=Παράμετροι εφαρμογής"_s}));
-
-    const auto frame = [this](const char* name) {
-        return m_w->findChild<QGroupBox*>(QString::fromLatin1(name))->title();
-    };
-    QCOMPARE(frame("Frame2"), u"Πληροφορίες Συστήματος"_s);
-    QCOMPARE(frame("Frame3"), u"Τηλεφωνική Ειδοποίηση"_s);
-    QCOMPARE(frame("Frame7"), u"Παράκαμψη σημείου"_s);
-    QCOMPARE(frame("Frame4"), u"Διακόπτης"_s);
-    QCOMPARE(frame("Frame5"), u"Ενδείξεις"_s);
-
-    // Before any unit is chosen: design captions, commands unavailable.
-    auto* label6 = m_w->findChild<QLabel*>(u"Label6"_s);
-    QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
-    QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
-    QCOMPARE(label6->palette().color(QPalette::Window), colors::kLightGrey);
-    for (const auto& [name, caption] : {std::pair{"Command4", u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s},
-                                        std::pair{"Command5", u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s},
-                                        std::pair{"Command7", u"ΑΛΛΑΓΗ ΚΑΤΑΣΤΑΣΗΣ"_s}}) {
-        auto* b = m_w->findChild<QPushButton*>(QString::fromLatin1(name));
-        QCOMPARE(b->text(), caption);
-        QCOMPARE(buttonColor(b), colors::kLightGrey);
-        QVERIFY(!b->isEnabled());
-    }
-}
-
-void TestMainWindow::headersKeepTheirBlanksAndSizeTheColumns()
-{
-    struct Expect {
-        QTableWidget* grid;
-        QStringList headers;
-    };
-    const Expect grids[] = {
-        {m_w->pointsGrid(),
-         {QString(59, u' ') + u"ΣΗΜΕΙΟ"_s, u"  ΕΝΔΕΙΞΗ"_s, u"ΕΛΑΧ. ΟΡΙΟ"_s, u"ΜΕΓ. ΟΡΙΟ"_s}},
-        {m_w->powerGrid(),
-         {QString(60, u' ') + u"ΔΙΚΤΥΟ ΡΕΥΜΑΤΟΣ"_s + QString(15, u' '), u" ΚΑΤΑΣΤΑΣΗ"_s}},
-    };
-    for (const Expect& e : grids) {
-        QCOMPARE(e.grid->columnCount(), e.headers.size());
-        QCOMPARE(e.grid->rowCount(), 0); // header only
-        const QFontMetricsF fm(e.grid->font());
-        int total = 0;
-        for (int c = 0; c < e.headers.size(); ++c) {
-            QCOMPARE(e.grid->horizontalHeaderItem(c)->text(), e.headers[c]);
-            const double text = fm.horizontalAdvance(e.headers[c]);
-            const int width = e.grid->columnWidth(c);
-            QVERIFY2(width >= text && width <= text + 12,
-                     qPrintable(u"column %1: %2 for text %3"_s.arg(c).arg(width).arg(text)));
-            total += width;
-        }
-        // All columns visible side by side without a horizontal scroll.
-        QVERIFY2(total <= e.grid->viewport()->width() + 2 || total <= e.grid->width() - 4,
-                 qPrintable(QString::number(total)));
-        QCOMPARE(e.grid->horizontalHeader()->defaultAlignment(), Qt::AlignCenter);
-        QCOMPARE(e.grid->palette().color(QPalette::Base), colors::kLightGrey);
-        QVERIFY(e.grid->horizontalHeader()->styleSheet().contains(u"rgb(0,0,255)"_s));
-    }
-}
-
-void TestMainWindow::firstUnitFillsTheView()
-{
-    fillSystemSelect(*m_w, -1, false);
-    QCOMPARE(m_w->unitIndex(), 0);
-    QCOMPARE(m_w->selectedSerial(), u"A-100"_s);
-
-    QTableWidget* points = m_w->pointsGrid();
-    QCOMPARE(points->rowCount(), 10);
-    QCOMPARE(rowTexts(points, 0),
-             (QStringList{u"[1] Ζώνη 1"_s, u"1.5 °C"_s, u"2.0 °C"_s, u"30.0 °C"_s}));
-    QCOMPARE(rowColor(points, 0), colors::kLightGrey);
-    QCOMPARE(rowTexts(points, 1),
-             (QStringList{u"[2] Ζώνη 2"_s, u"3.0 °C"_s, QString(), u"30.0 °C"_s}));
-    QCOMPARE(rowColor(points, 1), colors::kLightRed);  // out of limits
-    QCOMPARE(rowColor(points, 2), colors::kLightBlue); // alarm
-    QCOMPARE(rowTexts(points, 3)[1], u"ΕΚΤΟΣ Λ."_s);
-    QCOMPARE(rowColor(points, 3), colors::kLightRed); // not powered
-    QCOMPARE(rowTexts(points, 4),
-             (QStringList{u"[5] Ζώνη 5"_s, u"ΚΛΕΙΣΤΗ"_s, QString(), QString()}));
-    QCOMPARE(rowTexts(points, 9)[0], u"[10] Ζώνη 10"_s);
-    QCOMPARE(points->item(0, 0)->textAlignment(), int(Qt::AlignLeft | Qt::AlignVCenter));
-    QCOMPARE(points->item(0, 0)->foreground().color(), QColor(Qt::black));
-
-    QTableWidget* power = m_w->powerGrid();
-    QCOMPARE(power->rowCount(), 3);
-    QCOMPARE(rowTexts(power, 0), (QStringList{u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s, u"OK"_s}));
-    QCOMPARE(rowTexts(power, 1), (QStringList{u"[1] Ρεύμα"_s, u"ΔΙΑΚΟΠΗ"_s}));
-    QCOMPARE(rowColor(power, 1), colors::kLightRed);
-    QCOMPARE(rowTexts(power, 2), (QStringList{u"[2] Ανώνυμη ζώνη"_s, u"OK"_s}));
-
-    auto* label6 = m_w->findChild<QLabel*>(u"Label6"_s);
-    QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
-    QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kGreen);
-    auto* status = m_w->findChild<QLabel*>(u"Systemstatus"_s);
-    QCOMPARE(status->text(), u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ ΟΚ"_s);
-    QCOMPARE(status->palette().color(QPalette::Window), colors::kLightGrey);
-    auto* clock = m_w->findChild<QLabel*>(u"Systemdatetimelabel"_s);
-    QCOMPARE(clock->text(), greekDateTime(QDateTime(QDate(2024, 3, 5), QTime(14, 7)), false)
-                                .replace(u"\r\n"_s, u"\n"_s));
-
-    auto* c4 = m_w->findChild<QPushButton*>(u"Command4"_s);
-    auto* c5 = m_w->findChild<QPushButton*>(u"Command5"_s);
-    auto* c7 = m_w->findChild<QPushButton*>(u"Command7"_s);
-    QVERIFY(c4->isEnabled() && c5->isEnabled() && c7->isEnabled());
-    QCOMPARE(c4->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s);
-    QCOMPARE(buttonColor(c4), colors::kLightRed);
-    QCOMPARE(c5->text(), u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
-    QCOMPARE(m_w->relayCaption(), u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
-    QCOMPARE(buttonColor(c5), colors::kLightGrey);
-    QCOMPARE(c7->text(), u"ΑΛΛΑΓΗ ΚΑΤΑΣΤΑΣΗΣ"_s);
-
-    // The third unit: automatic-on notification, relay on, a fault, version 1.21.
-    select(2);
-    QCOMPARE(points->rowCount(), 1);
-    QCOMPARE(power->rowCount(), 0);
-    QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
-    QCOMPARE(buttonColor(c4), colors::kLightRed);
-    QCOMPARE(c5->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
-    QCOMPARE(buttonColor(c5), colors::kLightRed);
-    QCOMPARE(status->text(),
-             u"ΥΠΑΡΧΟΥΝ ΠΡΟΒΛΗΜΑΤΑ ΣΤΟ ΣΥΣΤΗΜΑ\nΔΕΙΤΕ ΝΕΑ ΜΗΝΥΜΑΤΑ ΓΙΑ ΛΕΠΤΟΜΕΡΕΙΕΣ"_s);
-    QCOMPARE(status->palette().color(QPalette::Window), colors::kLightRed);
-    QCOMPARE(clock->text(), QString());
-    // A fault anywhere counts as a new message.
-    QVERIFY(m_w->navigation()->newMessagesShown());
-    QCOMPARE(buttonColor(m_w->navigation()->button(ViewId::Messages)), colors::kLightRed);
-}
-
-void TestMainWindow::offlineUnitDisablesCommandsAndKeepsCaptions()
-{
-    fillSystemSelect(*m_w, 2, false);
-    auto* c4 = m_w->findChild<QPushButton*>(u"Command4"_s);
-    auto* c5 = m_w->findChild<QPushButton*>(u"Command5"_s);
-    auto* c7 = m_w->findChild<QPushButton*>(u"Command7"_s);
-    QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
-
-    select(1); // Beta, not connected
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
-    QCOMPARE(m_w->powerGrid()->rowCount(), 0);
-    auto* label6 = m_w->findChild<QLabel*>(u"Label6"_s);
-    QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
-    QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
-    QVERIFY(!c4->isEnabled() && !c5->isEnabled() && !c7->isEnabled());
-    QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
-    QCOMPARE(c5->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
-    auto* status = m_w->findChild<QLabel*>(u"Systemstatus"_s);
-    QCOMPARE(status->text(), QString());
-    QCOMPARE(status->palette().color(QPalette::Window), colors::kLightGrey);
-
-    // Being programmed.
-    QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Online=2 WHERE SyI_Serialnumber='B-200'"_s));
-    m_w->refresh();
-    QCOMPARE(label6->text(), u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s);
-    QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
-    QVERIFY(!c4->isEnabled());
-
-    // Back online: enabled again.
-    QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Online=1 WHERE SyI_Serialnumber='B-200'"_s));
-    m_w->refresh();
-    QVERIFY(c4->isEnabled() && c5->isEnabled() && c7->isEnabled());
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 1);
-    QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s); // no condition row: missing counts as automatic-on
-}
-
-void TestMainWindow::shrinkingAndGrowingRewritesRowsInPlace()
-{
-    fillSystemSelect(*m_w, 0, false);
-    QTableWidget* grid = m_w->pointsGrid();
-    QCOMPARE(grid->rowCount(), 10);
-    QTableWidgetItem* first = grid->item(0, 0);
-    QTableWidgetItem* seventh = grid->item(6, 1);
-
-    QSignalSpy removed(grid->model(), &QAbstractItemModel::rowsRemoved);
-    QSignalSpy inserted(grid->model(), &QAbstractItemModel::rowsInserted);
-    QSignalSpy reset(grid->model(), &QAbstractItemModel::modelReset);
-
-    QVERIFY(m_fx->exec(
-        u"UPDATE Sensors_Info SET SeI_Used=0 WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber>7"_s));
-    m_w->refresh();
-    QCOMPARE(grid->rowCount(), 7);
-    QCOMPARE(rowTexts(grid, 6)[0], u"[7] Ζώνη 7"_s);
-    QCOMPARE(removed.size(), 1); // trimmed once, at the end
-    QCOMPARE(removed[0][1].toInt(), 7);
-    QCOMPARE(removed[0][2].toInt(), 9);
-    QCOMPARE(inserted.size(), 0);
-    QCOMPARE(grid->item(0, 0), first); // cells overwritten, not rebuilt
-    QCOMPARE(grid->item(6, 1), seventh);
-
-    removed.clear();
-    QVERIFY(m_fx->exec(u"UPDATE Sensors_Info SET SeI_Used=1 WHERE SeI_SyI_Serialnumber='A-100'"_s));
-    m_w->refresh();
-    QCOMPARE(grid->rowCount(), 10);
-    QCOMPARE(inserted.size(), 3); // one row at a time
-    for (const QList<QVariant>& args : inserted)
-        QCOMPARE(args[1].toInt(), args[2].toInt());
-    QCOMPARE(removed.size(), 0);
-    QCOMPARE(reset.size(), 0);
-    QCOMPARE(rowTexts(grid, 9)[0], u"[10] Ζώνη 10"_s);
-    QCOMPARE(grid->item(0, 0), first);
-
-    // A unit in the middle of the list disappears: later rows move up in place.
-    QVERIFY(m_fx->exec(
-        u"UPDATE Sensors_Info SET SeI_Used=0 WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
-    m_w->refresh();
-    QCOMPARE(grid->rowCount(), 9);
-    QCOMPARE(rowTexts(grid, 1)[0], u"[3] Ζώνη 3"_s);
-    QCOMPARE(rowColor(grid, 1), colors::kLightBlue);
-    QCOMPARE(rowTexts(grid, 8)[0], u"[10] Ζώνη 10"_s);
-}
-
-void TestMainWindow::unchangedUnitRefreshChangesNoCell()
-{
-    fillSystemSelect(*m_w, 0, false);
-    for (QTableWidget* grid : {m_w->pointsGrid(), m_w->powerGrid()}) {
-        QSignalSpy changed(grid->model(), &QAbstractItemModel::dataChanged);
-        QSignalSpy removed(grid->model(), &QAbstractItemModel::rowsRemoved);
-        QSignalSpy inserted(grid->model(), &QAbstractItemModel::rowsInserted);
-        m_w->refresh();
-        QCOMPARE(changed.size(), 0);
-        QCOMPARE(removed.size(), 0);
-        QCOMPARE(inserted.size(), 0);
-    }
-    // One reading changes: exactly that cell is rewritten.
-    QSignalSpy changed(m_w->pointsGrid()->model(), &QAbstractItemModel::dataChanged);
-    QVERIFY(m_fx->exec(
-        u"UPDATE Sensors_Current_Condition SET SeCC_Currvalue=99 WHERE SeCC_SyI_Serialnumber='A-100' AND SeCC_Sensornumber=6"_s));
-    m_w->refresh();
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed[0][0].toModelIndex(), m_w->pointsGrid()->model()->index(5, 1));
-    QCOMPARE(m_w->pointsGrid()->item(5, 1)->text(), u"99.0 °C"_s);
-}
-
-void TestMainWindow::longLabelsGetTallerRows()
-{
-    const QString longName =
-        QString(u"Ψυκτικός θάλαμος αποθήκης φαρμάκων "_s).repeated(5).trimmed();
-    QVERIFY(m_fx->exec(u"UPDATE Sensors_Info SET SeI_Sensorname='"_s + longName +
-                       u"' WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
-    QVERIFY(m_fx->exec(u"UPDATE Powermonitoring_Info SET PmI_Powername='"_s + longName +
-                       u"' WHERE PmI_SyI_Serialnumber='A-100' AND PmI_Powernumber=2"_s));
-    fillSystemSelect(*m_w, 0, false);
-
-    for (QTableWidget* grid : {m_w->pointsGrid(), m_w->powerGrid()}) {
-        const QFontMetricsF fm(grid->font());
-        const QString label = grid->item(1, 0)->text();
-        const double w = fm.horizontalAdvance(label);
-        const int c = grid->columnWidth(0);
-        QVERIFY2(w > 2 * c, "the long label must span more than two column widths");
-        const int lines = labelRowLines(w, c);
-        QVERIFY(lines >= 3);
-        QCOMPARE(grid->rowHeight(1), qRound(lines * fm.height()));
-        QCOMPARE(grid->item(1, 0)->toolTip(), label);
-        // Short labels keep the grid's default height.
-        QCOMPARE(grid->rowHeight(0), grid->verticalHeader()->defaultSectionSize());
-    }
-
-    // The name gets short again: the row returns to the default height.
-    QVERIFY(m_fx->exec(
-        u"UPDATE Sensors_Info SET SeI_Sensorname='Β' WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
-    m_w->refresh();
-    QCOMPARE(m_w->pointsGrid()->rowHeight(1),
-             m_w->pointsGrid()->verticalHeader()->defaultSectionSize());
-    QCOMPARE(m_w->pointsGrid()->item(1, 0)->toolTip(), QString());
-}
-
-void TestMainWindow::messagesButtonFollowsNewMessages()
-{
-    QVERIFY(m_fx->exec(u"DELETE FROM Systems_Faults"_s));
-    fillSystemSelect(*m_w, 0, false);
-    QPushButton* messages = m_w->navigation()->button(ViewId::Messages);
-    QCOMPARE(buttonColor(messages), colors::kLightGrey);
-
-    CurrentSeed s(m_fx->db);
-    QVERIFY(s.newPointMessage(u"B-200"_s)); // another unit's message
-    m_w->refresh();
-    QCOMPARE(buttonColor(messages), colors::kLightRed);
-
-    QVERIFY(m_fx->exec(u"UPDATE Sensors_Events SET SeE_Recipients=0"_s)); // archived
-    m_w->refresh();
-    QCOMPARE(buttonColor(messages), colors::kLightGrey);
-}
-
-void TestMainWindow::selectionClearsAtOnceWhenTheUnitRowIsGone()
-{
-    fillSystemSelect(*m_w, 0, false);
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
-    // The unit vanishes after the list was filled: the selection still clears
-    // the view, and a refresh without a unit row leaves it cleared.
-    QVERIFY(m_fx->exec(u"DELETE FROM Systems_Info WHERE SyI_Serialnumber='G-300'"_s));
-    select(2);
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
-    QCOMPARE(m_w->powerGrid()->rowCount(), 0);
-    for (const char* name : {"Label6", "Systemstatus", "Systemdatetimelabel"})
-        QCOMPARE(m_w->findChild<QLabel*>(QString::fromLatin1(name))->text(), QString());
-    // The buttons keep what they showed.
-    QCOMPARE(m_w->findChild<QPushButton*>(u"Command4"_s)->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s);
-    QVERIFY(m_w->refreshTimer()->isActive());
-    QVERIFY(!m_w->databaseLost());
-}
-
-void TestMainWindow::timerRunsFromTheEndOfEachRefresh()
-{
-    QTimer* timer = m_w->refreshTimer();
-    QVERIFY(!timer->isActive());
-    QCOMPARE(timer->interval(), 10000);
-    QVERIFY(timer->isSingleShot());
-    fillSystemSelect(*m_w, 0, false);
-    QVERIFY(timer->isActive());
-    QVERIFY(timer->remainingTime() > 9000);
-
-    // A tick refreshes and arms the timer again.
-    QVERIFY(m_fx->exec(
-        u"UPDATE Sensors_Current_Condition SET SeCC_Currvalue=42 WHERE SeCC_SyI_Serialnumber='A-100' AND SeCC_Sensornumber=1"_s));
-    timer->setInterval(10);
-    QTRY_COMPARE(m_w->pointsGrid()->item(0, 1)->text(), u"42.0 °C"_s);
-    QTRY_VERIFY(timer->isActive());
-    timer->stop();
-}
-
-void TestMainWindow::emptyUnitListNeverRefreshes()
-{
-    QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
-    fillSystemSelect(*m_w, -1, false);
-    QCOMPARE(m_w->systemSelect()->count(), 0);
-    m_w->refresh();
-    QVERIFY(!m_w->refreshTimer()->isActive());
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
-    QCOMPARE(m_w->findChild<QLabel*>(u"Label6"_s)->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
-    QVERIFY(m_fx->dialogs.shown().isEmpty());
-}
-
-void TestMainWindow::navigationKeepsTheUnitIndex()
-{
-    Navigator& nav = *m_fx->navigator;
-    fillSystemSelect(*m_w, 2, false);
-    m_w->show();
-    QCOMPARE(m_w->unitIndex(), 2);
-
-    nav.navigate(*m_w, ViewId::Messages);
-    ViewWindow* messages = nav.secondaryView();
-    QVERIFY(messages && messages->viewId() == ViewId::Messages);
-    QVERIFY(!m_w->isVisible());
-    QCOMPARE(messages->unitIndex(), 2);
-    // Hidden, the main view keeps refreshing.
-    QVERIFY(m_w->refreshTimer()->isActive());
-
-    nav.navigate(*messages, ViewId::Events);
-    ViewWindow* events = nav.secondaryView();
-    QVERIFY(events && events->viewId() == ViewId::Events);
-    QCOMPARE(events->systemSelect()->count(), 4); // with "ΟΛΑ"
-    QCOMPARE(events->unitIndex(), 2);
-
-    nav.navigate(*events, ViewId::Current);
-    QVERIFY(m_w->isVisible());
-    QCOMPARE(m_w->unitIndex(), 2);
-    QCOMPARE(m_w->selectedSerial(), u"G-300"_s);
-    QCOMPARE(rowTexts(m_w->pointsGrid(), 0)[0], u"[1] Γ1"_s);
-
-    // "ΟΛΑ" in the events view becomes the first unit in the records view.
-    nav.navigate(*m_w, ViewId::Events);
-    events = nav.secondaryView();
-    events->systemSelect()->setCurrentIndex(3);
-    QCOMPARE(events->selectedSerial(), u"*"_s);
-    nav.navigate(*events, ViewId::Records);
-    ViewWindow* records = nav.secondaryView();
-    QVERIFY(records && records->viewId() == ViewId::Records);
-    QCOMPARE(records->unitIndex(), 0);
-    nav.navigate(*records, ViewId::Current);
-    QCOMPARE(m_w->unitIndex(), 0);
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
-    QVERIFY(!m_fx->dialogs.anyUnexpected());
-}
-
-void TestMainWindow::failingQueryIsReportedOnceAndTheViewRecovers()
-{
-    fillSystemSelect(*m_w, 0, false);
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
-    auto* label6 = m_w->findChild<QLabel*>(u"Label6"_s);
-
-    // The points table goes away (as if the server were rebuilding it).
-    QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
-    m_w->refresh();
-    QCOMPARE(m_fx->dialogs.messages().size(), 1);
-    QCOMPARE(m_fx->dialogs.messages()[0].icon, DialogService::Icon::Critical);
-    QVERIFY(m_fx->dialogs.messages()[0].text.startsWith(u"Παρουσιάστηκε το παρακάτω σφάλμα:"_s));
-    QVERIFY(m_w->databaseLost());
-    QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
-    QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
-    QVERIFY(!m_w->findChild<QPushButton*>(u"Command4"_s)->isEnabled());
-    QVERIFY(m_w->refreshTimer()->isActive());
-
-    m_w->refresh();
-    QCOMPARE(m_fx->dialogs.messages().size(), 1); // once per outage
-    QVERIFY(m_w->refreshTimer()->isActive());
-
-    QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info_away RENAME TO Sensors_Info"_s));
-    m_w->refresh();
-    QVERIFY(!m_w->databaseLost());
-    QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
-    QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
-    QVERIFY(m_w->findChild<QPushButton*>(u"Command4"_s)->isEnabled());
-    QVERIFY(!m_fx->failures->inOutage());
-
-    // A new outage is news again.
-    QVERIFY(m_fx->exec(u"ALTER TABLE Powermonitoring_Info RENAME TO Pm_away"_s));
-    m_w->refresh();
-    QCOMPARE(m_fx->dialogs.messages().size(), 2);
-    QVERIFY(m_fx->exec(u"ALTER TABLE Pm_away RENAME TO Powermonitoring_Info"_s));
-}
 
 QTEST_MAIN(TestMainWindow)
 #include "tst_mainwindow.moc"

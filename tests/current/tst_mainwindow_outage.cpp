@@ -143,76 +143,74 @@ class TestMainWindowOutage : public QObject {
     Q_OBJECT
 
 private slots:
-    void serverStopAndRestart();
-};
-
-void TestMainWindowOutage::serverStopAndRestart()
-{
-    if (ScratchDatabase::kindName() != u"postgresql")
-        QSKIP("stops and restarts a PostgreSQL server");
-    PrivateServer server;
-    const QString problem = server.start();
-    if (!problem.isEmpty())
-        QSKIP(qPrintable(problem));
-
+    void serverStopAndRestart()
     {
-        Database seedDb;
-        const DbError e = seedDb.open(server.settings());
-        QVERIFY2(!e.isError(), qPrintable(e.description));
-        QVERIFY(!sim::createSchema(seedDb).isError());
-        CurrentSeed seed(seedDb);
-        QVERIFY(seed.unit(u"S-1"_s, u"Σταθμός"_s));
-        for (int n = 1; n <= 4; ++n) {
-            QVERIFY(seed.point(u"S-1"_s, n, u"'Ζ'"_s));
-            QVERIFY(seed.pointCondition(u"S-1"_s, n, QString::number(n)));
+        if (ScratchDatabase::kindName() != u"postgresql")
+            QSKIP("stops and restarts a PostgreSQL server");
+        PrivateServer server;
+        const QString problem = server.start();
+        if (!problem.isEmpty())
+            QSKIP(qPrintable(problem));
+
+        {
+            Database seedDb;
+            const DbError e = seedDb.open(server.settings());
+            QVERIFY2(!e.isError(), qPrintable(e.description));
+            QVERIFY(!sim::createSchema(seedDb).isError());
+            CurrentSeed seed(seedDb);
+            QVERIFY(seed.unit(u"S-1"_s, u"Σταθμός"_s));
+            for (int n = 1; n <= 4; ++n) {
+                QVERIFY(seed.point(u"S-1"_s, n, u"'Ζ'"_s));
+                QVERIFY(seed.pointCondition(u"S-1"_s, n, QString::number(n)));
+            }
+            QVERIFY(seed.power(u"S-1"_s, 1, u"NULL"_s));
+            QVERIFY(seed.powerCondition(u"S-1"_s, 1, u"0"_s, u"0"_s));
+            QVERIFY(seed.condition(u"S-1"_s, u"1"_s, u"1"_s));
         }
-        QVERIFY(seed.power(u"S-1"_s, 1, u"NULL"_s));
-        QVERIFY(seed.powerCondition(u"S-1"_s, 1, u"0"_s, u"0"_s));
-        QVERIFY(seed.condition(u"S-1"_s, u"1"_s, u"1"_s));
+
+        GuiFixture fx;
+        const DbError opened = fx.db.open(server.settings());
+        QVERIFY2(!opened.isError(), qPrintable(opened.description));
+
+        MainWindow w(fx.ctx);
+        fillSystemSelect(w, -1, false);
+        auto* label6 = w.findChild<QLabel*>(u"Label6"_s);
+        auto* relay = w.findChild<QPushButton*>(u"Command5"_s);
+        QCOMPARE(w.pointsGrid()->rowCount(), 4);
+        QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
+        QVERIFY(fx.dialogs.messages().isEmpty());
+
+        QVERIFY2(server.stop(), qPrintable(server.output()));
+        w.refresh();
+        QCOMPARE(fx.dialogs.messages().size(), 1);
+        QCOMPARE(fx.dialogs.messages()[0].icon, DialogService::Icon::Critical);
+        QCOMPARE(fx.dialogs.messages()[0].title, u"SENTORAX Monitor"_s);
+        QVERIFY(w.databaseLost());
+        QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
+        QCOMPARE(w.pointsGrid()->rowCount(), 0);
+        QCOMPARE(w.powerGrid()->rowCount(), 0);
+        QVERIFY(!relay->isEnabled());
+        QVERIFY(w.refreshTimer()->isActive());
+
+        // Still down: no second box.
+        w.refresh();
+        QCOMPARE(fx.dialogs.messages().size(), 1);
+        QVERIFY(w.databaseLost());
+        QVERIFY(w.refreshTimer()->isActive());
+
+        QVERIFY2(server.startAgain(), qPrintable(server.output()));
+        w.refresh();
+        QVERIFY(!w.databaseLost());
+        QCOMPARE(w.pointsGrid()->rowCount(), 4);
+        QCOMPARE(w.powerGrid()->rowCount(), 1);
+        QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
+        QVERIFY(relay->isEnabled());
+        QCOMPARE(relay->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
+        QCOMPARE(fx.dialogs.messages().size(), 1);
+        QVERIFY(!fx.failures->inOutage());
+        QVERIFY(w.refreshTimer()->isActive());
     }
-
-    GuiFixture fx;
-    const DbError opened = fx.db.open(server.settings());
-    QVERIFY2(!opened.isError(), qPrintable(opened.description));
-
-    MainWindow w(fx.ctx);
-    fillSystemSelect(w, -1, false);
-    auto* label6 = w.findChild<QLabel*>(u"Label6"_s);
-    auto* relay = w.findChild<QPushButton*>(u"Command5"_s);
-    QCOMPARE(w.pointsGrid()->rowCount(), 4);
-    QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
-    QVERIFY(fx.dialogs.messages().isEmpty());
-
-    QVERIFY2(server.stop(), qPrintable(server.output()));
-    w.refresh();
-    QCOMPARE(fx.dialogs.messages().size(), 1);
-    QCOMPARE(fx.dialogs.messages()[0].icon, DialogService::Icon::Critical);
-    QCOMPARE(fx.dialogs.messages()[0].title, u"SENTORAX Monitor"_s);
-    QVERIFY(w.databaseLost());
-    QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
-    QCOMPARE(w.pointsGrid()->rowCount(), 0);
-    QCOMPARE(w.powerGrid()->rowCount(), 0);
-    QVERIFY(!relay->isEnabled());
-    QVERIFY(w.refreshTimer()->isActive());
-
-    // Still down: no second box.
-    w.refresh();
-    QCOMPARE(fx.dialogs.messages().size(), 1);
-    QVERIFY(w.databaseLost());
-    QVERIFY(w.refreshTimer()->isActive());
-
-    QVERIFY2(server.startAgain(), qPrintable(server.output()));
-    w.refresh();
-    QVERIFY(!w.databaseLost());
-    QCOMPARE(w.pointsGrid()->rowCount(), 4);
-    QCOMPARE(w.powerGrid()->rowCount(), 1);
-    QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
-    QVERIFY(relay->isEnabled());
-    QCOMPARE(relay->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
-    QCOMPARE(fx.dialogs.messages().size(), 1);
-    QVERIFY(!fx.failures->inOutage());
-    QVERIFY(w.refreshTimer()->isActive());
-}
+};
 
 QTEST_MAIN(TestMainWindowOutage)
 #include "tst_mainwindow_outage.moc"

@@ -81,59 +81,50 @@ class TestCurrentReport : public QObject {
         return QFile::exists(path) ? path : QString();
     }
 
+    // Runs SQL with %1, %2, ... filled in order.
+    template <typename... Args> void exec(QString sql, const Args&... args)
+    {
+        ((sql = sql.arg(args)), ...);
+        QVERIFY2(fx->exec(sql), qPrintable(sql));
+    }
+
     void addUnit(const QString& serial, const QString& name, int online, const QString& softver,
                  const QString& rtc)
     {
-        QVERIFY(fx->exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
-                         u"SyI_Systemname, SyI_Used, SyI_Online, SyI_Softver, SyI_Model) VALUES "
-                         u"('%1', '2001', '%2', 1, %3, '%4', 'SENTORAX-1A');\n"
-                         u"INSERT INTO Systems_Current_Condition (SyCC_SyI_Serialnumber, "
-                         u"SyCC_Alarmcondition, SyCC_RelayBcondition, SyCC_Rtc) VALUES "
-                         u"('%1', 2, 1, %5)"_s.arg(serial, name)
-                             .arg(online)
-                             .arg(softver, rtc)));
+        exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
+             u"SyI_Used, SyI_Online, SyI_Softver, SyI_Model) VALUES "
+             u"('%1', '2001', '%2', 1, %3, '%4', 'SENTORAX-1A');\n"
+             u"INSERT INTO Systems_Current_Condition (SyCC_SyI_Serialnumber, SyCC_Alarmcondition, "
+             u"SyCC_RelayBcondition, SyCC_Rtc) VALUES ('%1', 2, 1, %5)"_s,
+             serial, name, online, softver, rtc);
     }
 
     void addPoint(const QString& serial, int n, const QString& name, int type, double value,
                   int out, int notPowered, int used = 1)
     {
-        QVERIFY(fx->exec(
-            u"INSERT INTO Sensors_Info (SeI_SyI_Serialnumber, SeI_Sensornumber, "
-            u"SeI_Sensorname, SeI_Sensortype, SeI_Used) VALUES ('%1', %2, '%3', %4, "
-            u"%5);\n"
-            u"INSERT INTO Sensors_Current_Condition (SeCC_SyI_Serialnumber, "
-            u"SeCC_Sensornumber, SeCC_Currvalue, SeCC_Outofbounds, "
-            u"SeCC_Alarmcondition, SeCC_Notpowered) VALUES ('%1', %2, %6, %7, 0, %8)"_s.arg(serial)
-                .arg(n)
-                .arg(name)
-                .arg(type)
-                .arg(used)
-                .arg(value)
-                .arg(out)
-                .arg(notPowered)));
+        exec(u"INSERT INTO Sensors_Info (SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname, "
+             u"SeI_Sensortype, SeI_Used) VALUES ('%1', %2, '%3', %4, %5);\n"
+             u"INSERT INTO Sensors_Current_Condition (SeCC_SyI_Serialnumber, SeCC_Sensornumber, "
+             u"SeCC_Currvalue, SeCC_Outofbounds, SeCC_Alarmcondition, SeCC_Notpowered) VALUES "
+             u"('%1', %2, %6, %7, 0, %8)"_s,
+             serial, n, name, type, used, value, out, notPowered);
     }
 
     void addPower(const QString& serial, int n, const QString& name, int fault, int condition,
                   int used = 1)
     {
-        QVERIFY(fx->exec(u"INSERT INTO Powermonitoring_Info (PmI_SyI_Serialnumber, "
-                         u"PmI_Powernumber, PmI_Powername, PmI_Used) VALUES ('%1', %2, '%3', %4);\n"
-                         u"INSERT INTO Powermonitoring_Current_Condit (PmCC_SyI_Serialnumber, "
-                         u"PmCC_Powernumber, PmCC_Powerfault, PmCC_Powercondition) VALUES ('%1', "
-                         u"%2, %5, %6)"_s.arg(serial)
-                             .arg(n)
-                             .arg(name)
-                             .arg(used)
-                             .arg(fault)
-                             .arg(condition)));
+        exec(u"INSERT INTO Powermonitoring_Info (PmI_SyI_Serialnumber, PmI_Powernumber, "
+             u"PmI_Powername, PmI_Used) VALUES ('%1', %2, '%3', %4);\n"
+             u"INSERT INTO Powermonitoring_Current_Condit (PmCC_SyI_Serialnumber, "
+             u"PmCC_Powernumber, PmCC_Powerfault, PmCC_Powercondition) VALUES ('%1', %2, %5, %6)"_s,
+             serial, n, name, used, fault, condition);
     }
 
     void addFault(const QString& serial, int type, const QString& info)
     {
-        QVERIFY(fx->exec(u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, "
-                         u"SyF_Faultinfo) VALUES ('%1', %2, '%3')"_s.arg(serial)
-                             .arg(type)
-                             .arg(info)));
+        exec(u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, SyF_Faultinfo) "
+             u"VALUES ('%1', %2, '%3')"_s,
+             serial, type, info);
     }
 
     static QString title()

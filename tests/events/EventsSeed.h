@@ -12,17 +12,6 @@ namespace sx::test {
 
 using namespace Qt::StringLiterals;
 
-struct SeedEvent {
-    qint64 sn = 1;
-    QString when; // "YYYY-MM-DD HH:MM:SS"
-    int source = 1;
-    int condition = 1;
-    int type = 0;
-    double value = 0;
-    QString info;
-    int ack = 0;
-};
-
 class EventsSeed {
 public:
     explicit EventsSeed(Database& db) : m_db(db) {}
@@ -46,28 +35,17 @@ public:
                      name.isNull() ? u"NULL"_s : sqlQuote(name)));
     }
 
-    bool power(const QString& serial, int number, const QString& name)
-    {
-        return run(
-            u"INSERT INTO Powermonitoring_Info (PmI_SyI_Serialnumber, PmI_Powernumber, PmI_Powername, PmI_Used) VALUES (%1, %2, %3, 1)"_s
-                .arg(sqlQuote(serial), QString::number(number), sqlQuote(name)));
-    }
-
+    // when: "YYYY-MM-DD HH:MM:SS"
     bool event(const QString& serial, qint64 sn, const QString& when, int source, int condition,
                int type = 0, double value = 0, const QString& info = {}, int ack = 0)
     {
-        return event(serial, SeedEvent{sn, when, source, condition, type, value, info, ack});
-    }
-
-    bool event(const QString& serial, const SeedEvent& e)
-    {
         return run(
             u"INSERT INTO Events_1 (Event_SyI_Serialnumber, Event_SystemEventSN, Event_Datetime, Event_EventSource, Event_Condition, Event_SeI_Sensortype, Event_Value, Event_Info1, Event_Ack) VALUES (%1, %2, %3, %4, %5, %6, %7, %8, %9)"_s
-                .arg(sqlQuote(serial), QString::number(e.sn),
-                     sqlDateTimeLiteral(m_db.kind(), *parseSqlDateTime(QStringView(e.when))),
-                     QString::number(e.source), QString::number(e.condition),
-                     QString::number(e.type), QString::number(e.value, 'g', 9),
-                     e.info.isNull() ? u"NULL"_s : sqlQuote(e.info), QString::number(e.ack)));
+                .arg(sqlQuote(serial), QString::number(sn),
+                     sqlDateTimeLiteral(m_db.kind(), *parseSqlDateTime(QStringView(when))),
+                     QString::number(source), QString::number(condition), QString::number(type),
+                     QString::number(value, 'g', 9), info.isNull() ? u"NULL"_s : sqlQuote(info),
+                     QString::number(ack)));
     }
 
     // Acks of a unit's events by sequence number, "sn:ack" joined by blanks.

@@ -20,106 +20,103 @@ class TestEventQueryRun : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void selectsTheRightRows_data();
-    void selectsTheRightRows();
+    void initTestCase()
+    {
+        m_db = std::make_unique<Database>();
+        m_scratch = std::make_unique<test::ScratchDatabase>();
+        SX_REQUIRE_DB(*m_scratch);
+        QVERIFY(m_scratch->open(*m_db));
+
+        namespace E = schema::Events1;
+        qint64 sn = 1000;
+        // Sequence numbers fall as rows are added, so only the ordering gives ascending order.
+        const auto add = [&](const QString& serial, int source, int condition,
+                             const CivilTime& when, int ack) {
+            const DbError e = m_db->insertRow(
+                E::table, {{E::Event_SyI_Serialnumber, serial},
+                           {E::Event_SystemEventSN, sn--},
+                           {E::Event_Datetime, SqlDateTimeValue{secsFromCivil(when)}},
+                           {E::Event_EventSource, qint64(source)},
+                           {E::Event_Condition, qint64(condition)},
+                           {E::Event_SeI_Sensortype, qint64(0)},
+                           {E::Event_Value, 0.0},
+                           {E::Event_Info1, QString()},
+                           {E::Event_Ack, qint64(ack)}});
+            QVERIFY2(!e.isError(), qPrintable(e.description));
+        };
+        const CivilTime dec{2004, 12, 15, 12, 0, 0};
+        for (int s = 1; s <= 25; ++s) {
+            add(u"SN1"_s, s, 0, dec, 0);
+            add(u"SN1"_s, s, 1, dec, 0);
+        }
+        for (int c : {16, 17, 20, 48, 64})
+            add(u"SN1"_s, 21, c, dec, 0);
+        add(u"SN1"_s, 4, 1, dec, 1);
+        add(u"SN1"_s, 3, 1, {2004, 11, 30, 23, 59, 59}, 0);
+        add(u"SN1"_s, 3, 1, {2005, 1, 1, 0, 0, 0}, 0);
+        add(u"SN2"_s, 3, 1, dec, 0);
+    }
+
+    void cleanupTestCase()
+    {
+        m_db.reset();
+        m_scratch.reset();
+    }
+
+    void selectsTheRightRows_data()
+    {
+        QTest::addColumn<int>("source");
+        QTest::addColumn<EventKind>("kind");
+        QTest::addColumn<bool>("newOnly");
+        QTest::addColumn<int>("yearIndex");
+        QTest::addColumn<int>("month");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("every source both all") << 0 << EventKind::Both << false << 4 << 11 << 56;
+        QTest::newRow("every source both new") << 0 << EventKind::Both << true << 4 << 11 << 55;
+        // points at 1 (20), mains 1 and 17, sources 22 to 24 twice each; no bypass
+        QTest::newRow("every source alarms") << 0 << EventKind::Alarms << true << 4 << 11 << 28;
+        // points at 0 (20), mains 0, 16 and 64; no fault, delivery or bypass row
+        QTest::newRow("every source restorations")
+            << 0 << EventKind::Restorations << true << 4 << 11 << 23;
+        QTest::newRow("mains alarms") << 21 << EventKind::Alarms << false << 4 << 11 << 2;
+        QTest::newRow("mains restorations")
+            << 21 << EventKind::Restorations << false << 4 << 11 << 3;
+        QTest::newRow("bypass whatever the kind")
+            << 25 << EventKind::Alarms << false << 4 << 11 << 2;
+        QTest::newRow("all points alarms with read")
+            << -1 << EventKind::Alarms << false << 4 << 11 << 21;
+        QTest::newRow("year edges included") << 3 << EventKind::Alarms << false << 4 << 12 << 2;
+        QTest::newRow("next year first second") << 3 << EventKind::Alarms << false << 5 << 0 << 1;
+    }
+
+    void selectsTheRightRows()
+    {
+        QFETCH(int, source);
+        QFETCH(EventKind, kind);
+        QFETCH(bool, newOnly);
+        QFETCH(int, yearIndex);
+        QFETCH(int, month);
+        QFETCH(int, rows);
+        SX_REQUIRE_DB(*m_scratch);
+        const EventFilter f{u"SN1"_s, source, kind, newOnly, eventsPeriod(yearIndex, month)};
+        Rows r = m_db->read(orderedEventQuerySql(m_db->kind(), f));
+        const int snColumn = r.column(schema::Events1::Event_SystemEventSN);
+        int count = 0;
+        qint64 last = -1;
+        while (r.next()) {
+            const qint64 sn = r.integer(snColumn).value_or(-1);
+            QVERIFY(sn > last);
+            last = sn;
+            ++count;
+        }
+        QVERIFY2(r.ok(), qPrintable(r.error().description));
+        QCOMPARE(count, rows);
+    }
 
 private:
     std::unique_ptr<test::ScratchDatabase> m_scratch;
     std::unique_ptr<Database> m_db;
 };
-
-void TestEventQueryRun::initTestCase()
-{
-    m_db = std::make_unique<Database>();
-    m_scratch = std::make_unique<test::ScratchDatabase>();
-    SX_REQUIRE_DB(*m_scratch);
-    QVERIFY(m_scratch->open(*m_db));
-
-    namespace E = schema::Events1;
-    qint64 sn = 1000;
-    // Sequence numbers fall as rows are added, so only the ordering gives ascending order.
-    const auto add = [&](const QString& serial, int source, int condition, const CivilTime& when,
-                         int ack) {
-        const DbError e =
-            m_db->insertRow(E::table, {{E::Event_SyI_Serialnumber, serial},
-                                       {E::Event_SystemEventSN, sn--},
-                                       {E::Event_Datetime, SqlDateTimeValue{secsFromCivil(when)}},
-                                       {E::Event_EventSource, qint64(source)},
-                                       {E::Event_Condition, qint64(condition)},
-                                       {E::Event_SeI_Sensortype, qint64(0)},
-                                       {E::Event_Value, 0.0},
-                                       {E::Event_Info1, QString()},
-                                       {E::Event_Ack, qint64(ack)}});
-        QVERIFY2(!e.isError(), qPrintable(e.description));
-    };
-    const CivilTime dec{2004, 12, 15, 12, 0, 0};
-    for (int s = 1; s <= 25; ++s) {
-        add(u"SN1"_s, s, 0, dec, 0);
-        add(u"SN1"_s, s, 1, dec, 0);
-    }
-    for (int c : {16, 17, 20, 48, 64})
-        add(u"SN1"_s, 21, c, dec, 0);
-    add(u"SN1"_s, 4, 1, dec, 1);
-    add(u"SN1"_s, 3, 1, {2004, 11, 30, 23, 59, 59}, 0);
-    add(u"SN1"_s, 3, 1, {2005, 1, 1, 0, 0, 0}, 0);
-    add(u"SN2"_s, 3, 1, dec, 0);
-}
-
-void TestEventQueryRun::cleanupTestCase()
-{
-    m_db.reset();
-    m_scratch.reset();
-}
-
-void TestEventQueryRun::selectsTheRightRows_data()
-{
-    QTest::addColumn<int>("source");
-    QTest::addColumn<EventKind>("kind");
-    QTest::addColumn<bool>("newOnly");
-    QTest::addColumn<int>("yearIndex");
-    QTest::addColumn<int>("month");
-    QTest::addColumn<int>("rows");
-    QTest::newRow("every source both all") << 0 << EventKind::Both << false << 4 << 11 << 56;
-    QTest::newRow("every source both new") << 0 << EventKind::Both << true << 4 << 11 << 55;
-    // points at 1 (20), mains 1 and 17, sources 22 to 24 twice each; no bypass
-    QTest::newRow("every source alarms") << 0 << EventKind::Alarms << true << 4 << 11 << 28;
-    // points at 0 (20), mains 0, 16 and 64; no fault, delivery or bypass row
-    QTest::newRow("every source restorations")
-        << 0 << EventKind::Restorations << true << 4 << 11 << 23;
-    QTest::newRow("mains alarms") << 21 << EventKind::Alarms << false << 4 << 11 << 2;
-    QTest::newRow("mains restorations") << 21 << EventKind::Restorations << false << 4 << 11 << 3;
-    QTest::newRow("bypass whatever the kind") << 25 << EventKind::Alarms << false << 4 << 11 << 2;
-    QTest::newRow("all points alarms with read")
-        << -1 << EventKind::Alarms << false << 4 << 11 << 21;
-    QTest::newRow("year edges included") << 3 << EventKind::Alarms << false << 4 << 12 << 2;
-    QTest::newRow("next year first second") << 3 << EventKind::Alarms << false << 5 << 0 << 1;
-}
-
-void TestEventQueryRun::selectsTheRightRows()
-{
-    QFETCH(int, source);
-    QFETCH(EventKind, kind);
-    QFETCH(bool, newOnly);
-    QFETCH(int, yearIndex);
-    QFETCH(int, month);
-    QFETCH(int, rows);
-    SX_REQUIRE_DB(*m_scratch);
-    const EventFilter f{u"SN1"_s, source, kind, newOnly, eventsPeriod(yearIndex, month)};
-    Rows r = m_db->read(orderedEventQuerySql(m_db->kind(), f));
-    const int snColumn = r.column(schema::Events1::Event_SystemEventSN);
-    int count = 0;
-    qint64 last = -1;
-    while (r.next()) {
-        const qint64 sn = r.integer(snColumn).value_or(-1);
-        QVERIFY(sn > last);
-        last = sn;
-        ++count;
-    }
-    QVERIFY2(r.ok(), qPrintable(r.error().description));
-    QCOMPARE(count, rows);
-}
 
 QTEST_GUILESS_MAIN(TestEventQueryRun)
 #include "tst_eventqueryrun.moc"

@@ -85,305 +85,262 @@ class TestEventsReport : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { m_fx = std::make_unique<GuiFixture>(); }
 
-    void entriesFillColumnsThenPages_data();
-    void entriesFillColumnsThenPages();
-    void choicesLineRestatesTheControls_data();
-    void choicesLineRestatesTheControls();
+    void cleanup()
+    {
+        m_w.reset();
+        m_fx.reset();
+    }
 
-    void oneRowIsPageOneOfOne();
-    void fullLeftColumnContinuesAtTheTopOfTheRightOne();
-    void longDescriptionWrapsInsideItsColumn();
-    void choicesWithoutKindForUnitFaults();
-    void cancelledPrinterDialogPrintsNothing();
+    void entriesFillColumnsThenPages_data()
+    {
+        QTest::addColumn<QList<double>>("heights");
+        QTest::addColumn<QString>("placed"); // page:column:y of each entry
+        QTest::addColumn<int>("pages");
+        // Page height 297: the bottom limit is 287, a column runs from 35.
+        QTest::newRow("none") << QList<double>{} << QString() << 1;
+        QTest::newRow("one") << QList<double>{10} << u"0:0:35"_s << 1;
+        QTest::newRow("an exact fit stays in the column")
+            << QList<double>{126, 126} << u"0:0:35 0:0:161"_s << 1;
+        QTest::newRow("a full left column continues at the top of the right")
+            << QList<double>{100, 100, 100} << u"0:0:35 0:0:135 0:1:35"_s << 1;
+        QTest::newRow("after the right column a new page")
+            << QList<double>{100, 100, 100, 100, 100} << u"0:0:35 0:0:135 0:1:35 0:1:135 1:0:35"_s
+            << 2;
+        QTest::newRow("taller than a column stays at the top of its own")
+            << QList<double>{300, 10, 300} << u"0:0:35 0:1:35 1:0:35"_s << 2;
+    }
+
+    void entriesFillColumnsThenPages()
+    {
+        QFETCH(QList<double>, heights);
+        QFETCH(QString, placed);
+        QFETCH(int, pages);
+        const Layout l = layoutEntries(heights, 297.0);
+        QStringList got;
+        for (const Placement& p : l.entries)
+            got << u"%1:%2:%3"_s.arg(p.page).arg(p.column).arg(p.y);
+        QCOMPARE(got.join(u' '), placed);
+        QCOMPARE(l.pages, pages);
+    }
+
+    void choicesLineRestatesTheControls_data()
+    {
+        QTest::addColumn<bool>("kindApplies");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<bool>("newOnly");
+        QTest::addColumn<QString>("line");
+        const QString head = u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΣΥΜΒΑΝΤΩΝ. ΣΥΣΤΗΜΑ:Alpha [7] (A-1)"_s;
+        const QString period = u" , ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s;
+        QTest::newRow("alarms, new")
+            << true << 0 << true
+            << head + u" , ΠΡΟΕΛΕΥΣΗ/ΤΥΠΟΣ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο/ΣΥΝΑΓΕΡΜΟΣ"_s + period +
+                   u" , ΝΕΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
+        QTest::newRow("restorations, all")
+            << true << 1 << false
+            << head + u" , ΠΡΟΕΛΕΥΣΗ/ΤΥΠΟΣ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο/ΑΠΟΚΑΤΑΣΤΑΣΗ"_s + period +
+                   u" , ΟΛΑ ΤΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
+        QTest::newRow("both kinds") << true << 2 << true
+                                    << head + u" , ΠΡΟΕΛΕΥΣΗ/ΤΥΠΟΣ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο/ΟΛΑ"_s +
+                                           period + u" , ΝΕΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
+        QTest::newRow("no kind where the options are disabled")
+            << false << 0 << true
+            << head + u" , ΠΡΟΕΛΕΥΣΗ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο"_s + period +
+                   u" , ΝΕΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
+    }
+
+    void choicesLineRestatesTheControls()
+    {
+        QFETCH(bool, kindApplies);
+        QFETCH(int, kind);
+        QFETCH(bool, newOnly);
+        QFETCH(QString, line);
+        Choices c;
+        c.unit = u"Alpha [7] (A-1)"_s;
+        c.source = u"[2] Ψυγείο"_s;
+        c.kindApplies = kindApplies;
+        c.kind = kind;
+        c.month = u"Μαρτιος"_s;
+        c.year = u"2026"_s;
+        c.newOnly = newOnly;
+        QCOMPARE(choicesLine(c), line);
+    }
+
+    void oneRowIsPageOneOfOne()
+    {
+        SX_REQUIRE_DB(m_fx->scratch);
+        seedAlpha();
+        QVERIFY(EventsSeed(m_fx->db).event(u"A-1"_s, 2, u"2026-03-03 10:15:00"_s, 21, 1));
+        open(0);
+        QCOMPARE(m_w->model()->rowCount(), 2);
+        // After a fill only the first row is selected: that is what prints.
+        const PdfText pdf = print(u"one"_s);
+        QCOMPARE(pdf.pages.size(), 1);
+        const QString page = pdf.pages.first();
+        QVERIFY2(page.contains(u"Σελίδα 1/1"_s), qPrintable(page));
+        QVERIFY(page.contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s));
+        QVERIFY(squeezed(page).contains(squeezed(m_w->choicesText())));
+        QVERIFY(page.contains(u"03/03/2026 - 10:15"_s));
+        QVERIFY(!page.contains(u"02/03/2026"_s));
+        QVERIFY(page.contains(u"ΕΓΙΝΕ ΔΙΑΚΟΠΗ ΣΤΗΝ ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ"_s));
+        // The entry at the top of the left column, below the choices line.
+        const Word* date = nullptr;
+        const Word* title = nullptr;
+        for (const Word& w : pdf.words) {
+            if (w.text == u"03/03/2026")
+                date = &w;
+            if (w.text == u"SENTORAX" && !title)
+                title = &w;
+        }
+        QVERIFY(date && title);
+        QVERIFY(date->x < pdf.pageWidth / 2);
+        QVERIFY(date->y > title->y);
+    }
+
+    void fullLeftColumnContinuesAtTheTopOfTheRightOne()
+    {
+        SX_REQUIRE_DB(m_fx->scratch);
+        EventsSeed s(m_fx->db);
+        QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
+        // One event a day in March and again in April's first days: each entry has
+        // a date of its own, so its place can be read back.
+        const int count = 60;
+        for (int i = 0; i < count; ++i) {
+            const QDateTime when = QDateTime(QDate(2026, 1, 1), QTime(8, 0)).addDays(i);
+            QVERIFY(s.event(u"A-1"_s, i + 1, when.toString(u"yyyy-MM-dd HH:mm:ss"_s), 21, 1));
+        }
+        open(0);
+        m_w->monthSelect()->setCurrentIndex(12);
+        QCOMPARE(m_w->model()->rowCount(), count);
+        m_w->selectAllEvents();
+        const PdfText pdf = print(u"columns"_s);
+        QVERIFY(pdf.pages.size() >= 2);
+        const int pages = int(pdf.pages.size());
+        for (int p = 0; p < pages; ++p) {
+            QVERIFY2(pdf.pages.at(p).contains(u"Σελίδα %1/%2"_s.arg(p + 1).arg(pages)),
+                     qPrintable(pdf.pages.at(p)));
+            QVERIFY(pdf.pages.at(p).contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s));
+        }
+        // The dates in report order: page, then column, then top to bottom.
+        struct Spot {
+            int page;
+            int column;
+            double y;
+            QString date;
+        };
+        QList<Spot> spots;
+        static const QRegularExpression dateRe(u"^\\d\\d/\\d\\d/2026$"_s);
+        for (const Word& w : pdf.words) {
+            if (dateRe.match(w.text).hasMatch())
+                spots.append({w.page, w.x < pdf.pageWidth / 2 ? 0 : 1, w.y, w.text});
+        }
+        QCOMPARE(spots.size(), count);
+        std::stable_sort(spots.begin(), spots.end(), [](const Spot& a, const Spot& b) {
+            return std::tie(a.page, a.column, a.y) < std::tie(b.page, b.column, b.y);
+        });
+        for (int i = 0; i < count; ++i)
+            QCOMPARE(spots.at(i).date, m_w->model()->dateText(i).left(10));
+        // The right column of page 1 starts level with the left one, with the
+        // entry that follows the left column's last; page 2 starts at the top left.
+        const auto firstWhere = [&spots](auto pred) {
+            return int(std::find_if(spots.begin(), spots.end(), pred) - spots.begin());
+        };
+        const int firstRight =
+            firstWhere([](const Spot& x) { return x.page == 0 && x.column == 1; });
+        const int firstOnPage2 = firstWhere([](const Spot& x) { return x.page == 1; });
+        QVERIFY(firstRight > 1 && firstRight < count);
+        QCOMPARE(spots.at(firstRight).y, spots.at(0).y);
+        QVERIFY(firstOnPage2 > firstRight && firstOnPage2 < count);
+        QCOMPARE(spots.at(firstOnPage2).column, 0);
+        QCOMPARE(spots.at(firstOnPage2).y, spots.at(0).y);
+    }
+
+    void longDescriptionWrapsInsideItsColumn()
+    {
+        SX_REQUIRE_DB(m_fx->scratch);
+        EventsSeed s(m_fx->db);
+        QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
+        QVERIFY(s.unit(u"B-2"_s, u"Beta"_s));
+        QVERIFY(s.zone(u"B-2"_s, 4, u"Είσοδος αποθήκης"_s));
+        QVERIFY(s.event(u"B-2"_s, 1, u"2026-03-06 13:00:00"_s, 25, 0, 0, 0, u"1;4;8"_s));
+        open(2);
+        QCOMPARE(m_w->systemSelect()->currentText(), u"ΟΛΑ"_s);
+        // Bypasses are listed only with both kinds.
+        m_w->kindOption(2)->click();
+        QCOMPARE(m_w->model()->rowCount(), 1);
+        const QString description = m_w->model()->descriptionText(0);
+        QVERIFY(description.startsWith(u"Beta [7] (B-2) -> ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ"_s));
+        const PdfText pdf = print(u"wrap"_s);
+        QCOMPARE(pdf.pages.size(), 1);
+        // Every word of the description, in order, inside the left column.
+        const QStringList expected = description.split(u' ', Qt::SkipEmptyParts);
+        qsizetype start = -1;
+        for (qsizetype i = 0; i < pdf.words.size() && start < 0; ++i) {
+            if (pdf.words.at(i).text == u"Beta" && pdf.words.at(i).y > 0 &&
+                i + 1 < pdf.words.size() && pdf.words.at(i + 1).text == u"[7]")
+                start = i;
+        }
+        QVERIFY(start >= 0);
+        QVERIFY(start + expected.size() <= pdf.words.size());
+        QSet<double> lines;
+        const double columnRight = pdf.pageWidth / 2;
+        for (qsizetype k = 0; k < expected.size(); ++k) {
+            const Word& w = pdf.words.at(start + k);
+            QCOMPARE(w.text, expected.at(k));
+            QVERIFY2(w.right < columnRight, qPrintable(w.text));
+            lines.insert(w.y);
+        }
+        QVERIFY2(lines.size() >= 2, "the description should take more than one line");
+    }
+
+    void cancelledPrinterDialogPrintsNothing()
+    {
+        SX_REQUIRE_DB(m_fx->scratch);
+        seedAlpha();
+        open(0);
+        const QString pdf = m_fx->scratch.folder() + u"/cancelled.pdf"_s;
+        m_fx->dialogs.answerPrint(false, [pdf](QPrinter& p) {
+            p.setOutputFormat(QPrinter::PdfFormat);
+            p.setOutputFileName(pdf);
+        });
+        m_w->printAction()->trigger();
+        QVERIFY(!QFile::exists(pdf));
+        QCOMPARE(m_fx->dialogs.shown().size(), 1);
+        QCOMPARE(m_fx->dialogs.shown().first().kind, u"print"_s);
+    }
 
 private:
-    void open(int unitIndex);
-    PdfText print(const QString& name);
+    void open(int unitIndex)
+    {
+        m_fx->clock.advance(
+            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+        m_w = std::make_unique<EventsWindow>(m_fx->ctx);
+        fillSystemSelect(*m_w, unitIndex, true);
+    }
+
+    PdfText print(const QString& name)
+    {
+        const QString pdf = m_fx->scratch.folder() + u'/' + name + u".pdf"_s;
+        m_fx->dialogs.answerPrint(true, [pdf](QPrinter& p) {
+            p.setOutputFormat(QPrinter::PdfFormat);
+            p.setOutputFileName(pdf);
+        });
+        m_w->printAction()->trigger();
+        return readPdf(pdf);
+    }
+
+    // Unit A-1 with one mains cut on 2 March 2026.
+    void seedAlpha()
+    {
+        EventsSeed s(m_fx->db);
+        QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
+        QVERIFY(s.event(u"A-1"_s, 1, u"2026-03-02 09:05:00"_s, 21, 1));
+    }
 
     std::unique_ptr<GuiFixture> m_fx;
     std::unique_ptr<EventsWindow> m_w;
 };
-
-void TestEventsReport::init()
-{
-    m_fx = std::make_unique<GuiFixture>();
-}
-
-void TestEventsReport::cleanup()
-{
-    m_w.reset();
-    m_fx.reset();
-}
-
-void TestEventsReport::entriesFillColumnsThenPages_data()
-{
-    QTest::addColumn<QList<double>>("heights");
-    QTest::addColumn<QString>("placed"); // page:column:y of each entry
-    QTest::addColumn<int>("pages");
-    // Page height 297: the bottom limit is 287, a column runs from 35.
-    QTest::newRow("none") << QList<double>{} << QString() << 1;
-    QTest::newRow("one") << QList<double>{10} << u"0:0:35"_s << 1;
-    QTest::newRow("an exact fit stays in the column")
-        << QList<double>{126, 126} << u"0:0:35 0:0:161"_s << 1;
-    QTest::newRow("a full left column continues at the top of the right")
-        << QList<double>{100, 100, 100} << u"0:0:35 0:0:135 0:1:35"_s << 1;
-    QTest::newRow("after the right column a new page")
-        << QList<double>{100, 100, 100, 100, 100} << u"0:0:35 0:0:135 0:1:35 0:1:135 1:0:35"_s << 2;
-    QTest::newRow("taller than a column stays at the top of its own")
-        << QList<double>{300, 10, 300} << u"0:0:35 0:1:35 1:0:35"_s << 2;
-}
-
-void TestEventsReport::entriesFillColumnsThenPages()
-{
-    QFETCH(QList<double>, heights);
-    QFETCH(QString, placed);
-    QFETCH(int, pages);
-    const Layout l = layoutEntries(heights, 297.0);
-    QStringList got;
-    for (const Placement& p : l.entries)
-        got << u"%1:%2:%3"_s.arg(p.page).arg(p.column).arg(p.y);
-    QCOMPARE(got.join(u' '), placed);
-    QCOMPARE(l.pages, pages);
-}
-
-void TestEventsReport::choicesLineRestatesTheControls_data()
-{
-    QTest::addColumn<bool>("kindApplies");
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<bool>("newOnly");
-    QTest::addColumn<QString>("line");
-    const QString head = u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΣΥΜΒΑΝΤΩΝ. ΣΥΣΤΗΜΑ:Alpha [7] (A-1)"_s;
-    const QString period = u" , ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s;
-    QTest::newRow("alarms, new") << true << 0 << true
-                                 << head + u" , ΠΡΟΕΛΕΥΣΗ/ΤΥΠΟΣ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο/ΣΥΝΑΓΕΡΜΟΣ"_s +
-                                        period + u" , ΝΕΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
-    QTest::newRow("restorations, all")
-        << true << 1 << false
-        << head + u" , ΠΡΟΕΛΕΥΣΗ/ΤΥΠΟΣ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο/ΑΠΟΚΑΤΑΣΤΑΣΗ"_s + period +
-               u" , ΟΛΑ ΤΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
-    QTest::newRow("both kinds") << true << 2 << true
-                                << head + u" , ΠΡΟΕΛΕΥΣΗ/ΤΥΠΟΣ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο/ΟΛΑ"_s +
-                                       period + u" , ΝΕΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
-    QTest::newRow("no kind where the options are disabled")
-        << false << 0 << true
-        << head + u" , ΠΡΟΕΛΕΥΣΗ ΣΥΜΒΑΝΤΩΝ:[2] Ψυγείο"_s + period +
-               u" , ΝΕΑ ΣΥΜΒΑΝΤΑ ΤΗΣ ΧΡΟΝΙΚΗΣ ΠΕΡΙΟΔΟΥ"_s;
-}
-
-void TestEventsReport::choicesLineRestatesTheControls()
-{
-    QFETCH(bool, kindApplies);
-    QFETCH(int, kind);
-    QFETCH(bool, newOnly);
-    QFETCH(QString, line);
-    Choices c;
-    c.unit = u"Alpha [7] (A-1)"_s;
-    c.source = u"[2] Ψυγείο"_s;
-    c.kindApplies = kindApplies;
-    c.kind = kind;
-    c.month = u"Μαρτιος"_s;
-    c.year = u"2026"_s;
-    c.newOnly = newOnly;
-    QCOMPARE(choicesLine(c), line);
-}
-
-void TestEventsReport::open(int unitIndex)
-{
-    m_fx->clock.advance(
-        QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
-    m_w = std::make_unique<EventsWindow>(m_fx->ctx);
-    fillSystemSelect(*m_w, unitIndex, true);
-}
-
-PdfText TestEventsReport::print(const QString& name)
-{
-    const QString pdf = m_fx->scratch.folder() + u'/' + name + u".pdf"_s;
-    m_fx->dialogs.answerPrint(true, [pdf](QPrinter& p) {
-        p.setOutputFormat(QPrinter::PdfFormat);
-        p.setOutputFileName(pdf);
-    });
-    m_w->printAction()->trigger();
-    if (!qEnvironmentVariableIsEmpty("SX_KEEP_PDF"))
-        QFile::copy(pdf, qEnvironmentVariable("SX_KEEP_PDF") + u'/' + name + u".pdf"_s);
-    return readPdf(pdf);
-}
-
-void TestEventsReport::oneRowIsPageOneOfOne()
-{
-    SX_REQUIRE_DB(m_fx->scratch);
-    EventsSeed s(m_fx->db);
-    QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-    QVERIFY(s.event(u"A-1"_s, 1, u"2026-03-02 09:05:00"_s, 21, 1));
-    QVERIFY(s.event(u"A-1"_s, 2, u"2026-03-03 10:15:00"_s, 21, 1));
-    open(0);
-    QCOMPARE(m_w->model()->rowCount(), 2);
-    // After a fill only the first row is selected: that is what prints.
-    const PdfText pdf = print(u"one"_s);
-    QCOMPARE(pdf.pages.size(), 1);
-    const QString page = pdf.pages.first();
-    QVERIFY2(page.contains(u"Σελίδα 1/1"_s), qPrintable(page));
-    QVERIFY(page.contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s));
-    QVERIFY(squeezed(page).contains(squeezed(m_w->choicesText())));
-    QVERIFY(page.contains(u"03/03/2026 - 10:15"_s));
-    QVERIFY(!page.contains(u"02/03/2026"_s));
-    QVERIFY(page.contains(u"ΕΓΙΝΕ ΔΙΑΚΟΠΗ ΣΤΗΝ ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ"_s));
-    // The entry at the top of the left column, below the choices line.
-    const Word* date = nullptr;
-    const Word* title = nullptr;
-    for (const Word& w : pdf.words) {
-        if (w.text == u"03/03/2026")
-            date = &w;
-        if (w.text == u"SENTORAX" && !title)
-            title = &w;
-    }
-    QVERIFY(date && title);
-    QVERIFY(date->x < pdf.pageWidth / 2);
-    QVERIFY(date->y > title->y);
-}
-
-void TestEventsReport::fullLeftColumnContinuesAtTheTopOfTheRightOne()
-{
-    SX_REQUIRE_DB(m_fx->scratch);
-    EventsSeed s(m_fx->db);
-    QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-    // One event a day in March and again in April's first days: each entry has
-    // a date of its own, so its place can be read back.
-    const int count = 60;
-    for (int i = 0; i < count; ++i) {
-        const QDateTime when = QDateTime(QDate(2026, 1, 1), QTime(8, 0)).addDays(i);
-        QVERIFY(s.event(u"A-1"_s, i + 1, when.toString(u"yyyy-MM-dd HH:mm:ss"_s), 21, 1));
-    }
-    open(0);
-    m_w->monthSelect()->setCurrentIndex(12);
-    QCOMPARE(m_w->model()->rowCount(), count);
-    m_w->selectAllEvents();
-    const PdfText pdf = print(u"columns"_s);
-    QVERIFY(pdf.pages.size() >= 2);
-    const int pages = int(pdf.pages.size());
-    for (int p = 0; p < pages; ++p) {
-        QVERIFY2(pdf.pages.at(p).contains(u"Σελίδα %1/%2"_s.arg(p + 1).arg(pages)),
-                 qPrintable(pdf.pages.at(p)));
-        QVERIFY(pdf.pages.at(p).contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s));
-    }
-    // The dates in report order: page, then column, then top to bottom.
-    struct Spot {
-        int page;
-        int column;
-        double y;
-        QString date;
-    };
-    QList<Spot> spots;
-    static const QRegularExpression dateRe(u"^\\d\\d/\\d\\d/2026$"_s);
-    for (const Word& w : pdf.words) {
-        if (dateRe.match(w.text).hasMatch())
-            spots.append({w.page, w.x < pdf.pageWidth / 2 ? 0 : 1, w.y, w.text});
-    }
-    QCOMPARE(spots.size(), count);
-    std::stable_sort(spots.begin(), spots.end(), [](const Spot& a, const Spot& b) {
-        return std::tie(a.page, a.column, a.y) < std::tie(b.page, b.column, b.y);
-    });
-    for (int i = 0; i < count; ++i)
-        QCOMPARE(spots.at(i).date, m_w->model()->dateText(i).left(10));
-    // The right column of page 1 starts level with the left one, with the
-    // entry that follows the left column's last.
-    int firstRight = -1;
-    for (int i = 0; i < count && firstRight < 0; ++i) {
-        if (spots.at(i).page == 0 && spots.at(i).column == 1)
-            firstRight = i;
-    }
-    QVERIFY(firstRight > 1);
-    QCOMPARE(spots.at(firstRight).y, spots.at(0).y);
-    QCOMPARE(spots.at(firstRight - 1).column, 0);
-    // And the next page starts at the top of its left column.
-    int firstOnPage2 = -1;
-    for (int i = 0; i < count && firstOnPage2 < 0; ++i) {
-        if (spots.at(i).page == 1)
-            firstOnPage2 = i;
-    }
-    QVERIFY(firstOnPage2 > firstRight);
-    QCOMPARE(spots.at(firstOnPage2).column, 0);
-    QCOMPARE(spots.at(firstOnPage2).y, spots.at(0).y);
-}
-
-void TestEventsReport::longDescriptionWrapsInsideItsColumn()
-{
-    SX_REQUIRE_DB(m_fx->scratch);
-    EventsSeed s(m_fx->db);
-    QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-    QVERIFY(s.unit(u"B-2"_s, u"Beta"_s));
-    QVERIFY(s.zone(u"B-2"_s, 4, u"Είσοδος αποθήκης"_s));
-    QVERIFY(s.event(u"B-2"_s, 1, u"2026-03-06 13:00:00"_s, 25, 0, 0, 0, u"1;4;8"_s));
-    open(2);
-    QCOMPARE(m_w->systemSelect()->currentText(), u"ΟΛΑ"_s);
-    // Bypasses are listed only with both kinds.
-    m_w->kindOption(2)->click();
-    QCOMPARE(m_w->model()->rowCount(), 1);
-    const QString description = m_w->model()->descriptionText(0);
-    QVERIFY(description.startsWith(u"Beta [7] (B-2) -> ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ"_s));
-    const PdfText pdf = print(u"wrap"_s);
-    QCOMPARE(pdf.pages.size(), 1);
-    // Every word of the description, in order, inside the left column.
-    const QStringList expected = description.split(u' ', Qt::SkipEmptyParts);
-    qsizetype start = -1;
-    for (qsizetype i = 0; i < pdf.words.size() && start < 0; ++i) {
-        if (pdf.words.at(i).text == u"Beta" && pdf.words.at(i).y > 0 && i + 1 < pdf.words.size() &&
-            pdf.words.at(i + 1).text == u"[7]")
-            start = i;
-    }
-    QVERIFY(start >= 0);
-    QVERIFY(start + expected.size() <= pdf.words.size());
-    QSet<double> lines;
-    const double columnRight = pdf.pageWidth / 2;
-    for (qsizetype k = 0; k < expected.size(); ++k) {
-        const Word& w = pdf.words.at(start + k);
-        QCOMPARE(w.text, expected.at(k));
-        QVERIFY2(w.right < columnRight, qPrintable(w.text));
-        lines.insert(w.y);
-    }
-    QVERIFY2(lines.size() >= 2, "the description should take more than one line");
-}
-
-void TestEventsReport::choicesWithoutKindForUnitFaults()
-{
-    SX_REQUIRE_DB(m_fx->scratch);
-    EventsSeed s(m_fx->db);
-    QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-    QVERIFY(s.event(u"A-1"_s, 1, u"2026-03-02 09:05:00"_s, 23, 0, 0, 0, u"3"_s));
-    open(0);
-    const int i = m_w->sensorSelect()->findText(u"Βλάβες συστήματος"_s);
-    QVERIFY(i >= 0);
-    m_w->sensorSelect()->setCurrentIndex(i);
-    emit m_w->sensorSelect()->activated(i);
-    QVERIFY(!m_w->kindOption(0)->isEnabled());
-    const PdfText pdf = print(u"faults"_s);
-    QCOMPARE(pdf.pages.size(), 1);
-    const QString page = squeezed(pdf.pages.first());
-    QVERIFY2(page.contains(squeezed(u" , ΠΡΟΕΛΕΥΣΗ ΣΥΜΒΑΝΤΩΝ:Βλάβες συστήματος , ΜΗΝΑΣ/ΕΤΟΣ:"_s)),
-             qPrintable(pdf.pages.first()));
-    QVERIFY(!page.contains(u"ΤΥΠΟΣ"_s));
-    QVERIFY(page.contains(squeezed(u"ΒΛΑΒΗ ΣΥΣΤΗΜΑΤΟΣ: ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s)));
-}
-
-void TestEventsReport::cancelledPrinterDialogPrintsNothing()
-{
-    SX_REQUIRE_DB(m_fx->scratch);
-    EventsSeed s(m_fx->db);
-    QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-    QVERIFY(s.event(u"A-1"_s, 1, u"2026-03-02 09:05:00"_s, 21, 1));
-    open(0);
-    const QString pdf = m_fx->scratch.folder() + u"/cancelled.pdf"_s;
-    m_fx->dialogs.answerPrint(false, [pdf](QPrinter& p) {
-        p.setOutputFormat(QPrinter::PdfFormat);
-        p.setOutputFileName(pdf);
-    });
-    m_w->printAction()->trigger();
-    QVERIFY(!QFile::exists(pdf));
-    QCOMPARE(m_fx->dialogs.shown().size(), 1);
-    QCOMPARE(m_fx->dialogs.shown().first().kind, u"print"_s);
-}
 
 QTEST_MAIN(TestEventsReport)
 #include "tst_eventsreport.moc"

@@ -50,7 +50,7 @@ std::vector<QPointF> drawnPoints(const Records& newestFirst, const GraphView& vi
     return out;
 }
 
-// The text's scan from the newest record towards the oldest.
+// The straightforward scan from the newest record towards the oldest.
 std::optional<int> scanNearest(const Records& records, int first, int last, qint64 tSecs)
 {
     for (int i = first; i <= last; ++i) {
@@ -111,159 +111,134 @@ class TestGraphData : public QObject {
     Q_OBJECT
 
 private slots:
-    void decimateKeepsOnlyDrawnSegments_data();
-    void decimateKeepsOnlyDrawnSegments();
-    void decimateLooksLikeEverySegment_data();
-    void decimateLooksLikeEverySegment();
-    void nearestRecord_data();
-    void nearestRecord();
-    void binarySearchMatchesTheScan_data();
-    void binarySearchMatchesTheScan();
-};
+    void decimateKeepsOnlyDrawnSegments_data()
+    {
+        QTest::addColumn<Records>("records");
+        QTest::addColumn<int>("viewOffset");
+        QTest::addColumn<int>("span");
+        QTest::addColumn<QList<QPointF>>("expected");
+        QTest::newRow("segment -3 to 2 drawn")
+            << grid({{0, 1}, {5, 2}}) << 3 << 10 << QList<QPointF>{{-3, 1}, {2, 2}};
+        QTest::newRow("two records in minute 0: their segment is not drawn")
+            << grid({{0, 1}, {0, 7}, {5, 3}}) << 0 << 10 << QList<QPointF>{{0, 7}, {5, 3}};
+        QTest::newRow("the walk ends past the span")
+            << grid({{0, 1}, {8, 2}, {12, 3}, {15, 4}}) << 0 << 10
+            << QList<QPointF>{{0, 1}, {8, 2}, {12, 3}};
+        QTest::newRow("one record") << grid({{0, 1}}) << 0 << 10 << QList<QPointF>{};
+        QTest::newRow("all before the view")
+            << grid({{0, 1}, {1, 2}}) << 5 << 10 << QList<QPointF>{};
+        QTest::newRow("a wide column keeps first, low, high, last in time order")
+            << grid({{0, 5}, {1, 9}, {2, 1}, {3, 4}, {4, 6}, {30, 2}}) << 0 << 100
+            << QList<QPointF>{{0, 5}, {1, 9}, {2, 1}, {4, 6}, {30, 2}};
+    }
+    void decimateKeepsOnlyDrawnSegments()
+    {
+        QFETCH(Records, records);
+        QFETCH(int, viewOffset);
+        QFETCH(int, span);
+        QFETCH(QList<QPointF>, expected);
+        const GraphView view{kBase + qint64(viewOffset) * 60, span, -10.0f, 10.0f};
+        // 11 pixels over 100 minutes: minutes 0..4 share column 0.
+        const std::vector<QPointF> points = decimate(records, view, span == 100 ? 11 : 1000);
+        QCOMPARE(QList<QPointF>(points.begin(), points.end()), expected);
+    }
 
-void TestGraphData::decimateKeepsOnlyDrawnSegments_data()
-{
-    QTest::addColumn<Records>("records");
-    QTest::addColumn<int>("viewOffset");
-    QTest::addColumn<int>("span");
-    QTest::addColumn<QList<QPointF>>("expected");
-    QTest::newRow("segment -3 to 0 not drawn")
-        << grid({{0, 1}, {3, 2}}) << 3 << 10 << QList<QPointF>{};
-    QTest::newRow("segment -3 to 2 drawn")
-        << grid({{0, 1}, {5, 2}}) << 3 << 10 << QList<QPointF>{{-3, 1}, {2, 2}};
-    QTest::newRow("two records in minute 0: their segment is not drawn")
-        << grid({{0, 1}, {0, 7}, {5, 3}}) << 0 << 10 << QList<QPointF>{{0, 7}, {5, 3}};
-    QTest::newRow("the walk ends past the span") << grid({{0, 1}, {8, 2}, {12, 3}, {15, 4}}) << 0
-                                                 << 10 << QList<QPointF>{{0, 1}, {8, 2}, {12, 3}};
-    QTest::newRow("one record") << grid({{0, 1}}) << 0 << 10 << QList<QPointF>{};
-    QTest::newRow("all before the view") << grid({{0, 1}, {1, 2}}) << 5 << 10 << QList<QPointF>{};
-    QTest::newRow("a wide column keeps first, low, high, last in time order")
-        << grid({{0, 5}, {1, 9}, {2, 1}, {3, 4}, {4, 6}, {30, 2}}) << 0 << 100
-        << QList<QPointF>{{0, 5}, {1, 9}, {2, 1}, {4, 6}, {30, 2}};
-}
+    void decimateLooksLikeEverySegment_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("width");
+        QTest::newRow("dense, narrow") << 1u << 5000 << 40;
+        QTest::newRow("dense, wide") << 2u << 5000 << 900;
+        QTest::newRow("sparse") << 3u << 60 << 700;
+        QTest::newRow("two pixels") << 4u << 300 << 2;
+        QTest::newRow("odd width") << 5u << 800 << 123;
+    }
+    void decimateLooksLikeEverySegment()
+    {
+        QFETCH(quint32, seed);
+        QFETCH(int, count);
+        QFETCH(int, width);
+        QRandomGenerator rng(seed);
+        for (int round = 0; round < 40; ++round) {
+            const Records records = randomRecords(rng, count);
+            const qint64 lastMinute = minuteDiff(records.back().secs, records.front().secs);
+            const auto offset = qint64(rng.bounded(int(lastMinute / 2) + 1)) - 3;
+            const int span = 1 + rng.bounded(int(lastMinute) + 5);
+            const GraphView view{records.back().secs + offset * 60, span, -10.0f, 10.0f};
 
-void TestGraphData::decimateKeepsOnlyDrawnSegments()
-{
-    QFETCH(Records, records);
-    QFETCH(int, viewOffset);
-    QFETCH(int, span);
-    QFETCH(QList<QPointF>, expected);
-    const GraphView view{kBase + qint64(viewOffset) * 60, span, -10.0f, 10.0f};
-    // 11 pixels over 100 minutes: minutes 0..4 share column 0.
-    const std::vector<QPointF> points = decimate(records, view, span == 100 ? 11 : 1000);
-    QCOMPARE(QList<QPointF>(points.begin(), points.end()), expected);
-}
-
-void TestGraphData::decimateLooksLikeEverySegment_data()
-{
-    QTest::addColumn<quint32>("seed");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("width");
-    QTest::newRow("dense, narrow") << 1u << 5000 << 40;
-    QTest::newRow("dense, wide") << 2u << 5000 << 900;
-    QTest::newRow("sparse") << 3u << 60 << 700;
-    QTest::newRow("two pixels") << 4u << 300 << 2;
-    QTest::newRow("many seeds") << 5u << 800 << 123;
-}
-
-void TestGraphData::decimateLooksLikeEverySegment()
-{
-    QFETCH(quint32, seed);
-    QFETCH(int, count);
-    QFETCH(int, width);
-    QRandomGenerator rng(seed);
-    for (int round = 0; round < 40; ++round) {
-        const Records records = randomRecords(rng, count);
-        const qint64 lastMinute = minuteDiff(records.back().secs, records.front().secs);
-        const auto offset = qint64(rng.bounded(int(lastMinute / 2) + 1)) - 3;
-        const int span = 1 + rng.bounded(int(lastMinute) + 5);
-        const GraphView view{records.back().secs + offset * 60, span, -10.0f, 10.0f};
-
-        const std::vector<QPointF> all = drawnPoints(records, view);
-        const std::vector<QPointF> kept = decimate(records, view, width);
-        QCOMPARE(kept.empty(), all.empty());
-        if (all.empty())
-            continue;
-        QCOMPARE(kept.front(), all.front());
-        QCOMPARE(kept.back(), all.back());
-        // Kept points are drawn points in the same order.
-        size_t j = 0;
-        for (const QPointF& p : kept) {
-            while (j < all.size() && all[j] != p)
+            const std::vector<QPointF> all = drawnPoints(records, view);
+            const std::vector<QPointF> kept = decimate(records, view, width);
+            QCOMPARE(kept.empty(), all.empty());
+            if (all.empty())
+                continue;
+            QCOMPARE(kept.front(), all.front());
+            QCOMPARE(kept.back(), all.back());
+            // Kept points are drawn points in the same order.
+            size_t j = 0;
+            for (const QPointF& p : kept) {
+                while (j < all.size() && all[j] != p)
+                    ++j;
+                QVERIFY2(j < all.size(), "a kept point is not a drawn point, or is out of order");
                 ++j;
-            QVERIFY2(j < all.size(), "a kept point is not a drawn point, or is out of order");
-            ++j;
-        }
-        // Each column covers the same values and joins its neighbours at the same points.
-        const auto want = columns(all, view, width);
-        const auto got = columns(kept, view, width);
-        QCOMPARE(got.size(), want.size());
-        for (const auto& [column, w] : want) {
-            const Column& g = got.at(column);
-            QCOMPARE(g.first, w.first);
-            QCOMPARE(g.last, w.last);
-            QCOMPARE(g.low, w.low);
-            QCOMPARE(g.high, w.high);
-            QVERIFY(g.count <= 4);
+            }
+            // Each column covers the same values and joins its neighbours at the same points.
+            const auto want = columns(all, view, width);
+            const auto got = columns(kept, view, width);
+            QCOMPARE(got.size(), want.size());
+            for (const auto& [column, w] : want) {
+                const Column& g = got.at(column);
+                QCOMPARE(g.first, w.first);
+                QCOMPARE(g.last, w.last);
+                QCOMPARE(g.low, w.low);
+                QCOMPARE(g.high, w.high);
+                QVERIFY(g.count <= 4);
+            }
         }
     }
-}
 
-void TestGraphData::nearestRecord_data()
-{
-    QTest::addColumn<Records>("records");
-    QTest::addColumn<int>("first");
-    QTest::addColumn<qint64>("tMinute");
-    QTest::addColumn<int>("expected"); // -1: readout unchanged
-    // Grid indices, newest first: 0 at minute 20, 1 at 10, 2 and 3 at 6, 4 at 0.
-    const Records r = grid({{0, 1}, {6, 2}, {6, 3}, {10, 4}, {20, 5}});
-    QTest::newRow("exact minute takes the newest in it") << r << 0 << qint64(6) << 1 + 1;
-    QTest::newRow("tie goes to the older") << r << 0 << qint64(15) << 1;
-    QTest::newRow("newer is nearer") << r << 0 << qint64(16) << 0;
-    QTest::newRow("older is nearer") << r << 0 << qint64(7) << 2;
-    QTest::newRow("before every record") << r << 0 << qint64(-1) << -1;
-    QTest::newRow("after every record") << r << 0 << qint64(99) << 0;
-    QTest::newRow("never past the newest selected") << r << 1 << qint64(19) << 1;
-    QTest::newRow("oldest exactly") << r << 0 << qint64(0) << 4;
-}
-
-void TestGraphData::nearestRecord()
-{
-    QFETCH(Records, records);
-    QFETCH(int, first);
-    QFETCH(qint64, tMinute);
-    QFETCH(int, expected);
-    const qint64 t = kBase + tMinute * 60 + 59;
-    const std::optional<int> found = graph::nearestRecord(records, first, 4, t);
-    QCOMPARE(found.value_or(-1), expected);
-    QCOMPARE(scanNearest(records, first, 4, t).value_or(-1), expected);
-}
-
-void TestGraphData::binarySearchMatchesTheScan_data()
-{
-    QTest::addColumn<quint32>("seed");
-    QTest::addColumn<int>("count");
-    QTest::newRow("small") << 11u << 5;
-    QTest::newRow("medium") << 12u << 200;
-    QTest::newRow("large") << 13u << 5000;
-}
-
-void TestGraphData::binarySearchMatchesTheScan()
-{
-    QFETCH(quint32, seed);
-    QFETCH(int, count);
-    QRandomGenerator rng(seed);
-    for (int round = 0; round < 200; ++round) {
-        const Records records = randomRecords(rng, count);
-        const int first = rng.bounded(count);
-        const int last = first + rng.bounded(count - first);
-        const qint64 lastMinute = minuteDiff(kBase, records.front().secs);
-        const qint64 t =
-            kBase + (qint64(rng.bounded(int(lastMinute) + 6)) - 3) * 60 + rng.bounded(60);
-        QCOMPARE(graph::nearestRecord(records, first, last, t),
-                 scanNearest(records, first, last, t));
+    void nearestRecord()
+    {
+        // Grid indices, newest first: 0 at minute 20, 1 at 10, 2 and 3 at 6, 4 at 0.
+        const Records records = grid({{0, 1}, {6, 2}, {6, 3}, {10, 4}, {20, 5}});
+        const struct {
+            int first;
+            qint64 tMinute;
+            int expected; // -1: readout unchanged
+        } cases[] = {
+            {0, 6, 2},   // an exact minute takes the newest in it
+            {0, 15, 1},  // a tie goes to the older
+            {0, 16, 0},  // the newer is nearer
+            {0, 7, 2},   // the older is nearer
+            {0, -1, -1}, // before every record
+            {0, 99, 0},  // after every record
+            {1, 19, 1},  // never past the newest selected
+            {0, 0, 4},   // the oldest exactly
+        };
+        for (const auto& c : cases) {
+            const qint64 t = kBase + c.tMinute * 60 + 59;
+            QCOMPARE(graph::nearestRecord(records, c.first, 4, t).value_or(-1), c.expected);
+            QCOMPARE(scanNearest(records, c.first, 4, t).value_or(-1), c.expected);
+        }
     }
-}
+
+    void binarySearchMatchesTheScan()
+    {
+        QRandomGenerator rng(11);
+        for (const int count : {5, 200, 5000}) {
+            for (int round = 0; round < 200; ++round) {
+                const Records records = randomRecords(rng, count);
+                const int first = rng.bounded(count);
+                const int last = first + rng.bounded(count - first);
+                const qint64 lastMinute = minuteDiff(kBase, records.front().secs);
+                const qint64 t =
+                    kBase + (qint64(rng.bounded(int(lastMinute) + 6)) - 3) * 60 + rng.bounded(60);
+                QCOMPARE(graph::nearestRecord(records, first, last, t),
+                         scanNearest(records, first, last, t));
+            }
+        }
+    }
+};
 
 QTEST_APPLESS_MAIN(TestGraphData)
 #include "tst_graphdata.moc"

@@ -1,5 +1,4 @@
 #include "model/graph/GraphRules.h"
-#include "model/print/PrintRotatedText.h"
 #include "views/graph/GraphPainting.h"
 #include "views/graph/GraphPrint.h"
 
@@ -65,150 +64,87 @@ class TestGraphPaint : public QObject {
     Q_OBJECT
 
 private slots:
-    void rotatedTextTurnsAboutItsTopLeftCorner_data();
-    void rotatedTextTurnsAboutItsTopLeftCorner();
-    void valueLabelsAreCentredOnTheChartsRows();
-    void timeLabelsAreCentredOnTheChartsColumns();
-    void markedPointsPlan_data();
-    void markedPointsPlan();
-    void plainNumbers();
+    void valueLabelsAreCentredOnTheChartsRows()
+    {
+        const int chartHeight = 401;
+        const GraphView view{0, 100, -20.0f, 10.0f}; // major step 4: -20, -16, ... 8
+        QImage image = whiteImage(60, chartHeight + 2 * kLabelHalfPx - 1);
+        {
+            QPainter p(&image);
+            paintValueLabels(p, image.size(), view);
+        }
+        const std::vector<double> rows = inkRuns(image, true);
+        const std::vector<double> ticks = valueTicks(-20, 10, 4);
+        QCOMPARE(rows.size(), ticks.size());
+        const PictureScale chart = chartScale(view, 500, chartHeight);
+        for (size_t i = 0; i < ticks.size(); ++i) {
+            // The picture starts half a label above the chart; labels are listed top down.
+            const double want = chart.toPixel({0, ticks[ticks.size() - 1 - i]}).y() + kLabelHalfPx;
+            QVERIFY2(std::abs(rows[i] - want) <= 2.0,
+                     qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(rows[i]).arg(want)));
+        }
+        // Right-aligned: every label ends at the right edge.
+        QVERIFY(inkBox(image).right() >= image.width() - 3);
+    }
+    void timeLabelsAreCentredOnTheChartsColumns()
+    {
+        const int chartWidth = 801;
+        const GraphView view{1'772'323'200, 400, 0.0f, 10.0f}; // step 20 minutes
+        QImage image =
+            whiteImage(chartWidth + 2 * kLabelHalfPx - 1, int(std::ceil(timeLabelLength())) + 6);
+        {
+            QPainter p(&image);
+            paintTimeLabels(p, image.size(), chartWidth, view);
+        }
+        const std::vector<double> columns = inkRuns(image, false);
+        const std::vector<int> ticks = timeTicks(400, timeStep(400));
+        QCOMPARE(columns.size(), ticks.size());
+        const PictureScale chart = chartScale(view, chartWidth, 300);
+        for (size_t i = 0; i < ticks.size(); ++i) {
+            const double want = chart.toPixel({double(ticks[i]), 0}).x() + kLabelHalfPx;
+            QVERIFY2(std::abs(columns[i] - want) <= 2.0,
+                     qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(columns[i]).arg(want)));
+        }
+        // Reading upwards from the bottom edge, the whole label inside the picture.
+        const QRect box = inkBox(image);
+        QVERIFY(box.bottom() >= image.height() - 4);
+        QVERIFY(box.top() >= 1);
+    }
+    void markedPointsPlan()
+    {
+        // From y 30 to 60 with lines of 5: six lines a page, an empty line between entries.
+        const struct {
+            std::vector<int> lines;
+            QString placed; // page@y of each entry
+            int pages;
+        } cases[] = {
+            {{}, u""_s, 1},
+            {{2, 2}, u"0@30 0@45"_s, 1},
+            {{2, 2, 2}, u"0@30 0@45 1@30"_s, 2}, // the third goes whole to page two
+            {{2, 3}, u"0@30 0@45"_s, 1},         // a wrapped entry that just fits
+            {{2, 4}, u"0@30 1@30"_s, 2},         // one line too many
+            {{9, 2}, u"0@30 1@30"_s, 2},         // taller than a page stays alone
+        };
+        for (const auto& c : cases) {
+            const marked_points::Plan plan = marked_points::layoutEntries(c.lines, 30, 5, 60);
+            QStringList placed;
+            for (const auto& e : plan.entries)
+                placed << u"%1@%2"_s.arg(e.page).arg(e.y);
+            QCOMPARE(placed.join(u' '), c.placed);
+            QCOMPARE(plan.pages, c.pages);
+        }
+    }
+    void plainNumbers()
+    {
+        QCOMPARE(plainNumber(23.5), u"23.5"_s);
+        QCOMPARE(plainNumber(double(23.1f)), u"23.1"_s); // a float's digits, not a double's
+        QCOMPARE(plainNumber(-19.6 + 1e-13), u"-19.6"_s);
+        QCOMPARE(plainNumber(1234567), u"1234567"_s); // no grouping
+        QCOMPARE(plainNumber(-0.0), u"0"_s);
+        QCOMPARE(limitValue(u"25.0"_s).value_or(-1), 25.0);
+        QVERIFY(!limitValue(QString()));
+    }
 };
-
-void TestGraphPaint::rotatedTextTurnsAboutItsTopLeftCorner_data()
-{
-    QTest::addColumn<double>("angle");
-    QTest::addColumn<double>("shiftUp");
-    QTest::addColumn<double>("shiftLeft");
-    QTest::addColumn<QRect>("cell"); // where the 18-unit cell of "HHHH" must lie
-    // At 0 degrees the cell runs right and down from (100 - left, 100 - up).
-    QTest::newRow("level") << 0.0 << 0.0 << 0.0 << QRect(100, 100, 60, 18);
-    QTest::newRow("level, centred on its row") << 0.0 << 9.0 << 0.0 << QRect(100, 91, 60, 18);
-    // At 90 degrees it reads upwards from the point, its cell to the right.
-    QTest::newRow("upwards") << 90.0 << 0.0 << 0.0 << QRect(100, 40, 18, 60);
-    QTest::newRow("upwards, centred on its column") << 90.0 << 0.0 << 9.0 << QRect(91, 40, 18, 60);
-}
-
-void TestGraphPaint::rotatedTextTurnsAboutItsTopLeftCorner()
-{
-    QFETCH(double, angle);
-    QFETCH(double, shiftUp);
-    QFETCH(double, shiftLeft);
-    QFETCH(QRect, cell);
-    QImage image = whiteImage(200, 200);
-    {
-        QPainter p(&image);
-        p.setPen(Qt::black);
-        printRotatedText(p, u"HHHH"_s, 100, 100, u"Arial"_s, 18, 400, angle, false, false, false,
-                         shiftUp, shiftLeft);
-    }
-    const QRect box = inkBox(image);
-    QVERIFY(!box.isEmpty());
-    QVERIFY2(
-        cell.contains(box),
-        qPrintable(
-            u"ink %1,%2 %3x%4"_s.arg(box.x()).arg(box.y()).arg(box.width()).arg(box.height())));
-    // Capitals fill most of the cell across the line and the words run along it.
-    const bool level = angle == 0.0;
-    QVERIFY((level ? box.height() : box.width()) >= 10);
-    QVERIFY((level ? box.width() : box.height()) >= 35);
-}
-
-void TestGraphPaint::valueLabelsAreCentredOnTheChartsRows()
-{
-    const int chartHeight = 401;
-    const GraphView view{0, 100, -20.0f, 10.0f}; // major step 4: -20, -16, ... 8
-    QImage image = whiteImage(60, chartHeight + 2 * kLabelHalfPx - 1);
-    {
-        QPainter p(&image);
-        paintValueLabels(p, image.size(), view);
-    }
-    const std::vector<double> rows = inkRuns(image, true);
-    const std::vector<double> ticks = valueTicks(-20, 10, 4);
-    QCOMPARE(rows.size(), ticks.size());
-    const PictureScale chart = chartScale(view, 500, chartHeight);
-    for (size_t i = 0; i < ticks.size(); ++i) {
-        // The picture starts half a label above the chart; labels are listed top down.
-        const double want = chart.toPixel({0, ticks[ticks.size() - 1 - i]}).y() + kLabelHalfPx;
-        QVERIFY2(std::abs(rows[i] - want) <= 2.0,
-                 qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(rows[i]).arg(want)));
-    }
-    // Right-aligned: every label ends at the right edge.
-    QVERIFY(inkBox(image).right() >= image.width() - 3);
-}
-
-void TestGraphPaint::timeLabelsAreCentredOnTheChartsColumns()
-{
-    const int chartWidth = 801;
-    const GraphView view{1'772'323'200, 400, 0.0f, 10.0f}; // step 20 minutes
-    QImage image =
-        whiteImage(chartWidth + 2 * kLabelHalfPx - 1, int(std::ceil(timeLabelLength())) + 6);
-    {
-        QPainter p(&image);
-        paintTimeLabels(p, image.size(), chartWidth, view);
-    }
-    const std::vector<double> columns = inkRuns(image, false);
-    const std::vector<int> ticks = timeTicks(400, timeStep(400));
-    QCOMPARE(columns.size(), ticks.size());
-    const PictureScale chart = chartScale(view, chartWidth, 300);
-    for (size_t i = 0; i < ticks.size(); ++i) {
-        const double want = chart.toPixel({double(ticks[i]), 0}).x() + kLabelHalfPx;
-        QVERIFY2(std::abs(columns[i] - want) <= 2.0,
-                 qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(columns[i]).arg(want)));
-    }
-    // Reading upwards from the bottom edge, the whole label inside the picture.
-    const QRect box = inkBox(image);
-    QVERIFY(box.bottom() >= image.height() - 4);
-    QVERIFY(box.top() >= 1);
-}
-
-void TestGraphPaint::markedPointsPlan_data()
-{
-    QTest::addColumn<std::vector<int>>("lines");
-    QTest::addColumn<std::vector<int>>("pages");   // page of each entry
-    QTest::addColumn<std::vector<double>>("tops"); // y of each entry
-    QTest::addColumn<int>("pageCount");
-    // From y 30 to 60 with lines of 5: six lines a page, an empty line between entries.
-    QTest::newRow("none") << std::vector<int>{} << std::vector<int>{} << std::vector<double>{} << 1;
-    QTest::newRow("two entries fit")
-        << std::vector<int>{2, 2} << std::vector<int>{0, 0} << std::vector<double>{30, 45} << 1;
-    QTest::newRow("the third goes whole to page two")
-        << std::vector<int>{2, 2, 2} << std::vector<int>{0, 0, 1} << std::vector<double>{30, 45, 30}
-        << 2;
-    QTest::newRow("a wrapped entry that just fits")
-        << std::vector<int>{2, 3} << std::vector<int>{0, 0} << std::vector<double>{30, 45} << 1;
-    QTest::newRow("one line too many")
-        << std::vector<int>{2, 4} << std::vector<int>{0, 1} << std::vector<double>{30, 30} << 2;
-    QTest::newRow("taller than a page stays alone")
-        << std::vector<int>{9, 2} << std::vector<int>{0, 1} << std::vector<double>{30, 30} << 2;
-}
-
-void TestGraphPaint::markedPointsPlan()
-{
-    QFETCH(std::vector<int>, lines);
-    QFETCH(std::vector<int>, pages);
-    QFETCH(std::vector<double>, tops);
-    QFETCH(int, pageCount);
-    const marked_points::Plan plan = marked_points::layoutEntries(lines, 30, 5, 60);
-    QCOMPARE(plan.pages, pageCount);
-    QCOMPARE(plan.entries.size(), lines.size());
-    for (size_t i = 0; i < lines.size(); ++i) {
-        QCOMPARE(plan.entries[i].page, pages[i]);
-        QCOMPARE(plan.entries[i].y, tops[i]);
-    }
-    QCOMPARE(marked_points::pageLine(2, 7), u"Σελίδα 2/7"_s);
-    QCOMPARE(marked_points::headingText(u"Alpha"_s, u"[1] Ψυγείο"_s), u"Alpha | [1] Ψυγείο"_s);
-}
-
-void TestGraphPaint::plainNumbers()
-{
-    QCOMPARE(plainNumber(23.5), u"23.5"_s);
-    QCOMPARE(plainNumber(double(23.1f)), u"23.1"_s); // a float's digits, not a double's
-    QCOMPARE(plainNumber(-19.6 + 1e-13), u"-19.6"_s);
-    QCOMPARE(plainNumber(1234567), u"1234567"_s); // no grouping
-    QCOMPARE(plainNumber(-0.0), u"0"_s);
-    QCOMPARE(limitValue(u"25.0"_s).value_or(-1), 25.0);
-    QVERIFY(!limitValue(QString()));
-}
 
 QTEST_MAIN(TestGraphPaint)
 #include "tst_graphpaint.moc"

@@ -60,25 +60,6 @@ QStringList pdfPages(const QString& pdf)
     return pages;
 }
 
-void shoot(const QString& name, QWidget* w)
-{
-    if (!qEnvironmentVariableIsSet("SX_SHOT_DIR"))
-        return;
-    (void)w->grab().save(
-        QDir(qEnvironmentVariable("SX_SHOT_DIR"))
-            .filePath(u"graph-%1-%2.png"_s.arg(name, ScratchDatabase::kindName())));
-}
-
-void shootPdf(const QString& name, const QString& pdf)
-{
-    if (!qEnvironmentVariableIsSet("SX_SHOT_DIR"))
-        return;
-    QProcess::execute(u"pdftoppm"_s,
-                      {u"-png"_s, u"-r"_s, u"80"_s, pdf,
-                       QDir(qEnvironmentVariable("SX_SHOT_DIR"))
-                           .filePath(u"graph-%1-%2"_s.arg(name, ScratchDatabase::kindName()))});
-}
-
 // A mouse move straight to the widget: QTest's moves go through the
 // platform's cursor, which the offscreen platform does not always report.
 void sendMove(QWidget* w, QPoint p, Qt::MouseButtons buttons = Qt::NoButton)
@@ -107,545 +88,440 @@ bool colourNear(const QPixmap& pixmap, QPointF p, const QColor& colour)
     return false;
 }
 
-struct Row {
-    QString when;
-    double value = 0;
-    int type = 0;
-};
-
 } // namespace
-
-Q_DECLARE_METATYPE(QList<Row>)
 
 // The graph window over a records window on a real database.
 class TestGraphWindow : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_DB(m_fx->scratch);
+        QVERIFY(m_fx->ready());
+        RecordsSeed s(m_fx->db);
+        QVERIFY(s.unit(u"A-100"_s, u"Alpha"_s));
+        QVERIFY(s.zone(u"A-100"_s,
+                       {.number = 1, .name = u"'Ψυγείο'"_s, .maxLimit = 25, .minLimit = 10}));
+        QVERIFY(s.zone(u"A-100"_s, {.number = 2, .name = u"'Πίεση'"_s, .type = 3, .maxUsed = 0}));
+        m_fx->clock.advance(
+            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+    }
+    void cleanup()
+    {
+        m_w.reset();
+        m_fx.reset();
+    }
 
-    void openingChecksTheSelection_data();
-    void openingChecksTheSelection();
-    void opensOnTheSelectionWithItsTextsAndLimits();
-    void cursorReadsTheNearestRecordWithoutRepaintingTheChart();
-    void dragZoomsRightButtonZoomsOutWithinTheFullRange();
-    void scrollingMovesTheViewInWholeMinutesAndValues();
-    void markersCycleColoursStopAt255AndAreDeleted();
-    void printsTheChartInLandscape();
-    void printsTheMarkedPointsOnCountedPages();
-    void resizeRedrawsTheCurrentView();
+    void openingChecksTheSelection_data()
+    {
+        // Records of 3 March oldest first, "time value [type]"; all of them selected.
+        QTest::addColumn<QStringList>("rows");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<int>("selectedRow"); // the grid row selected alone, -1: selection kept
+        QTest::newRow("fine") << QStringList{u"10:00:00 12"_s, u"10:05:00 14"_s, u"10:09:00 13"_s}
+                              << QString() << -1;
+        // Grid rows newest first: the offending record is row 1.
+        QTest::newRow("mixed types, offending row alone")
+            << QStringList{u"10:00:00 12"_s, u"10:05:00 14"_s, u"10:09:00 13 3"_s, u"10:12:00 11"_s}
+            << u"Εντοπίστηκε ασυμφωνία μεταξύ του τύπου δεδομένων των καταγραφών που έχετε "
+               u"επιλέξει.\r\nΠαρακαλώ επιλέξτε καταγραφές μόνο ιδίου τύπου."_s
+            << 1;
+        QTest::newRow("time reversal, offending row alone")
+            << QStringList{u"10:00:00 12"_s, u"10:05:00 14"_s, u"10:03:00 13"_s, u"10:12:00 11"_s}
+            << u"Εντοπίστηκε ανάστροφη χρονική μετάβαση στις καταγραφές που έχετε "
+               u"επιλέξει.\r\nΠαρακαλώ ξαναπροσπαθήστε."_s
+            << 1;
+        QTest::newRow("contact input")
+            << QStringList{u"10:00:00 1 2"_s, u"10:05:00 0 2"_s}
+            << u"Δεν είναι δυνατόν να παραχθεί γράφημα από τον τύπο δεδομένων των καταγραφών "
+               u"που έχετε επιλέξει."_s
+            << -1;
+        QTest::newRow("two records in one minute")
+            << QStringList{u"10:00:05 12"_s, u"10:00:55 14"_s}
+            << u"Παρακαλώ επιλέξτε περισσότερες από μία καταγραφές !"_s << -1;
+    }
+    void openingChecksTheSelection()
+    {
+        QFETCH(QStringList, rows);
+        QFETCH(QString, message);
+        QFETCH(int, selectedRow);
+        RecordsSeed s(m_fx->db);
+        for (int i = 0; i < rows.size(); ++i) {
+            const QStringList f = rows[i].split(u' ');
+            QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-03 "_s + f[0], f[1].toDouble(),
+                             f.value(2, u"0"_s).toInt(), i + 1));
+        }
+        openRecords();
+        const int last = int(rows.size()) - 1;
+        QCOMPARE(m_w->model()->rowCount(), rows.size());
+
+        GraphWindow* g = openGraphOn(0, last);
+        const auto shown = m_fx->dialogs.messages();
+        if (message.isEmpty()) {
+            QVERIFY(g && g->isVisible());
+            QVERIFY(shown.isEmpty());
+            QCOMPARE(g->windowModality(), Qt::ApplicationModal);
+            return;
+        }
+        QVERIFY(!g);
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].title, u"Γράφημα"_s);
+        QCOMPARE(shown[0].icon, DialogService::Icon::Exclamation);
+        QCOMPARE(shown[0].text, message);
+        QCOMPARE(m_w->selectedRows(),
+                 (selectedRow < 0 ? std::pair{0, last} : std::pair{selectedRow, selectedRow}));
+    }
+    void opensOnTheSelectionThenZoomsInAndOut()
+    {
+        GraphWindow* g = openSeries();
+        QVERIFY(g);
+        QCOMPARE(g->windowTitle(), u"SENTORAX Monitor / Γράφημα (ΣΥΣΤΗΜΑ:"_s + m_w->unitText() +
+                                       u" , ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Ψυγείο)"_s);
+        const graph::GraphState& st = g->state();
+        QCOMPARE(st.view.startSecs, at(u"2026-03-03 06:00:00"_s)); // minute 1800
+        QCOMPARE(st.view.spanMinutes, 199);
+        QCOMPARE(st.fullBottom, 0.0f);
+        QCOMPARE(st.fullTop, 30.0f);
+        QCOMPARE(g->unitLabel(), u" °C"_s);
+        QCOMPARE(g->maxLimitLabel(), u"25.0"_s);
+        QCOMPARE(g->minLimitLabel(), u"10.0"_s);
+        QVERIFY(g->markerList().isEmpty());
+        QVERIFY(g->chartOption()->isChecked());
+
+        // The pictures line up: the value labels and the time labels reach half
+        // a label beyond the chart on each side.
+        const QRect chart = g->chart()->geometry();
+        QCOMPARE(g->unitPicture()->geometry().top(), chart.top() - 9);
+        QCOMPARE(g->timePicture()->geometry().left(), chart.left() - 9);
+        QCOMPARE(g->timePicture()->geometry().top(), chart.bottom() + 1);
+
+        // Green data line, the red dashed maximum, the frame; white inside.
+        const QPixmap pic = g->chart()->pixmap();
+        const QPointF maxLine = g->pixelOf({100, 25});
+        bool red = false;
+        for (int dx = 0; dx < 12 && !red; ++dx)
+            red = colourNear(pic, maxLine + QPointF(dx, 0), QColor(255, 0, 0));
+        QVERIFY(red);
+        QCOMPARE(pixelAt(pic, g->pixelOf({0, 30})), QColor(Qt::black));
+        int green = 0;
+        const QImage image = pic.toImage();
+        for (int y = 0; y < image.height(); ++y)
+            green += image.pixelColor(image.width() / 2, y) == QColor(0, 128, 0);
+        QVERIFY(green > 0);
+        QCOMPARE(pixelAt(pic, g->pixelOf({100, 2})), QColor(Qt::white));
+
+        // Before a first zoom the right button does nothing.
+        const graph::GraphView full = g->state().view;
+        int paints = g->chartPaints();
+        QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
+        QCOMPARE(g->state().view, full);
+        QCOMPARE(g->chartPaints(), paints);
+
+        dragFromTo(g, {150.2, 7.6}, {50.3, 22.4});
+        graph::GraphView zoomed{full.startSecs + 50 * 60, 100, 7.0f, 23.0f};
+        QCOMPARE(g->state().view, zoomed);
+        QCOMPARE(g->chartPaints(), ++paints);
+        QVERIFY(g->state().zoomed);
+        // The click that ends a drag adds no marker; the band is gone.
+        QVERIFY(g->state().markers.empty());
+        QVERIFY(!g->chart()->rubberBand());
+        QCOMPARE(g->hScroll()->maximum(), 99);
+        QCOMPARE(g->hScroll()->value(), 50);
+        QCOMPARE(g->vScroll()->maximum(), 14);
+        QCOMPARE(g->vScroll()->value(), 7);
+
+        // A drag within one minute zooms nowhere.
+        dragFromTo(g, {40.1, 20}, {40.3, 10});
+        QCOMPARE(g->state().view, zoomed);
+
+        // Usable on a 1280 x 800 screen; smaller, it redraws the same view and value scale.
+        QVERIFY(g->frameGeometry().width() <= 1280 && g->frameGeometry().height() <= 800);
+        g->resize(g->width() - 200, g->height() - 100);
+        QTRY_COMPARE(g->chart()->pixmap().size(), g->chart()->size());
+        QVERIFY(g->chartPaints() > paints);
+        QCOMPARE(g->state().view, zoomed);
+        QCOMPARE(pixelAt(g->chart()->pixmap(), g->pixelOf({0, 23})), QColor(Qt::black));
+
+        // Twice around the centre: 50 - 50 = 0, then bounded by the full range.
+        QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
+        QCOMPARE(g->state().view, (graph::GraphView{full.startSecs, 199, 0.0f, 30.0f}));
+        QCOMPARE(g->hScroll()->maximum(), 0);
+        QVERIFY(g->state().markers.empty());
+        // Zooming out of the full view draws the same view again.
+        QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
+        QCOMPARE(g->state().view, full);
+    }
+    void cursorReadsTheNearestRecordWithoutRepaintingTheChart()
+    {
+        RecordsSeed s(m_fx->db);
+        QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
+        // A gap: after the series (last minute 1999) one record at minute 2009.
+        QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-03 09:29:00"_s, 7.25, 0, kSeries + 1));
+        openRecords();
+        GraphWindow* g = openGraphOn(0, 200);
+        QVERIFY(g);
+        const int paints = g->chartPaints();
+
+        struct Case {
+            double x;
+            const char16_t* time;
+            const char16_t* value;
+        };
+        // View minute 0 is series minute 1800 (03/03 06:00); the lone record is minute 209.
+        const Case cases[] = {
+            {100.0, u"03/03/2026 - 07:40", u"11.5 °C"}, // series minute 1900: 1900 % 37 = 13
+            {0.0, u"03/03/2026 - 06:00", u"17 °C"},     // 1800 % 37 = 24
+            {203.0, u"03/03/2026 - 09:19", u"5.5 °C"},  // the older is nearer: 1999 % 37 = 1
+            {204.0, u"03/03/2026 - 09:19", u"5.5 °C"},  // a tie goes to the older
+            {205.0, u"03/03/2026 - 09:29", u"7.25 °C"}, // the newer is nearer
+        };
+        for (const Case& c : cases) {
+            moveTo(g, {c.x, 15});
+            QCOMPARE(g->timeReadout(), QString::fromUtf16(c.time));
+            QCOMPARE(g->valueReadout(), QString::fromUtf16(c.value));
+            QVERIFY(g->chart()->cursorLine().has_value());
+            QVERIFY(std::abs(*g->chart()->cursorLine() - g->pixelOf({c.x, 15}).toPoint().x()) <
+                    1e-6);
+        }
+        // Outside the values shown nothing changes.
+        moveTo(g, {100, 15});
+        sendMove(g->chart(), QPoint(g->chart()->width() / 2, g->chart()->height() + 5));
+        QCOMPARE(g->timeReadout(), u"03/03/2026 - 07:40"_s);
+        QCOMPARE(g->chartPaints(), paints);
+    }
+    void scrollingMovesTheViewInWholeMinutesAndValues()
+    {
+        // Zone 2: a record every 30 minutes from 1 January, about 41 days.
+        RecordsSeed s(m_fx->db);
+        QVERIFY(s.series(
+            u"A-100"_s, 2, at(u"2026-01-01 00:00:00"_s), 1800, 2000,
+            [](int i) { return 1.0 + i % 5; }, 3));
+        openRecords(1, records::kWholeYearIndex);
+        GraphWindow* g = openGraphOn(0, 1999);
+        QVERIFY(g);
+        const graph::GraphView full = g->state().view;
+        QCOMPARE(full.spanMinutes, 1999 * 30);
+        QCOMPARE(g->unitLabel(), u" bar"_s);
+        QCOMPARE(g->maxLimitLabel(), QString());
+        // Zoom to about 1000 minutes: 58,970 free minutes in 32,767 units.
+        const double left = 1000.2;
+        const double right = left + 1000.0;
+        dragFromTo(g, {left, 4.5}, {right, 1.5});
+        const graph::GraphView zoomed = g->state().view;
+        QVERIFY(zoomed.spanMinutes >= 900 && zoomed.spanMinutes <= 1100);
+        const int free = full.spanMinutes - zoomed.spanMinutes;
+        QCOMPARE(g->hScroll()->maximum(), 32767);
+        QCOMPARE(g->state().scrollFactor, 32767.0 / free);
+
+        g->hScroll()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        QCOMPARE(g->state().view.startSecs, zoomed.startSecs + 60);
+        const qint64 before = g->state().view.startSecs;
+        g->hScroll()->triggerAction(QAbstractSlider::SliderPageStepAdd);
+        const double minutes = g->hScroll()->pageStep() / g->state().scrollFactor;
+        QCOMPARE(g->state().view.startSecs, before + qint64(graph::roundHalfEven(minutes)) * 60);
+        g->hScroll()->triggerAction(QAbstractSlider::SliderToMaximum);
+        QCOMPARE(g->state().view.startSecs + qint64(g->state().view.spanMinutes) * 60,
+                 full.startSecs + qint64(full.spanMinutes) * 60);
+
+        // Values 1 to 5 in a range of 0 to 10, zoomed to 1 to 5: the bar's top is
+        // the top of the values, one step up lifts the view by one.
+        QCOMPARE(g->vScroll()->maximum(), 6);
+        QCOMPARE(g->vScroll()->value(), 1);
+        g->vScroll()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        QCOMPARE(g->state().view.bottom, 2.0f);
+        QCOMPARE(g->state().view.top, 6.0f);
+        g->vScroll()->triggerAction(QAbstractSlider::SliderToMinimum);
+        QCOMPARE(g->state().view.bottom, 0.0f);
+        QCOMPARE(g->state().view.top, 4.0f);
+    }
+    void markersCycleColoursStopAt255AndAreDeleted()
+    {
+        GraphWindow* g = openSeries();
+        QVERIFY(g);
+        const int paints = g->chartPaints();
+
+        // Nine markers ten minutes apart: colours 0..6, then 0 and 1 again.
+        for (int k = 1; k <= 9; ++k)
+            clickAt(g, {k * 20.0, 15});
+        QCOMPARE(g->state().markers.size(), size_t(9));
+        QCOMPARE(g->chartPaints(), paints);
+        const QPixmap pic = g->chart()->pixmap();
+        for (int k = 1; k <= 9; ++k) {
+            const graph::Rgb c = graph::markerColour((k - 1) % 7);
+            // Below every value of the data line, only the marker line is there.
+            QVERIFY(colourNear(pic, g->pixelOf({k * 20.0, 2}), QColor(c.r, c.g, c.b)));
+        }
+        QVERIFY(colourNear(pic, g->pixelOf({8 * 20.0, 2}), QColor(Qt::black)));
+
+        // The list: newest first, CR LF, the readout texts.
+        const QString list = g->markerList();
+        QVERIFY(list.startsWith(u"Χρόνος μαρκαρισμένου σημείου 9: 03/03/2026 - 09:00\r\n"
+                                u"Ένδειξη μαρκαρισμένου σημείου 9: "_s));
+        QVERIFY(list.endsWith(u"Χρόνος μαρκαρισμένου σημείου 1: 03/03/2026 - 06:20\r\n"
+                              u"Ένδειξη μαρκαρισμένου σημείου 1: 8.5 °C\r\n\r\n"_s));
+        QVERIFY(g->findChild<QPlainTextEdit*>(u"Text1"_s)
+                    ->toPlainText()
+                    .startsWith(u"Χρόνος μαρκαρισμένου σημείου 9"_s));
+
+        // Markers out of the view keep their numbers and colours.
+        dragFromTo(g, {150.2, 29.5}, {50.3, 0.5});
+        QCOMPARE(g->state().markers.size(), size_t(9));
+        const QPixmap zoomed = g->chart()->pixmap();
+        // Marker 3 (minute 60) is at minute 10 of the view; marker 1 (minute 20) is outside.
+        QVERIFY(colourNear(zoomed, g->pixelOf({10.0, 2}), QColor(0, 128, 0)));
+        QCOMPARE(g->state().view.startSecs, g->state().fullStartSecs + 50 * 60);
+        QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
+
+        // Up to 255; the next one is refused with a message and nothing else.
+        for (int k = 10; k <= 255; ++k)
+            g->click();
+        QCOMPARE(g->state().markers.size(), size_t(9));
+        for (int k = 10; k <= 255; ++k)
+            clickAt(g, {100.0 + (k % 90), 15});
+        QCOMPARE(g->state().markers.size(), size_t(255));
+        QVERIFY(m_fx->dialogs.messages().isEmpty());
+        const QString full = g->markerList();
+        clickAt(g, {5.0, 15});
+        QCOMPARE(g->state().markers.size(), size_t(255));
+        QCOMPARE(g->markerList(), full);
+        const auto shown = m_fx->dialogs.messages();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].title, u"Προσοχή"_s);
+        QCOMPARE(shown[0].text, u"Δεν μπορείτε να προσθέσετε άλλον δείκτη σημείου"_s);
+        QCOMPARE(shown[0].icon, DialogService::Icon::None);
+
+        g->deleteButton()->click();
+        QVERIFY(g->markerList().isEmpty());
+        QVERIFY(g->state().markers.empty());
+        QCOMPARE(pixelAt(g->chart()->pixmap(), g->pixelOf({20.0, 2})), QColor(Qt::white));
+        // Numbering and colours start over.
+        clickAt(g, {30.0, 15});
+        QVERIFY(g->markerList().startsWith(u"Χρόνος μαρκαρισμένου σημείου 1: "_s));
+        QVERIFY(colourNear(g->chart()->pixmap(), g->pixelOf({30.0, 2}), QColor(Qt::black)));
+    }
+    void printsTheMarkedPointsAndTheChart()
+    {
+        GraphWindow* g = openSeries();
+        QVERIFY(g);
+        g->markedOption()->setChecked(true);
+
+        // No markers: a notice, and no printer dialog.
+        QVERIFY(!QFile::exists(printTo(g, u"none"_s)));
+        const auto shown = m_fx->dialogs.messages();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].text, u"Δέν υπάρχουν μαρκαρισμένα σημεία !"_s);
+        QCOMPARE(shown[0].title, u"SENTORAX Monitor"_s);
+        QCOMPARE(shown[0].icon, DialogService::Icon::Information);
+        QCOMPARE(m_fx->dialogs.pendingAnswers(), 1);
+        m_fx->dialogs = ScriptedDialogs();
+
+        for (int k = 1; k <= 90; ++k)
+            clickAt(g, {double(k * 2), 15});
+        QVERIFY(!QFile::exists(printTo(g, u"cancelled"_s, false)));
+
+        const QStringList pages = pdfPages(printTo(g, u"marked"_s));
+        QVERIFY2(pages.size() >= 2, qPrintable(QString::number(pages.size())));
+        for (int i = 0; i < pages.size(); ++i) {
+            QVERIFY(pages[i].contains(u"SENTORAX Monitor / ΜΑΡΚΑΡΙΣΜΕΝΑ ΣΗΜΕΙΑ"_s));
+            QVERIFY(pages[i].contains(m_w->unitText() + u" | [1] Ψυγείο"_s));
+            QVERIFY2(pages[i].contains(u"Σελίδα %1/%2"_s.arg(i + 1).arg(pages.size())),
+                     qPrintable(pages[i]));
+            // An entry's two lines stay on one page.
+            QCOMPARE(pages[i].count(u"Χρόνος μαρκαρισμένου"_s),
+                     pages[i].count(u"Ένδειξη μαρκαρισμένου"_s));
+        }
+        QVERIFY(pages[0].contains(u"Χρόνος μαρκαρισμένου σημείου 1: 03/03/2026 - 06:02"_s));
+        QVERIFY(pages[0].contains(u"Ένδειξη μαρκαρισμένου σημείου 1: 18 °C"_s));
+        QVERIFY(pages.last().contains(u"Χρόνος μαρκαρισμένου σημείου 90: 03/03/2026 - 09:00"_s));
+        // Every entry once, in order.
+        const QString all = pages.join(u'\n');
+        qsizetype from = 0;
+        for (int k = 1; k <= 90; ++k) {
+            const qsizetype found = all.indexOf(u"Χρόνος μαρκαρισμένου σημείου %1:"_s.arg(k), from);
+            QVERIFY2(found >= from, qPrintable(QString::number(k)));
+            from = found + 1;
+        }
+
+        g->chartOption()->setChecked(true);
+        const QString pdf = printTo(g, u"chart"_s);
+        const QString info = runText(u"pdfinfo"_s, {pdf});
+        QVERIFY2(info.contains(u"Pages:           1"_s), qPrintable(info));
+        QVERIFY2(info.contains(u"841.89 x 595.276"_s) || info.contains(u"842 x 595"_s),
+                 qPrintable(info)); // A4 landscape
+        const QStringList chart = pdfPages(pdf);
+        QCOMPARE(chart.size(), 1);
+        const QString flat = chart[0].simplified();
+        QVERIFY2(flat.contains(g->windowTitle().simplified()), qPrintable(flat));
+        QVERIFY(flat.contains(u"Mονάδα μέτρησης: °C"_s));
+        QVERIFY(flat.contains(u"Μέγιστο Όριο: 25.0"_s));
+        QVERIFY(flat.contains(u"Ελάχιστο Όριο: 10.0"_s));
+        for (const char16_t* label : {u"28", u"24", u"4"}) // value labels every 4
+            QVERIFY2(chart[0].contains(QString::fromUtf16(label)), qPrintable(flat));
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
+    }
 
 private:
-    void openRecords(int zone = 0, int month = 2);
-    GraphWindow* openGraphOn(int first, int last);
-    void moveTo(GraphWindow* g, QPointF chart);
-    void clickAt(GraphWindow* g, QPointF chart);
-    void dragFromTo(GraphWindow* g, QPointF from, QPointF to);
-    QString printTo(GraphWindow* g, const QString& name, bool accept = true);
+    void openRecords(int zone = 0, int month = 2)
+    {
+        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        m_w->show();
+        fillSystemSelect(*m_w, 0, false);
+        m_w->sensorSelect()->setCurrentIndex(zone);
+        m_w->monthSelect()->setCurrentIndex(month);
+    }
+    GraphWindow* openGraphOn(int first, int last)
+    {
+        m_w->selectRows(first, last, first);
+        m_w->graphButton()->click();
+        GraphWindow* g = m_w->findChild<GraphWindow*>();
+        if (g)
+            (void)QTest::qWaitForWindowExposed(g);
+        return g;
+    }
+    GraphWindow* openSeries()
+    {
+        RecordsSeed s(m_fx->db);
+        if (!s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue))
+            return nullptr;
+        openRecords();
+        return openGraphOn(0, 199);
+    }
+    void moveTo(GraphWindow* g, QPointF chart)
+    {
+        sendMove(g->chart(), g->pixelOf(chart).toPoint());
+    }
+    void clickAt(GraphWindow* g, QPointF chart)
+    {
+        const QPoint p = g->pixelOf(chart).toPoint();
+        sendMove(g->chart(), p);
+        QTest::mouseClick(g->chart(), Qt::LeftButton, {}, p);
+    }
+    void dragFromTo(GraphWindow* g, QPointF from, QPointF to)
+    {
+        const QPoint a = g->pixelOf(from).toPoint();
+        const QPoint b = g->pixelOf(to).toPoint();
+        QTest::mousePress(g->chart(), Qt::LeftButton, {}, a);
+        sendMove(g->chart(), (a + b) / 2, Qt::LeftButton);
+        sendMove(g->chart(), b, Qt::LeftButton);
+        QTest::mouseRelease(g->chart(), Qt::LeftButton, {}, b);
+    }
+    QString printTo(GraphWindow* g, const QString& name, bool accept = true)
+    {
+        const QString pdf = QDir(m_fx->scratch.folder()).filePath(name + u".pdf"_s);
+        m_fx->dialogs.answerPrint(accept, [pdf](QPrinter& p) {
+            p.setOutputFormat(QPrinter::PdfFormat);
+            p.setOutputFileName(pdf);
+        });
+        g->printButton()->click();
+        return pdf;
+    }
 
     std::unique_ptr<GuiFixture> m_fx;
     std::unique_ptr<RecordsWindow> m_w;
 };
 
-void TestGraphWindow::init()
-{
-    m_fx = std::make_unique<GuiFixture>();
-    SX_REQUIRE_DB(m_fx->scratch);
-    QVERIFY(m_fx->ready());
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.unit(u"A-100"_s, u"Alpha"_s));
-    QVERIFY(
-        s.zone(u"A-100"_s, {.number = 1, .name = u"'Ψυγείο'"_s, .maxLimit = 25, .minLimit = 10}));
-    QVERIFY(s.zone(u"A-100"_s, {.number = 2, .name = u"'Πίεση'"_s, .type = 3, .maxUsed = 0}));
-    m_fx->clock.advance(
-        QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
-}
-
-void TestGraphWindow::cleanup()
-{
-    m_w.reset();
-    m_fx.reset();
-}
-
-void TestGraphWindow::openRecords(int zone, int month)
-{
-    m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
-    m_w->show();
-    fillSystemSelect(*m_w, 0, false);
-    m_w->sensorSelect()->setCurrentIndex(zone);
-    m_w->monthSelect()->setCurrentIndex(month);
-}
-
-GraphWindow* TestGraphWindow::openGraphOn(int first, int last)
-{
-    m_w->selectRows(first, last, first);
-    m_w->graphButton()->click();
-    GraphWindow* g = m_w->findChild<GraphWindow*>();
-    if (g)
-        (void)QTest::qWaitForWindowExposed(g);
-    return g;
-}
-
-void TestGraphWindow::moveTo(GraphWindow* g, QPointF chart)
-{
-    sendMove(g->chart(), g->pixelOf(chart).toPoint());
-}
-
-void TestGraphWindow::clickAt(GraphWindow* g, QPointF chart)
-{
-    const QPoint p = g->pixelOf(chart).toPoint();
-    sendMove(g->chart(), p);
-    QTest::mouseClick(g->chart(), Qt::LeftButton, {}, p);
-}
-
-void TestGraphWindow::dragFromTo(GraphWindow* g, QPointF from, QPointF to)
-{
-    const QPoint a = g->pixelOf(from).toPoint();
-    const QPoint b = g->pixelOf(to).toPoint();
-    QTest::mousePress(g->chart(), Qt::LeftButton, {}, a);
-    sendMove(g->chart(), (a + b) / 2, Qt::LeftButton);
-    sendMove(g->chart(), b, Qt::LeftButton);
-    QTest::mouseRelease(g->chart(), Qt::LeftButton, {}, b);
-}
-
-QString TestGraphWindow::printTo(GraphWindow* g, const QString& name, bool accept)
-{
-    const QString pdf = QDir(m_fx->scratch.folder()).filePath(name + u".pdf"_s);
-    m_fx->dialogs.answerPrint(accept, [pdf](QPrinter& p) {
-        p.setOutputFormat(QPrinter::PdfFormat);
-        p.setOutputFileName(pdf);
-    });
-    g->printButton()->click();
-    return pdf;
-}
-
-void TestGraphWindow::openingChecksTheSelection_data()
-{
-    QTest::addColumn<QList<Row>>("rows"); // in sequence-number order, oldest first
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("last");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<int>("selectedRow"); // the grid row selected alone, -1: selection kept
-
-    const QString mixed = u"Εντοπίστηκε ασυμφωνία μεταξύ του τύπου δεδομένων των καταγραφών που "
-                          u"έχετε επιλέξει.\r\nΠαρακαλώ επιλέξτε καταγραφές μόνο ιδίου τύπου."_s;
-    const QString reversal = u"Εντοπίστηκε ανάστροφη χρονική μετάβαση στις καταγραφές που έχετε "
-                             u"επιλέξει.\r\nΠαρακαλώ ξαναπροσπαθήστε."_s;
-    const QString contact = u"Δεν είναι δυνατόν να παραχθεί γράφημα από τον τύπο δεδομένων των "
-                            u"καταγραφών που έχετε επιλέξει."_s;
-    const QString tooShort = u"Παρακαλώ επιλέξτε περισσότερες από μία καταγραφές !"_s;
-    const QList<Row> good = {{u"2026-03-03 10:00:00"_s, 12},
-                             {u"2026-03-03 10:05:00"_s, 14},
-                             {u"2026-03-03 10:09:00"_s, 13},
-                             {u"2026-03-03 10:12:00"_s, 11}};
-
-    QTest::newRow("fine") << good << 0 << 3 << QString() << -1;
-    // Grid rows newest first: the type-3 record is row 1.
-    QTest::newRow("mixed types, offending row alone")
-        << QList<Row>{{u"2026-03-03 10:00:00"_s, 12},
-                      {u"2026-03-03 10:05:00"_s, 14},
-                      {u"2026-03-03 10:09:00"_s, 13, 3},
-                      {u"2026-03-03 10:12:00"_s, 11}}
-        << 0 << 3 << mixed << 1;
-    // Row 1 holds 10:03 after 10:05 in row 2.
-    QTest::newRow("time reversal, offending row alone")
-        << QList<Row>{{u"2026-03-03 10:00:00"_s, 12},
-                      {u"2026-03-03 10:05:00"_s, 14},
-                      {u"2026-03-03 10:03:00"_s, 13},
-                      {u"2026-03-03 10:12:00"_s, 11}}
-        << 0 << 3 << reversal << 1;
-    // The scan starts at the oldest: the type change in row 2 comes before
-    // the reversal in row 0.
-    QTest::newRow("type found before a reversal nearer the top")
-        << QList<Row>{{u"2026-03-03 10:00:00"_s, 12},
-                      {u"2026-03-03 10:05:00"_s, 14, 3},
-                      {u"2026-03-03 10:09:00"_s, 13, 3},
-                      {u"2026-03-03 10:01:00"_s, 11, 3}}
-        << 0 << 3 << mixed << 2;
-    QTest::newRow("contact input")
-        << QList<Row>{{u"2026-03-03 10:00:00"_s, 1, 2}, {u"2026-03-03 10:05:00"_s, 0, 2}} << 0 << 1
-        << contact << -1;
-    QTest::newRow("two records in one minute")
-        << QList<Row>{{u"2026-03-03 10:00:05"_s, 12}, {u"2026-03-03 10:00:55"_s, 14}} << 0 << 1
-        << tooShort << -1;
-}
-
-void TestGraphWindow::openingChecksTheSelection()
-{
-    QFETCH(QList<Row>, rows);
-    QFETCH(int, first);
-    QFETCH(int, last);
-    QFETCH(QString, message);
-    QFETCH(int, selectedRow);
-    RecordsSeed s(m_fx->db);
-    for (int i = 0; i < rows.size(); ++i)
-        QVERIFY(s.record(u"A-100"_s, 1, rows[i].when, rows[i].value, rows[i].type, i + 1));
-    openRecords();
-    QCOMPARE(m_w->model()->rowCount(), rows.size());
-
-    GraphWindow* g = openGraphOn(first, last);
-    const auto shown = m_fx->dialogs.messages();
-    if (message.isEmpty()) {
-        QVERIFY(g);
-        QVERIFY(shown.isEmpty());
-        QVERIFY(g->isVisible());
-        QCOMPARE(g->windowModality(), Qt::ApplicationModal);
-        return;
-    }
-    QVERIFY(!g);
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown[0].title, u"Γράφημα"_s);
-    QCOMPARE(shown[0].icon, DialogService::Icon::Exclamation);
-    QCOMPARE(shown[0].text, message);
-    const auto expected =
-        selectedRow < 0 ? std::pair{first, last} : std::pair{selectedRow, selectedRow};
-    QCOMPARE(m_w->selectedRows(), expected);
-}
-
-void TestGraphWindow::opensOnTheSelectionWithItsTextsAndLimits()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
-    openRecords();
-    GraphWindow* g = openGraphOn(0, 199);
-    QVERIFY(g);
-    shoot(u"open"_s, g);
-    QCOMPARE(g->windowTitle(), u"SENTORAX Monitor / Γράφημα (ΣΥΣΤΗΜΑ:"_s + m_w->unitText() +
-                                   u" , ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Ψυγείο)"_s);
-    const graph::GraphState& st = g->state();
-    QCOMPARE(st.view.startSecs, at(u"2026-03-03 06:00:00"_s)); // minute 1800
-    QCOMPARE(st.view.spanMinutes, 199);
-    QCOMPARE(st.fullBottom, 0.0f);
-    QCOMPARE(st.fullTop, 30.0f);
-    QCOMPARE(g->unitLabel(), u" °C"_s);
-    QCOMPARE(g->maxLimitLabel(), u"25.0"_s);
-    QCOMPARE(g->minLimitLabel(), u"10.0"_s);
-    QVERIFY(g->markerList().isEmpty());
-    QVERIFY(g->chartOption()->isChecked());
-
-    // The pictures line up: the value labels and the time labels reach half
-    // a label beyond the chart on each side.
-    const QRect chart = g->chart()->geometry();
-    QCOMPARE(g->unitPicture()->geometry().top(), chart.top() - 9);
-    QCOMPARE(g->timePicture()->geometry().left(), chart.left() - 9);
-    QCOMPARE(g->timePicture()->geometry().top(), chart.bottom() + 1);
-
-    // Green data line, the red dashed maximum, the frame; white inside.
-    const QPixmap pic = g->chart()->pixmap();
-    const QPointF maxLine = g->pixelOf({100, 25});
-    bool red = false;
-    for (int dx = 0; dx < 12 && !red; ++dx)
-        red = colourNear(pic, maxLine + QPointF(dx, 0), QColor(255, 0, 0));
-    QVERIFY(red);
-    QCOMPARE(pixelAt(pic, g->pixelOf({0, 30})), QColor(Qt::black));
-    int green = 0;
-    const QImage image = pic.toImage();
-    for (int y = 0; y < image.height(); ++y)
-        green += image.pixelColor(image.width() / 2, y) == QColor(0, 128, 0);
-    QVERIFY(green > 0);
-    QCOMPARE(pixelAt(pic, g->pixelOf({100, 2})), QColor(Qt::white));
-    QVERIFY(!m_fx->dialogs.anyUnexpected());
-}
-
-void TestGraphWindow::cursorReadsTheNearestRecordWithoutRepaintingTheChart()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
-    // A gap: after the series (last minute 1999) one record at minute 2009.
-    QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-03 09:29:00"_s, 7.25, 0, kSeries + 1));
-    openRecords();
-    GraphWindow* g = openGraphOn(0, 200);
-    QVERIFY(g);
-    const int paints = g->chartPaints();
-
-    struct Case {
-        double x;
-        const char16_t* time;
-        const char16_t* value;
-    };
-    // View minute 0 is series minute 1800 (03/03 06:00); the lone record is minute 209.
-    const Case cases[] = {
-        {100.0, u"03/03/2026 - 07:40", u"11.5 °C"}, // series minute 1900: 1900 % 37 = 13
-        {0.0, u"03/03/2026 - 06:00", u"17 °C"},     // 1800 % 37 = 24
-        {203.0, u"03/03/2026 - 09:19", u"5.5 °C"},  // the older is nearer: 1999 % 37 = 1
-        {204.0, u"03/03/2026 - 09:19", u"5.5 °C"},  // a tie goes to the older
-        {205.0, u"03/03/2026 - 09:29", u"7.25 °C"}, // the newer is nearer
-    };
-    for (const Case& c : cases) {
-        moveTo(g, {c.x, 15});
-        QCOMPARE(g->timeReadout(), QString::fromUtf16(c.time));
-        QCOMPARE(g->valueReadout(), QString::fromUtf16(c.value));
-        QVERIFY(g->chart()->cursorLine().has_value());
-        QVERIFY(std::abs(*g->chart()->cursorLine() - g->pixelOf({c.x, 15}).toPoint().x()) < 1e-6);
-    }
-    // Outside the values shown nothing changes.
-    moveTo(g, {100, 15});
-    sendMove(g->chart(), QPoint(g->chart()->width() / 2, g->chart()->height() + 5));
-    QCOMPARE(g->timeReadout(), u"03/03/2026 - 07:40"_s);
-    QCOMPARE(g->chartPaints(), paints);
-}
-
-void TestGraphWindow::dragZoomsRightButtonZoomsOutWithinTheFullRange()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
-    openRecords();
-    GraphWindow* g = openGraphOn(0, 199);
-    QVERIFY(g);
-    const graph::GraphView full = g->state().view;
-    int paints = g->chartPaints();
-
-    // Before a first zoom the right button does nothing.
-    QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
-    QCOMPARE(g->state().view, full);
-    QCOMPARE(g->chartPaints(), paints);
-
-    dragFromTo(g, {150.2, 7.6}, {50.3, 22.4});
-    graph::GraphView zoomed{full.startSecs + 50 * 60, 100, 7.0f, 23.0f};
-    QCOMPARE(g->state().view, zoomed);
-    QCOMPARE(g->chartPaints(), ++paints);
-    QVERIFY(g->state().zoomed);
-    // The click that ends a drag adds no marker; the band is gone.
-    QVERIFY(g->state().markers.empty());
-    QVERIFY(!g->chart()->rubberBand());
-    QCOMPARE(g->hScroll()->maximum(), 99);
-    QCOMPARE(g->hScroll()->value(), 50);
-    QCOMPARE(g->vScroll()->maximum(), 14);
-    QCOMPARE(g->vScroll()->value(), 7);
-    shoot(u"zoomed"_s, g);
-
-    // A drag within one minute zooms nowhere.
-    dragFromTo(g, {40.1, 20}, {40.3, 10});
-    QCOMPARE(g->state().view, zoomed);
-
-    // Twice around the centre: 50 - 50 = 0, then bounded by the full range.
-    QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
-    QCOMPARE(g->state().view, (graph::GraphView{full.startSecs, 199, 0.0f, 30.0f}));
-    QCOMPARE(g->hScroll()->maximum(), 0);
-    QVERIFY(g->state().markers.empty());
-    // Zooming out of the full view draws the same view again.
-    QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
-    QCOMPARE(g->state().view, full);
-}
-
-void TestGraphWindow::scrollingMovesTheViewInWholeMinutesAndValues()
-{
-    // Zone 2: a record every 30 minutes from 1 January, about 41 days.
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(
-        u"A-100"_s, 2, at(u"2026-01-01 00:00:00"_s), 1800, 2000, [](int i) { return 1.0 + i % 5; },
-        3));
-    openRecords(1, records::kWholeYearIndex);
-    GraphWindow* g = openGraphOn(0, 1999);
-    QVERIFY(g);
-    const graph::GraphView full = g->state().view;
-    QCOMPARE(full.spanMinutes, 1999 * 30);
-    QCOMPARE(g->unitLabel(), u" bar"_s);
-    QCOMPARE(g->maxLimitLabel(), QString());
-    // Zoom to about 1000 minutes: 58,970 free minutes in 32,767 units.
-    const double left = 1000.2;
-    const double right = left + 1000.0;
-    dragFromTo(g, {left, 4.5}, {right, 1.5});
-    const graph::GraphView zoomed = g->state().view;
-    QVERIFY(zoomed.spanMinutes >= 900 && zoomed.spanMinutes <= 1100);
-    const int free = full.spanMinutes - zoomed.spanMinutes;
-    QCOMPARE(g->hScroll()->maximum(), 32767);
-    QCOMPARE(g->state().scrollFactor, 32767.0 / free);
-
-    g->hScroll()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
-    QCOMPARE(g->state().view.startSecs, zoomed.startSecs + 60);
-    const qint64 before = g->state().view.startSecs;
-    g->hScroll()->triggerAction(QAbstractSlider::SliderPageStepAdd);
-    const double minutes = g->hScroll()->pageStep() / g->state().scrollFactor;
-    QCOMPARE(g->state().view.startSecs, before + qint64(graph::roundHalfEven(minutes)) * 60);
-    g->hScroll()->triggerAction(QAbstractSlider::SliderToMaximum);
-    QCOMPARE(g->state().view.startSecs + qint64(g->state().view.spanMinutes) * 60,
-             full.startSecs + qint64(full.spanMinutes) * 60);
-
-    // Values 1 to 5 in a range of 0 to 10, zoomed to 1 to 5: the bar's top is
-    // the top of the values, one step up lifts the view by one.
-    QCOMPARE(g->vScroll()->maximum(), 6);
-    QCOMPARE(g->vScroll()->value(), 1);
-    g->vScroll()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
-    QCOMPARE(g->state().view.bottom, 2.0f);
-    QCOMPARE(g->state().view.top, 6.0f);
-    g->vScroll()->triggerAction(QAbstractSlider::SliderToMinimum);
-    QCOMPARE(g->state().view.bottom, 0.0f);
-    QCOMPARE(g->state().view.top, 4.0f);
-}
-
-void TestGraphWindow::markersCycleColoursStopAt255AndAreDeleted()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
-    openRecords();
-    GraphWindow* g = openGraphOn(0, 199);
-    QVERIFY(g);
-    const int paints = g->chartPaints();
-
-    // Nine markers ten minutes apart: colours 0..6, then 0 and 1 again.
-    for (int k = 1; k <= 9; ++k)
-        clickAt(g, {k * 20.0, 15});
-    QCOMPARE(g->state().markers.size(), size_t(9));
-    QCOMPARE(g->chartPaints(), paints);
-    shoot(u"markers"_s, g);
-    const QPixmap pic = g->chart()->pixmap();
-    for (int k = 1; k <= 9; ++k) {
-        const graph::Rgb c = graph::markerColour((k - 1) % 7);
-        // Below every value of the data line, only the marker line is there.
-        QVERIFY(colourNear(pic, g->pixelOf({k * 20.0, 2}), QColor(c.r, c.g, c.b)));
-    }
-    QVERIFY(colourNear(pic, g->pixelOf({8 * 20.0, 2}), QColor(Qt::black)));
-
-    // The list: newest first, CR LF, the readout texts.
-    const QString list = g->markerList();
-    QVERIFY(list.startsWith(u"Χρόνος μαρκαρισμένου σημείου 9: 03/03/2026 - 09:00\r\n"
-                            u"Ένδειξη μαρκαρισμένου σημείου 9: "_s));
-    QVERIFY(list.endsWith(u"Χρόνος μαρκαρισμένου σημείου 1: 03/03/2026 - 06:20\r\n"
-                          u"Ένδειξη μαρκαρισμένου σημείου 1: 8.5 °C\r\n\r\n"_s));
-    QVERIFY(g->findChild<QPlainTextEdit*>(u"Text1"_s)
-                ->toPlainText()
-                .startsWith(u"Χρόνος μαρκαρισμένου σημείου 9"_s));
-
-    // Markers out of the view keep their numbers and colours.
-    dragFromTo(g, {150.2, 29.5}, {50.3, 0.5});
-    QCOMPARE(g->state().markers.size(), size_t(9));
-    const QPixmap zoomed = g->chart()->pixmap();
-    // Marker 3 (minute 60) is at minute 10 of the view; marker 1 (minute 20) is outside.
-    QVERIFY(colourNear(zoomed, g->pixelOf({10.0, 2}), QColor(0, 128, 0)));
-    QCOMPARE(g->state().view.startSecs, g->state().fullStartSecs + 50 * 60);
-    QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
-
-    // Up to 255; the next one is refused with a message and nothing else.
-    for (int k = 10; k <= 255; ++k)
-        g->click();
-    QCOMPARE(g->state().markers.size(), size_t(9));
-    for (int k = 10; k <= 255; ++k)
-        clickAt(g, {100.0 + (k % 90), 15});
-    QCOMPARE(g->state().markers.size(), size_t(255));
-    QVERIFY(m_fx->dialogs.messages().isEmpty());
-    const QString full = g->markerList();
-    clickAt(g, {5.0, 15});
-    QCOMPARE(g->state().markers.size(), size_t(255));
-    QCOMPARE(g->markerList(), full);
-    const auto shown = m_fx->dialogs.messages();
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown[0].title, u"Προσοχή"_s);
-    QCOMPARE(shown[0].text, u"Δεν μπορείτε να προσθέσετε άλλον δείκτη σημείου"_s);
-    QCOMPARE(shown[0].icon, DialogService::Icon::None);
-
-    g->deleteButton()->click();
-    QVERIFY(g->markerList().isEmpty());
-    QVERIFY(g->state().markers.empty());
-    QCOMPARE(pixelAt(g->chart()->pixmap(), g->pixelOf({20.0, 2})), QColor(Qt::white));
-    // Numbering and colours start over.
-    clickAt(g, {30.0, 15});
-    QVERIFY(g->markerList().startsWith(u"Χρόνος μαρκαρισμένου σημείου 1: "_s));
-    QVERIFY(colourNear(g->chart()->pixmap(), g->pixelOf({30.0, 2}), QColor(Qt::black)));
-}
-
-void TestGraphWindow::printsTheChartInLandscape()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
-    openRecords();
-    GraphWindow* g = openGraphOn(0, 199);
-    QVERIFY(g);
-    clickAt(g, {40.0, 15});
-
-    const QString cancelled = printTo(g, u"cancelled"_s, false);
-    QVERIFY(!QFile::exists(cancelled));
-
-    const QString pdf = printTo(g, u"chart"_s);
-    shootPdf(u"chart"_s, pdf);
-    const QString info = runText(u"pdfinfo"_s, {pdf});
-    QVERIFY2(info.contains(u"Pages:           1"_s), qPrintable(info));
-    QVERIFY2(info.contains(u"841.89 x 595.276"_s) || info.contains(u"842 x 595"_s),
-             qPrintable(info)); // A4 landscape
-    const QStringList pages = pdfPages(pdf);
-    QCOMPARE(pages.size(), 1);
-    const QString flat = pages[0].simplified();
-    QVERIFY2(flat.contains(g->windowTitle().simplified()), qPrintable(flat));
-    QVERIFY(flat.contains(u"Mονάδα μέτρησης: °C"_s));
-    QVERIFY(flat.contains(u"Μέγιστο Όριο: 25.0"_s));
-    QVERIFY(flat.contains(u"Ελάχιστο Όριο: 10.0"_s));
-    // Value labels every 4.
-    for (const char16_t* label : {u"28", u"24", u"4"})
-        QVERIFY2(pages[0].contains(QString::fromUtf16(label)), qPrintable(flat));
-    QVERIFY(!m_fx->dialogs.anyUnexpected());
-}
-
-void TestGraphWindow::printsTheMarkedPointsOnCountedPages()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
-    openRecords();
-    GraphWindow* g = openGraphOn(0, 199);
-    QVERIFY(g);
-    g->markedOption()->setChecked(true);
-
-    // No markers: a notice, and no printer dialog.
-    const QString none = printTo(g, u"none"_s);
-    QVERIFY(!QFile::exists(none));
-    const auto shown = m_fx->dialogs.messages();
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown[0].text, u"Δέν υπάρχουν μαρκαρισμένα σημεία !"_s);
-    QCOMPARE(shown[0].title, u"SENTORAX Monitor"_s);
-    QCOMPARE(shown[0].icon, DialogService::Icon::Information);
-    QCOMPARE(m_fx->dialogs.pendingAnswers(), 1);
-    m_fx->dialogs = ScriptedDialogs();
-
-    for (int k = 1; k <= 90; ++k)
-        clickAt(g, {double(k * 2), 15});
-    QVERIFY(!QFile::exists(printTo(g, u"cancelled"_s, false)));
-
-    const QString pdf = printTo(g, u"marked"_s);
-    shootPdf(u"marked"_s, pdf);
-    const QStringList pages = pdfPages(pdf);
-    QVERIFY2(pages.size() >= 2, qPrintable(QString::number(pages.size())));
-    for (int i = 0; i < pages.size(); ++i) {
-        QVERIFY(pages[i].contains(u"SENTORAX Monitor / ΜΑΡΚΑΡΙΣΜΕΝΑ ΣΗΜΕΙΑ"_s));
-        QVERIFY(pages[i].contains(m_w->unitText() + u" | [1] Ψυγείο"_s));
-        QVERIFY2(pages[i].contains(u"Σελίδα %1/%2"_s.arg(i + 1).arg(pages.size())),
-                 qPrintable(pages[i]));
-    }
-    const QString all = pages.join(u'\n');
-    QVERIFY(pages[0].contains(u"Χρόνος μαρκαρισμένου σημείου 1: 03/03/2026 - 06:02"_s));
-    QVERIFY(pages[0].contains(u"Ένδειξη μαρκαρισμένου σημείου 1: 18 °C"_s));
-    QVERIFY(pages.last().contains(u"Χρόνος μαρκαρισμένου σημείου 90: 03/03/2026 - 09:00"_s));
-    // Every entry once, in order, its two lines on one page.
-    qsizetype from = 0;
-    for (int k = 1; k <= 90; ++k) {
-        const qsizetype found = all.indexOf(u"Χρόνος μαρκαρισμένου σημείου %1:"_s.arg(k), from);
-        QVERIFY2(found >= from, qPrintable(QString::number(k)));
-        from = found + 1;
-    }
-    for (const QString& page : pages)
-        QCOMPARE(page.count(u"Χρόνος μαρκαρισμένου"_s), page.count(u"Ένδειξη μαρκαρισμένου"_s));
-    QVERIFY(!m_fx->dialogs.anyUnexpected());
-}
-
-void TestGraphWindow::resizeRedrawsTheCurrentView()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 00:00:00"_s), 60, kSeries, seriesValue));
-    openRecords();
-    GraphWindow* g = openGraphOn(0, 199);
-    QVERIFY(g);
-    // Usable on a 1280 x 800 screen.
-    QVERIFY(g->frameGeometry().width() <= 1280 && g->frameGeometry().height() <= 800);
-    dragFromTo(g, {150.2, 7.6}, {50.3, 22.4});
-    const graph::GraphView view = g->state().view;
-    const int paints = g->chartPaints();
-    g->resize(g->width() - 200, g->height() - 100);
-    QTRY_COMPARE(g->chart()->pixmap().size(), g->chart()->size());
-    QVERIFY(g->chartPaints() > paints);
-    QCOMPARE(g->state().view, view);
-    shoot(u"small"_s, g);
-    // The chart keeps its value scale: 23 still at the top pixel row.
-    QCOMPARE(pixelAt(g->chart()->pixmap(), g->pixelOf({0, 23})), QColor(Qt::black));
-}
-
+// Zone 1 with the minute series, the graph opened on its newest 200 records.
 QTEST_MAIN(TestGraphWindow)
 #include "tst_graphwindow.moc"

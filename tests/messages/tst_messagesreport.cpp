@@ -57,13 +57,128 @@ private slots:
         QVERIFY(seedMessages(m_fx->db, u"U S1,'1','Αποθήκη',1"_s));
     }
     void cleanup() { m_fx.reset(); }
+    void nothingToPrintAndNothingRebuilt_data()
+    {
+        QTest::addColumn<bool>("archive");
+        QTest::addColumn<QString>("left"); // what stays in the database
+        QTest::addColumn<QString>("box");
 
-    void nothingToPrintAndNothingRebuilt_data();
-    void nothingToPrintAndNothingRebuilt();
-    void cancelledPrinterPrintsNothingButRebuilds();
-    void titleDateTextAndEnd_data();
-    void titleDateTextAndEnd();
-    void longTextRunsOverPagesAndEndFollowsLastLine();
+        const QString newBox = u"Δέν υπάρχουν νέα μηνύματα για εκτύπωση"_s;
+        QTest::newRow("new, none") << false << u""_s << newBox;
+        QTest::newRow("new, archived only") << false << u"P S1,1,0,NULL,60,0"_s << newBox;
+        QTest::newRow("archive, new and fault only")
+            << true << u"P S1,1,0,NULL,60,1; F S1,0,'3'"_s
+            << u"Δέν υπάρχουν αρχειοθετημένα μηνύματα για εκτύπωση"_s;
+    }
+
+    void nothingToPrintAndNothingRebuilt()
+    {
+        QFETCH(bool, archive);
+        QFETCH(QString, left);
+        QFETCH(QString, box);
+        QVERIFY(seedMessages(m_fx->db, u"E S1,1,1,1,5,NULL,60,1; E S1,1,2,1,5,NULL,60,0"_s));
+        MessagesWindow w(m_fx->ctx);
+        if (archive)
+            QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
+        const QString before = w.textBox()->toPlainText();
+        QVERIFY(!m_fx->db.exec(u"DELETE FROM Sensors_Events"_s).isError());
+        QVERIFY(seedMessages(m_fx->db, left));
+
+        w.printList();
+        QCOMPARE(m_fx->dialogs.shown().size(), 1);
+        const auto& shown = m_fx->dialogs.shown().first();
+        QCOMPARE(shown.kind, u"message"_s);
+        QCOMPARE(shown.text, box);
+        QCOMPARE(shown.icon, DialogService::Icon::Exclamation);
+        QCOMPARE(shown.buttons, DialogService::Buttons::Ok);
+        QCOMPARE(shown.title, QString());
+        QCOMPARE(w.textBox()->toPlainText(), before);
+    }
+
+    void cancelledPrinterPrintsNothingButRebuilds()
+    {
+        QVERIFY(seedMessages(m_fx->db, u"E S1,1,1,1,5,NULL,60,1"_s));
+        MessagesWindow w(m_fx->ctx);
+        QVERIFY(seedMessages(m_fx->db, u"E S1,7,1,1,5,NULL,60,1"_s));
+        m_fx->dialogs.answerPrint(false);
+        w.printList();
+        QCOMPARE(m_fx->dialogs.shown().size(), 1);
+        QCOMPARE(m_fx->dialogs.shown().first().kind, u"print"_s);
+        QVERIFY(w.textBox()->toPlainText().contains(u"ΖΩΝΗΣ [7]"_s));
+        QVERIFY(!QFile::exists(pdfPath()));
+    }
+
+    void titleDateTextAndEnd_data()
+    {
+        QTest::addColumn<bool>("archive");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("end");
+
+        // The unit has a fault and no new message: it is printed in the new list.
+        QTest::newRow("new") << false << u"SENTORAX Monitor / ΝΕΑ ΜΗΝΥΜΑΤΑ"_s
+                             << u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s << u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s;
+        QTest::newRow("archive") << true << u"SENTORAX Monitor / ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ"_s
+                                 << u"ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ:ΚΑΝΟΝΙΚΗ"_s << u"ΤΕΛΟΣ ΑΡΧΕΙΟY ΜΗΝΥΜΑΤΩΝ"_s;
+    }
+
+    void titleDateTextAndEnd()
+    {
+        QFETCH(bool, archive);
+        QFETCH(QString, title);
+        QFETCH(QString, line);
+        QFETCH(QString, end);
+        QVERIFY(seedMessages(m_fx->db, u"F S1,0,'3'; P S1,1,16,NULL,60,0"_s));
+        MessagesWindow w(m_fx->ctx);
+        if (archive)
+            QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
+        answerPdf();
+        const QString dateBefore = greekDateTime(m_fx->clock.now(), true);
+        w.printList();
+        const QString dateAfter = greekDateTime(m_fx->clock.now(), true);
+
+        const QList<QStringList> pages = pdfPages(pdfPath());
+        QCOMPARE(pages.size(), 1);
+        const QStringList& lines = pages.first();
+        QCOMPARE(lines.at(0), title);
+        QVERIFY2(lines.at(1) == dateBefore || lines.at(1) == dateAfter, qPrintable(lines.at(1)));
+        QCOMPARE(lines.at(2), w.messageText().section(u"\r\n"_s, 0, 0));
+        QVERIFY(lines.contains(line));
+        QCOMPARE(lines.last(), end);
+    }
+
+    void longTextRunsOverPagesAndEndFollowsLastLine()
+    {
+        constexpr int kMessages = 150;
+        QString rows = u"Z S1,1,'Ψυγείο',0;"_s;
+        for (int i = 1; i <= kMessages; ++i)
+            rows += u"E S1,1,%1,1,%1,NULL,60,1;"_s.arg(i);
+        QVERIFY(seedMessages(m_fx->db, rows));
+        MessagesWindow w(m_fx->ctx);
+        answerPdf();
+        w.printList();
+
+        const QList<QStringList> pages = pdfPages(pdfPath());
+        QVERIFY2(pages.size() >= 3, qPrintable(QString::number(pages.size())));
+        QStringList all;
+        for (const QStringList& page : pages) {
+            QVERIFY(!page.first().startsWith(u"SENTORAX Monitor"_s) || &page == &pages.first());
+            all << page;
+        }
+        // Every value once and in order across the pages.
+        QStringList values;
+        for (const QString& l : all) {
+            if (l.startsWith(u"ΕΚΤΟΣ ΟΡΙΩΝ: "_s))
+                values << l.mid(13);
+        }
+        QStringList expected;
+        for (int i = 1; i <= kMessages; ++i)
+            expected << u"%1.0 °C"_s.arg(i);
+        QCOMPARE(values, expected);
+        // The end box follows the last text line, on its page or at the top of the next.
+        QCOMPARE(all.last(), u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s);
+        QCOMPARE(all.at(all.size() - 2), values.last().prepend(u"ΕΚΤΟΣ ΟΡΙΩΝ: "_s));
+    }
 
 private:
     QString pdfPath() const { return m_fx->scratch.folder() + u"/messages.pdf"_s; }
@@ -77,130 +192,6 @@ private:
 
     std::unique_ptr<GuiFixture> m_fx;
 };
-
-void TestMessagesReport::nothingToPrintAndNothingRebuilt_data()
-{
-    QTest::addColumn<bool>("archive");
-    QTest::addColumn<QString>("left"); // what stays in the database
-    QTest::addColumn<QString>("box");
-
-    const QString newBox = u"Δέν υπάρχουν νέα μηνύματα για εκτύπωση"_s;
-    const QString archiveBox = u"Δέν υπάρχουν αρχειοθετημένα μηνύματα για εκτύπωση"_s;
-    QTest::newRow("new, none") << false << u""_s << newBox;
-    QTest::newRow("new, archived only") << false << u"P S1,1,0,NULL,60,0"_s << newBox;
-    QTest::newRow("new, unit not in use") << false << u"U S2,'2','Β',0; F S2,0,'3'"_s << newBox;
-    QTest::newRow("archive, none") << true << u""_s << archiveBox;
-    QTest::newRow("archive, new and fault only")
-        << true << u"P S1,1,0,NULL,60,1; F S1,0,'3'"_s << archiveBox;
-}
-
-void TestMessagesReport::nothingToPrintAndNothingRebuilt()
-{
-    QFETCH(bool, archive);
-    QFETCH(QString, left);
-    QFETCH(QString, box);
-    QVERIFY(seedMessages(m_fx->db, u"E S1,1,1,1,5,NULL,60,1; E S1,1,2,1,5,NULL,60,0"_s));
-    MessagesWindow w(m_fx->ctx);
-    if (archive)
-        QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
-    const QString before = w.textBox()->toPlainText();
-    QVERIFY(!m_fx->db.exec(u"DELETE FROM Sensors_Events"_s).isError());
-    QVERIFY(seedMessages(m_fx->db, left));
-
-    w.printList();
-    const auto shown = m_fx->dialogs.shown();
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown.first().kind, u"message"_s);
-    QCOMPARE(shown.first().text, box);
-    QCOMPARE(shown.first().icon, DialogService::Icon::Exclamation);
-    QCOMPARE(shown.first().buttons, DialogService::Buttons::Ok);
-    QCOMPARE(shown.first().title, QString());
-    QCOMPARE(w.textBox()->toPlainText(), before);
-}
-
-void TestMessagesReport::cancelledPrinterPrintsNothingButRebuilds()
-{
-    QVERIFY(seedMessages(m_fx->db, u"E S1,1,1,1,5,NULL,60,1"_s));
-    MessagesWindow w(m_fx->ctx);
-    QVERIFY(seedMessages(m_fx->db, u"E S1,7,1,1,5,NULL,60,1"_s));
-    m_fx->dialogs.answerPrint(false);
-    w.printList();
-    QCOMPARE(m_fx->dialogs.shown().size(), 1);
-    QCOMPARE(m_fx->dialogs.shown().first().kind, u"print"_s);
-    QVERIFY(w.textBox()->toPlainText().contains(u"ΖΩΝΗΣ [7]"_s));
-    QVERIFY(!QFile::exists(pdfPath()));
-}
-
-void TestMessagesReport::titleDateTextAndEnd_data()
-{
-    QTest::addColumn<bool>("archive");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("end");
-
-    // The unit has a fault and no new message: it is printed in the new list.
-    QTest::newRow("new") << false << u"SENTORAX Monitor / ΝΕΑ ΜΗΝΥΜΑΤΑ"_s
-                         << u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s << u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s;
-    QTest::newRow("archive") << true << u"SENTORAX Monitor / ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ"_s
-                             << u"ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ:ΚΑΝΟΝΙΚΗ"_s << u"ΤΕΛΟΣ ΑΡΧΕΙΟY ΜΗΝΥΜΑΤΩΝ"_s;
-}
-
-void TestMessagesReport::titleDateTextAndEnd()
-{
-    QFETCH(bool, archive);
-    QFETCH(QString, title);
-    QFETCH(QString, line);
-    QFETCH(QString, end);
-    QVERIFY(seedMessages(m_fx->db, u"F S1,0,'3'; P S1,1,16,NULL,60,0"_s));
-    MessagesWindow w(m_fx->ctx);
-    if (archive)
-        QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
-    answerPdf();
-    const QString dateBefore = greekDateTime(m_fx->clock.now(), true);
-    w.printList();
-    const QString dateAfter = greekDateTime(m_fx->clock.now(), true);
-
-    const QList<QStringList> pages = pdfPages(pdfPath());
-    QCOMPARE(pages.size(), 1);
-    const QStringList& lines = pages.first();
-    QCOMPARE(lines.at(0), title);
-    QVERIFY2(lines.at(1) == dateBefore || lines.at(1) == dateAfter, qPrintable(lines.at(1)));
-    QCOMPARE(lines.at(2), w.messageText().section(u"\r\n"_s, 0, 0));
-    QVERIFY(lines.contains(line));
-    QCOMPARE(lines.last(), end);
-}
-
-void TestMessagesReport::longTextRunsOverPagesAndEndFollowsLastLine()
-{
-    constexpr int kMessages = 150;
-    QString rows = u"Z S1,1,'Ψυγείο',0;"_s;
-    for (int i = 1; i <= kMessages; ++i)
-        rows += u"E S1,1,%1,1,%1,NULL,60,1;"_s.arg(i);
-    QVERIFY(seedMessages(m_fx->db, rows));
-    MessagesWindow w(m_fx->ctx);
-    answerPdf();
-    w.printList();
-
-    const QList<QStringList> pages = pdfPages(pdfPath());
-    QVERIFY2(pages.size() >= 3, qPrintable(QString::number(pages.size())));
-    QStringList all;
-    for (const QStringList& page : pages) {
-        QVERIFY(!page.first().startsWith(u"SENTORAX Monitor"_s) || &page == &pages.first());
-        all << page;
-    }
-    // Every value once and in order across the pages.
-    QStringList values;
-    for (const QString& l : all) {
-        if (l.startsWith(u"ΕΚΤΟΣ ΟΡΙΩΝ: "_s))
-            values << l.mid(13);
-    }
-    QCOMPARE(values.size(), kMessages);
-    for (int i = 0; i < kMessages; ++i)
-        QCOMPARE(values.at(i), u"%1.0 °C"_s.arg(i + 1));
-    // The end box follows the last text line, on its page or at the top of the next.
-    QCOMPARE(all.last(), u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s);
-    QCOMPARE(all.at(all.size() - 2), values.last().prepend(u"ΕΚΤΟΣ ΟΡΙΩΝ: "_s));
-}
 
 QTEST_MAIN(TestMessagesReport)
 #include "tst_messagesreport.moc"

@@ -60,163 +60,148 @@ private slots:
         QVERIFY(m_fx->ready());
     }
     void cleanup() { m_fx.reset(); }
+    void controlsAndCaptions_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("caption");
 
-    void controlsAndCaptions_data();
-    void controlsAndCaptions();
-    void listButtonsAreExclusiveAndUnitListLeavesTextAlone();
-    void navigationInAndOutKeepsUnitIndex();
-    void failedBuildIsReportedOnceAndViewStaysUsable();
+        const char16_t* rows[][2] = {{u"Frame1", u"Πλοήγηση"},
+                                     {u"Frame6", u"Επιλογή συστήματος"},
+                                     {u"Frame2", u"Νέα Μηνύματα"},
+                                     {u"Command1", u"Τρέχουσα κατάσταση"},
+                                     {u"Command2", u"Αρχείο καταγραφών"},
+                                     {u"Command6", u"Αρχείο συμβάντων"},
+                                     {u"Command3", u"Mηνύματα"},
+                                     {u"Command4", u"Νέα μηνύματα"},
+                                     {u"Command5", u"Αρχείο μηνυμάτων"},
+                                     {u"Diahirisi", u"Διαχείριση"},
+                                     {u"Printmsgs", u"Εκτύπωση μηνυμάτων"},
+                                     {u"l1", u""},
+                                     {u"Terminateprg", u"Έξοδος"}};
+        for (const auto& r : rows)
+            QTest::newRow(QString::fromUtf16(r[0]).toUtf8().constData())
+                << QString::fromUtf16(r[0]) << QString::fromUtf16(r[1]);
+    }
+
+    void controlsAndCaptions()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, caption);
+        MessagesWindow w(m_fx->ctx);
+        QCOMPARE(w.windowTitle(), u"SENTORAX Monitor / Μηνύματα"_s);
+        QString text = u"<missing>"_s;
+        if (auto* box = w.findChild<QGroupBox*>(name))
+            text = box->title();
+        else if (auto* button = w.findChild<QPushButton*>(name))
+            text = button->text();
+        else if (auto* menu = w.findChild<QMenu*>(name))
+            text = menu->title();
+        else if (auto* action = w.findChild<QAction*>(name))
+            text = action->isSeparator() ? QString() : action->text();
+        QCOMPARE(text.replace(u'\n', u' '), caption);
+        QPlainTextEdit* box = w.textBox();
+        QVERIFY(box->isReadOnly());
+        QCOMPARE(box->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+        QCOMPARE(box->palette().color(QPalette::Base), colors::kLightGrey);
+    }
+
+    void listButtonsAreExclusiveAndUnitListLeavesTextAlone()
+    {
+        QVERIFY(seedMessages(m_fx->db, u"U S1,'1','Α',1; U S2,'2','Β',1; E S1,1,1,1,5,NULL,60,1;"
+                                       "E S2,1,2,0,6,NULL,60,0"_s));
+        MessagesWindow w(m_fx->ctx);
+        fillSystemSelect(w, 1, false);
+        w.show();
+        // Opens on the new messages, with the indicator of new messages.
+        QCOMPARE(w.shownList(), MessageKind::New);
+        QCOMPARE(indicator(w), colors::kLightRed);
+        const struct {
+            QPushButton* press;
+            MessageKind kind;
+        } steps[] = {{nullptr, MessageKind::New},
+                     {w.archiveButton(), MessageKind::Archived},
+                     {w.newButton(), MessageKind::New},
+                     {w.archiveButton(), MessageKind::Archived}};
+        for (const auto& s : steps) {
+            if (s.press)
+                QTest::mouseClick(s.press, Qt::LeftButton);
+            QCOMPARE(w.textFrame()->title(), listCaption(s.kind));
+            QCOMPARE(w.newButton()->isEnabled(), s.kind != MessageKind::New);
+            QCOMPARE(w.archiveButton()->isEnabled(), s.kind == MessageKind::New);
+            const QString built = buildMessagesText(m_fx->db, s.kind).text;
+            QCOMPARE(w.messageText(), built);
+            QCOMPARE(shownText(w), QString(built).replace(u"\r\n"_s, u"\n"_s));
+            QCOMPARE(alignment(w), Qt::AlignLeft);
+        }
+        // New rows arrive; choosing a unit does not pick them up.
+        const QString before = shownText(w);
+        QVERIFY(seedMessages(m_fx->db, u"E S2,3,3,1,5,NULL,60,0"_s));
+        w.systemSelect()->setCurrentIndex(0);
+        emit w.systemSelect()->activated(0);
+        QCOMPARE(shownText(w), before);
+        // Emptied lists are centred; the indicator is set on opening only.
+        QVERIFY(clearMessages(m_fx->db));
+        QTest::mouseClick(w.newButton(), Qt::LeftButton);
+        QCOMPARE(shownText(w), u"ΔΕΝ ΥΠΑΡΧΟΥΝ ΝΕΑ ΜΗΝΥΜΑΤΑ"_s);
+        QCOMPARE(alignment(w), Qt::AlignHCenter);
+        QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
+        QCOMPARE(shownText(w), u"ΤΟ ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ ΕΙΝΑΙ ΚΕΝΟ"_s);
+        QCOMPARE(indicator(w), colors::kLightRed);
+        QCOMPARE(MessagesWindow(m_fx->ctx).navigation()->newMessagesShown(), false);
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+    }
+
+    void navigationInAndOutKeepsUnitIndex()
+    {
+        QVERIFY(seedMessages(m_fx->db, u"U S1,'1','Α',1; U S2,'2','Β',1; U S3,'3','Γ',1;"
+                                       "U S4,'4','Δ',1"_s));
+        Navigator& nav = *m_fx->navigator;
+        nav.setFactory(ViewId::Messages,
+                       [](AppContext& c) -> ViewWindow* { return new MessagesWindow(c); });
+        auto main = std::make_unique<StandInView>(m_fx->ctx, ViewId::Current);
+        nav.setMainView(main.get());
+        fillSystemSelect(*main, 2, false);
+        main->show();
+
+        nav.navigate(*main, ViewId::Messages);
+        auto* messages = qobject_cast<MessagesWindow*>(nav.secondaryView());
+        QVERIFY(messages && messages->isVisible() && !main->isVisible());
+        QCOMPARE(messages->unitIndex(), 2);
+        QCOMPARE(messages->systemSelect()->count(), 4); // no "ΟΛΑ"
+        QPointer<MessagesWindow> back = messages;
+        QTest::mouseClick(messages->navigation()->button(ViewId::Current), Qt::LeftButton);
+        QVERIFY(main->isVisible());
+        QCOMPARE(main->selected.last(), 2);
+        QTRY_VERIFY(back.isNull());
+        QCOMPARE(m_fx->terminated, 0);
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+    }
+
+    void failedBuildIsReportedOnceAndViewStaysUsable()
+    {
+        QVERIFY(seedMessages(m_fx->db, u"U S1,'1','Α',1; E S1,1,1,1,5,NULL,60,0"_s));
+        MessagesWindow w(m_fx->ctx);
+        QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
+        QVERIFY(!m_fx->db.exec(u"DROP TABLE Sensors_Events"_s).isError());
+        QTest::mouseClick(w.newButton(), Qt::LeftButton);
+        QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
+        QCOMPARE(m_fx->dialogs.messages().size(), 1);
+        QCOMPARE(m_fx->dialogs.messages().first().icon, DialogService::Icon::Critical);
+        // The caption names the list asked for and no other list's text stays under it.
+        QCOMPARE(w.textFrame()->title(), u"Αρχείο Μηνυμάτων"_s);
+        QCOMPARE(shownText(w), QString());
+
+        QVERIFY(!sim::createSchema(m_fx->db).isError());
+        QVERIFY(seedMessages(m_fx->db, u"E S1,1,1,1,5,NULL,60,1"_s));
+        QTest::mouseClick(w.newButton(), Qt::LeftButton);
+        QVERIFY(shownText(w).contains(u"ΜΗΝΥΜΑΤΑ ΤΗΣ ΖΩΝΗΣ [1]"_s));
+        QCOMPARE(m_fx->dialogs.messages().size(), 1);
+        QVERIFY(!m_fx->failures->inOutage());
+    }
 
 private:
     std::unique_ptr<GuiFixture> m_fx;
 };
-
-void TestMessagesWindow::controlsAndCaptions_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("caption");
-
-    const char16_t* rows[][2] = {{u"Frame1", u"Πλοήγηση"},
-                                 {u"Frame6", u"Επιλογή συστήματος"},
-                                 {u"Frame2", u"Νέα Μηνύματα"},
-                                 {u"Command1", u"Τρέχουσα κατάσταση"},
-                                 {u"Command2", u"Αρχείο καταγραφών"},
-                                 {u"Command6", u"Αρχείο συμβάντων"},
-                                 {u"Command3", u"Mηνύματα"},
-                                 {u"Command4", u"Νέα μηνύματα"},
-                                 {u"Command5", u"Αρχείο μηνυμάτων"},
-                                 {u"Diahirisi", u"Διαχείριση"},
-                                 {u"Printmsgs", u"Εκτύπωση μηνυμάτων"},
-                                 {u"l1", u""},
-                                 {u"Terminateprg", u"Έξοδος"}};
-    for (const auto& r : rows)
-        QTest::newRow(QString::fromUtf16(r[0]).toUtf8().constData())
-            << QString::fromUtf16(r[0]) << QString::fromUtf16(r[1]);
-}
-
-void TestMessagesWindow::controlsAndCaptions()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, caption);
-    MessagesWindow w(m_fx->ctx);
-    QCOMPARE(w.windowTitle(), u"SENTORAX Monitor / Μηνύματα"_s);
-    QString text = u"<missing>"_s;
-    if (auto* box = w.findChild<QGroupBox*>(name))
-        text = box->title();
-    else if (auto* button = w.findChild<QPushButton*>(name))
-        text = button->text();
-    else if (auto* menu = w.findChild<QMenu*>(name))
-        text = menu->title();
-    else if (auto* action = w.findChild<QAction*>(name))
-        text = action->isSeparator() ? QString() : action->text();
-    QCOMPARE(text.replace(u'\n', u' '), caption);
-    QPlainTextEdit* box = w.textBox();
-    QVERIFY(box->isReadOnly());
-    QCOMPARE(box->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
-    QCOMPARE(box->palette().color(QPalette::Base), colors::kLightGrey);
-}
-
-void TestMessagesWindow::listButtonsAreExclusiveAndUnitListLeavesTextAlone()
-{
-    QVERIFY(seedMessages(m_fx->db, u"U S1,'1','Α',1; U S2,'2','Β',1; E S1,1,1,1,5,NULL,60,1;"
-                                   "E S2,1,2,0,6,NULL,60,0"_s));
-    MessagesWindow w(m_fx->ctx);
-    fillSystemSelect(w, 1, false);
-    w.show();
-    // Opens on the new messages, with the indicator of new messages.
-    QCOMPARE(w.shownList(), MessageKind::New);
-    QCOMPARE(indicator(w), colors::kLightRed);
-    const struct {
-        QPushButton* press;
-        MessageKind kind;
-    } steps[] = {{nullptr, MessageKind::New},
-                 {w.archiveButton(), MessageKind::Archived},
-                 {w.newButton(), MessageKind::New},
-                 {w.archiveButton(), MessageKind::Archived}};
-    for (const auto& s : steps) {
-        if (s.press)
-            QTest::mouseClick(s.press, Qt::LeftButton);
-        QCOMPARE(w.textFrame()->title(), listCaption(s.kind));
-        QCOMPARE(w.newButton()->isEnabled(), s.kind != MessageKind::New);
-        QCOMPARE(w.archiveButton()->isEnabled(), s.kind == MessageKind::New);
-        const QString built = buildMessagesText(m_fx->db, s.kind).text;
-        QCOMPARE(w.messageText(), built);
-        QCOMPARE(shownText(w), QString(built).replace(u"\r\n"_s, u"\n"_s));
-        QCOMPARE(alignment(w), Qt::AlignLeft);
-    }
-    // New rows arrive; choosing a unit does not pick them up.
-    const QString before = shownText(w);
-    QVERIFY(seedMessages(m_fx->db, u"E S2,3,3,1,5,NULL,60,0"_s));
-    w.systemSelect()->setCurrentIndex(0);
-    emit w.systemSelect()->activated(0);
-    QCOMPARE(shownText(w), before);
-    // Emptied lists are centred; the indicator is set on opening only.
-    QVERIFY(clearMessages(m_fx->db));
-    QTest::mouseClick(w.newButton(), Qt::LeftButton);
-    QCOMPARE(shownText(w), u"ΔΕΝ ΥΠΑΡΧΟΥΝ ΝΕΑ ΜΗΝΥΜΑΤΑ"_s);
-    QCOMPARE(alignment(w), Qt::AlignHCenter);
-    QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
-    QCOMPARE(shownText(w), u"ΤΟ ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ ΕΙΝΑΙ ΚΕΝΟ"_s);
-    QCOMPARE(indicator(w), colors::kLightRed);
-    QCOMPARE(MessagesWindow(m_fx->ctx).navigation()->newMessagesShown(), false);
-    QVERIFY(m_fx->dialogs.shown().isEmpty());
-}
-
-void TestMessagesWindow::navigationInAndOutKeepsUnitIndex()
-{
-    QVERIFY(seedMessages(m_fx->db, u"U S1,'1','Α',1; U S2,'2','Β',1; U S3,'3','Γ',1;"
-                                   "U S4,'4','Δ',1"_s));
-    Navigator& nav = *m_fx->navigator;
-    nav.setFactory(ViewId::Events,
-                   [](AppContext& c) -> ViewWindow* { return new StandInView(c, ViewId::Events); });
-    nav.setFactory(ViewId::Messages,
-                   [](AppContext& c) -> ViewWindow* { return new MessagesWindow(c); });
-    auto main = std::make_unique<StandInView>(m_fx->ctx, ViewId::Current);
-    nav.setMainView(main.get());
-    fillSystemSelect(*main, 2, false);
-    main->show();
-
-    nav.navigate(*main, ViewId::Messages);
-    auto* messages = qobject_cast<MessagesWindow*>(nav.secondaryView());
-    QVERIFY(messages && messages->isVisible() && !main->isVisible());
-    QCOMPARE(messages->unitIndex(), 2);
-    QCOMPARE(messages->systemSelect()->count(), 4); // no "ΟΛΑ"
-    QTest::mouseClick(messages->navigation()->button(ViewId::Events), Qt::LeftButton);
-    ViewWindow* events = nav.secondaryView();
-    QCOMPARE(events->unitIndex(), 2);
-    nav.navigate(*events, ViewId::Messages);
-    QPointer<MessagesWindow> back = qobject_cast<MessagesWindow*>(nav.secondaryView());
-    QVERIFY(back);
-    QCOMPARE(back->unitIndex(), 2);
-    QTest::mouseClick(back->navigation()->button(ViewId::Current), Qt::LeftButton);
-    QVERIFY(main->isVisible());
-    QCOMPARE(main->selected.last(), 2);
-    QTRY_VERIFY(back.isNull());
-    QCOMPARE(m_fx->terminated, 0);
-    QVERIFY(m_fx->dialogs.shown().isEmpty());
-}
-
-void TestMessagesWindow::failedBuildIsReportedOnceAndViewStaysUsable()
-{
-    QVERIFY(seedMessages(m_fx->db, u"U S1,'1','Α',1; E S1,1,1,1,5,NULL,60,0"_s));
-    MessagesWindow w(m_fx->ctx);
-    QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
-    QVERIFY(!m_fx->db.exec(u"DROP TABLE Sensors_Events"_s).isError());
-    QTest::mouseClick(w.newButton(), Qt::LeftButton);
-    QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
-    QCOMPARE(m_fx->dialogs.messages().size(), 1);
-    QCOMPARE(m_fx->dialogs.messages().first().icon, DialogService::Icon::Critical);
-    // The caption names the list asked for and no other list's text stays under it.
-    QCOMPARE(w.textFrame()->title(), u"Αρχείο Μηνυμάτων"_s);
-    QCOMPARE(shownText(w), QString());
-
-    QVERIFY(!sim::createSchema(m_fx->db).isError());
-    QVERIFY(seedMessages(m_fx->db, u"E S1,1,1,1,5,NULL,60,1"_s));
-    QTest::mouseClick(w.newButton(), Qt::LeftButton);
-    QVERIFY(shownText(w).contains(u"ΜΗΝΥΜΑΤΑ ΤΗΣ ΖΩΝΗΣ [1]"_s));
-    QCOMPARE(m_fx->dialogs.messages().size(), 1);
-    QVERIFY(!m_fx->failures->inOutage());
-}
 
 QTEST_MAIN(TestMessagesWindow)
 #include "tst_messageswindow.moc"

@@ -81,161 +81,139 @@ class TestPrint : public QObject {
     Q_OBJECT
 
 private slots:
-    void reportFontScalesWithPaperWidth_data();
-    void reportFontScalesWithPaperWidth();
-    void printPutsTheTopOfTheTextAtY();
-    void wrapToWidth_data();
-    void wrapToWidth();
-    void wrappedTextPrintsOnSuccessiveLines();
-    void printLinesAtKeepsOneColumn();
-    void emptyTextStillTakesOneLine();
-    void bannerIsCentredAndTextContinuesBelowIt();
+    void reportFontScalesWithPaperWidth_data()
+    {
+        QTest::addColumn<bool>("landscape");
+        QTest::addColumn<double>("pointSize");
+        QTest::newRow("A4 portrait, 11906 twips") << false << 8.0;
+        QTest::newRow("A4 landscape, 16838 twips") << true << 8.0 * 16838 / 11906;
+    }
+    void reportFontScalesWithPaperWidth()
+    {
+        QFETCH(bool, landscape);
+        QFETCH(double, pointSize);
+        PdfReport pdf(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+        const QFont font = sx::reportFont(pdf.writer);
+        QVERIFY(qAbs(font.pointSizeF() - pointSize) < 0.01);
+        QVERIFY(font.bold());
+        const QString family = QFontInfo(font).family();
+        QVERIFY2(family == u"Arial"_s || family == u"Liberation Sans"_s, qPrintable(family));
+
+        pdf.painter->print(u"Arial"_s);
+        pdf.painter->end();
+        const QString fonts = PdfReport::run(u"pdffonts"_s, {pdf.path});
+        QVERIFY2(fonts.contains(u"Bold"_s), qPrintable(fonts));
+    }
+    void printPutsTheTopOfTheTextAtY()
+    {
+        PdfReport pdf;
+        sx::ReportPainter& p = *pdf.painter;
+        QVERIFY(qAbs(p.pageWidth() - (210.0 - 2 * marginMm)) < 0.1);
+        QVERIFY(qAbs(p.pageHeight() - (297.0 - 2 * marginMm)) < 0.1);
+        p.setCurrentX(30.0);
+        p.setCurrentY(50.0);
+        p.print(u"ΘΕΣΗ"_s);
+        QCOMPARE(p.currentX(), 0.0);
+        QCOMPARE(p.currentY(), 50.0 + p.textHeight());
+        p.print(u"ΕΠΟΜΕΝΗ"_s);
+
+        const QRectF first = pdf.box(u"ΘΕΣΗ"_s);
+        QVERIFY2(qAbs(first.left() - (marginMm + 30.0)) < 0.5,
+                 qPrintable(QString::number(first.left())));
+        QVERIFY2(qAbs(first.top() - (marginMm + 50.0)) < 0.7,
+                 qPrintable(QString::number(first.top())));
+        const QRectF next = pdf.box(u"ΕΠΟΜΕΝΗ"_s);
+        QVERIFY(qAbs(next.left() - marginMm) < 0.5);
+        QVERIFY(qAbs(next.top() - first.top() - p.textHeight()) < 0.2);
+    }
+    void wrapToWidth_data()
+    {
+        // The width is that of a given prefix plus a hair, so rows hold for any font.
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("fits");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<int>("lines");
+        QTest::newRow("fits whole") << u"aaaa aaaa"_s << u"aaaa aaaa"_s << u"aaaa aaaa"_s << 1;
+        QTest::newRow("breaks at last blank") << u"aaaa aaaa aaaa aaaa aaaa"_s << u"aaaa aaaa"_s
+                                              << u"aaaa aaaa\r\naaaa aaaa\r\naaaa"_s << 3;
+        QTest::newRow("trailing blank makes no empty line")
+            << u"aaaa aaaa "_s << u"aaaa aaaa"_s << u"aaaa aaaa"_s << 1;
+        QTest::newRow("word wider than the width is cut")
+            << u"xxxxxxxxxxxxxxxxxxxxxxxx"_s << u"xxxxxxxxxx"_s
+            << u"xxxxxxxxxx\r\nxxxxxxxxxx\r\nxxxx"_s << 3;
+        QTest::newRow("long word after a short one")
+            << u"ab xxxxxxxxxxxxxxxxxxxx"_s << u"xxxxxxxxxx"_s
+            << u"ab\r\nxxxxxxxxxx\r\nxxxxxxxxxx"_s << 3;
+        QTest::newRow("character wider than the width still advances")
+            << u"WWW"_s << QString() << u"W\r\nW\r\nW"_s << 3;
+        QTest::newRow("empty") << QString() << QString() << QString() << 1;
+    }
+    void wrapToWidth()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, fits);
+        QFETCH(QString, expected);
+        QFETCH(int, lines);
+        PdfReport pdf;
+        const double width = pdf.painter->textWidth(fits) + 0.01;
+        QCOMPARE(sx::wrapToWidth(text, width, *pdf.painter), lines);
+        QCOMPARE(text, expected);
+    }
+    void wrappedTextPrintsOnSuccessiveLines()
+    {
+        PdfReport pdf;
+        sx::ReportPainter& p = *pdf.painter;
+        QString text = u"Ένδειξη μαρκαρισμένου σημείου 3: 21,3 °C κατά τη διάρκεια της "
+                       u"νυχτερινής βάρδιας, πάνω από το μέγιστο όριο της ζώνης ψυχρού θαλάμου"_s;
+        const double width = 60.0;
+        const int count = sx::wrapToWidth(text, width, p);
+        const QStringList wrapped = text.split(u"\r\n"_s);
+        QCOMPARE(wrapped.size(), count);
+        QVERIFY(count >= 3);
+        for (const QString& line : wrapped)
+            QVERIFY2(p.textWidth(line) < width, qPrintable(line));
+
+        p.print(u"ΑΡΧΗ"_s);
+        sx::printLinesAt(p, text, 15.0);
+        p.print(u"ΤΕΛΟΣ"_s);
+        QCOMPARE(pdf.lines(), QStringList() << u"ΑΡΧΗ"_s << wrapped << u"ΤΕΛΟΣ"_s);
+    }
+    void printLinesAtKeepsOneColumn()
+    {
+        PdfReport pdf;
+        sx::ReportPainter& p = *pdf.painter;
+        const QStringList three{u"ΠΡΩΤΗ"_s, u"ΔΕΥΤΕΡΗ"_s, u"ΤΡΙΤΗ"_s};
+        p.setCurrentY(20.0);
+        sx::printLinesAt(p, three.join(u"\r\n"_s), 40.0);
+        QCOMPARE(p.currentY(), 20.0 + 3 * p.textHeight());
+        // An empty text still takes one line.
+        sx::printLinesAt(p, QString(), 10.0);
+        p.print(u"ΜΕΤΑ"_s);
+        QCOMPARE(pdf.lines(), three + QStringList{u"ΜΕΤΑ"_s});
+        for (const QString& line : three)
+            QVERIFY2(qAbs(pdf.box(line).left() - (marginMm + 40.0)) < 0.5, qPrintable(line));
+        QVERIFY(qAbs(pdf.box(u"ΜΕΤΑ"_s).top() - (marginMm + 20.0 + 4 * p.textHeight())) < 0.7);
+    }
+    void bannerIsCentredAndTextContinuesBelowIt()
+    {
+        PdfReport pdf;
+        sx::ReportPainter& p = *pdf.painter;
+        const double y = 12.0;
+        sx::printBanner(p, 10.0, y, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
+        QCOMPARE(p.currentX(), 0.0);
+        QCOMPARE(p.currentY(), y + 2 * p.textHeight() + 1.0);
+        p.print(u"Γραμμή μετά τον τίτλο"_s);
+        QCOMPARE(pdf.lines(), (QStringList{u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s, u"Γραμμή μετά τον τίτλο"_s}));
+
+        const QRectF banner = pdf.box(u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
+        QVERIFY2(qAbs(banner.center().x() - 105.0) < 1.0,
+                 qPrintable(QString::number(banner.center().x())));
+        QVERIFY(qAbs(banner.top() - (marginMm + y + 0.5)) < 0.7);
+        const QRectF after = pdf.box(u"Γραμμή μετά τον τίτλο"_s);
+        QVERIFY(after.top() > banner.bottom() + 1.0);
+        QVERIFY(qAbs(after.top() - (marginMm + y + 2 * p.textHeight() + 1.0)) < 0.7);
+    }
 };
-
-void TestPrint::reportFontScalesWithPaperWidth_data()
-{
-    QTest::addColumn<bool>("landscape");
-    QTest::addColumn<double>("pointSize");
-    QTest::newRow("A4 portrait, 11906 twips") << false << 8.0;
-    QTest::newRow("A4 landscape, 16838 twips") << true << 8.0 * 16838 / 11906;
-}
-
-void TestPrint::reportFontScalesWithPaperWidth()
-{
-    QFETCH(bool, landscape);
-    QFETCH(double, pointSize);
-    PdfReport pdf(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
-    const QFont font = sx::reportFont(pdf.writer);
-    QVERIFY(qAbs(font.pointSizeF() - pointSize) < 0.01);
-    QVERIFY(font.bold());
-    const QString family = QFontInfo(font).family();
-    QVERIFY2(family == u"Arial"_s || family == u"Liberation Sans"_s, qPrintable(family));
-
-    pdf.painter->print(u"Arial"_s);
-    pdf.painter->end();
-    const QString fonts = PdfReport::run(u"pdffonts"_s, {pdf.path});
-    QVERIFY2(fonts.contains(u"Bold"_s), qPrintable(fonts));
-}
-
-void TestPrint::printPutsTheTopOfTheTextAtY()
-{
-    PdfReport pdf;
-    sx::ReportPainter& p = *pdf.painter;
-    QVERIFY(qAbs(p.pageWidth() - (210.0 - 2 * marginMm)) < 0.1);
-    QVERIFY(qAbs(p.pageHeight() - (297.0 - 2 * marginMm)) < 0.1);
-    p.setCurrentX(30.0);
-    p.setCurrentY(50.0);
-    p.print(u"ΘΕΣΗ"_s);
-    QCOMPARE(p.currentX(), 0.0);
-    QCOMPARE(p.currentY(), 50.0 + p.textHeight());
-    p.print(u"ΕΠΟΜΕΝΗ"_s);
-
-    const QRectF first = pdf.box(u"ΘΕΣΗ"_s);
-    QVERIFY2(qAbs(first.left() - (marginMm + 30.0)) < 0.5,
-             qPrintable(QString::number(first.left())));
-    QVERIFY2(qAbs(first.top() - (marginMm + 50.0)) < 0.7, qPrintable(QString::number(first.top())));
-    const QRectF next = pdf.box(u"ΕΠΟΜΕΝΗ"_s);
-    QVERIFY(qAbs(next.left() - marginMm) < 0.5);
-    QVERIFY(qAbs(next.top() - first.top() - p.textHeight()) < 0.2);
-}
-
-void TestPrint::wrapToWidth_data()
-{
-    // The width is that of a given prefix plus a hair, so rows hold for any font.
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("fits");
-    QTest::addColumn<QString>("expected");
-    QTest::addColumn<int>("lines");
-    QTest::newRow("fits whole") << u"aaaa aaaa"_s << u"aaaa aaaa"_s << u"aaaa aaaa"_s << 1;
-    QTest::newRow("breaks at last blank") << u"aaaa aaaa aaaa aaaa aaaa"_s << u"aaaa aaaa"_s
-                                          << u"aaaa aaaa\r\naaaa aaaa\r\naaaa"_s << 3;
-    QTest::newRow("trailing blank makes no empty line")
-        << u"aaaa aaaa "_s << u"aaaa aaaa"_s << u"aaaa aaaa"_s << 1;
-    QTest::newRow("word wider than the width is cut")
-        << u"xxxxxxxxxxxxxxxxxxxxxxxx"_s << u"xxxxxxxxxx"_s << u"xxxxxxxxxx\r\nxxxxxxxxxx\r\nxxxx"_s
-        << 3;
-    QTest::newRow("long word after a short one") << u"ab xxxxxxxxxxxxxxxxxxxx"_s << u"xxxxxxxxxx"_s
-                                                 << u"ab\r\nxxxxxxxxxx\r\nxxxxxxxxxx"_s << 3;
-    QTest::newRow("character wider than the width still advances")
-        << u"WWW"_s << QString() << u"W\r\nW\r\nW"_s << 3;
-    QTest::newRow("empty") << QString() << QString() << QString() << 1;
-}
-
-void TestPrint::wrapToWidth()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, fits);
-    QFETCH(QString, expected);
-    QFETCH(int, lines);
-    PdfReport pdf;
-    const double width = pdf.painter->textWidth(fits) + 0.01;
-    QCOMPARE(sx::wrapToWidth(text, width, *pdf.painter), lines);
-    QCOMPARE(text, expected);
-}
-
-void TestPrint::wrappedTextPrintsOnSuccessiveLines()
-{
-    PdfReport pdf;
-    sx::ReportPainter& p = *pdf.painter;
-    QString text = u"Ένδειξη μαρκαρισμένου σημείου 3: 21,3 °C κατά τη διάρκεια της "
-                   u"νυχτερινής βάρδιας, πάνω από το μέγιστο όριο της ζώνης ψυχρού θαλάμου"_s;
-    const double width = 60.0;
-    const int count = sx::wrapToWidth(text, width, p);
-    const QStringList wrapped = text.split(u"\r\n"_s);
-    QCOMPARE(wrapped.size(), count);
-    QVERIFY(count >= 3);
-    for (const QString& line : wrapped)
-        QVERIFY2(p.textWidth(line) < width, qPrintable(line));
-
-    p.print(u"ΑΡΧΗ"_s);
-    sx::printLinesAt(p, text, 15.0);
-    p.print(u"ΤΕΛΟΣ"_s);
-    QCOMPARE(pdf.lines(), QStringList() << u"ΑΡΧΗ"_s << wrapped << u"ΤΕΛΟΣ"_s);
-}
-
-void TestPrint::printLinesAtKeepsOneColumn()
-{
-    PdfReport pdf;
-    sx::ReportPainter& p = *pdf.painter;
-    p.setCurrentY(20.0);
-    sx::printLinesAt(p, u"ΠΡΩΤΗ\r\nΔΕΥΤΕΡΗ\r\nΤΡΙΤΗ"_s, 40.0);
-    QCOMPARE(p.currentY(), 20.0 + 3 * p.textHeight());
-    QCOMPARE(pdf.lines(), (QStringList{u"ΠΡΩΤΗ"_s, u"ΔΕΥΤΕΡΗ"_s, u"ΤΡΙΤΗ"_s}));
-    for (const QString& line : {u"ΠΡΩΤΗ"_s, u"ΔΕΥΤΕΡΗ"_s, u"ΤΡΙΤΗ"_s})
-        QVERIFY2(qAbs(pdf.box(line).left() - (marginMm + 40.0)) < 0.5, qPrintable(line));
-}
-
-void TestPrint::emptyTextStillTakesOneLine()
-{
-    PdfReport pdf;
-    sx::ReportPainter& p = *pdf.painter;
-    QString text;
-    QCOMPARE(sx::wrapToWidth(text, 50.0, p), 1);
-    sx::printLinesAt(p, text, 10.0);
-    QCOMPARE(p.currentY(), p.textHeight());
-    p.print(u"ΜΕΤΑ"_s);
-    QVERIFY(qAbs(pdf.box(u"ΜΕΤΑ"_s).top() - (marginMm + p.textHeight())) < 0.7);
-}
-
-void TestPrint::bannerIsCentredAndTextContinuesBelowIt()
-{
-    PdfReport pdf;
-    sx::ReportPainter& p = *pdf.painter;
-    const double y = 12.0;
-    sx::printBanner(p, 10.0, y, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
-    QCOMPARE(p.currentX(), 0.0);
-    QCOMPARE(p.currentY(), y + 2 * p.textHeight() + 1.0);
-    p.print(u"Γραμμή μετά τον τίτλο"_s);
-    QCOMPARE(pdf.lines(), (QStringList{u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s, u"Γραμμή μετά τον τίτλο"_s}));
-
-    const QRectF banner = pdf.box(u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
-    QVERIFY2(qAbs(banner.center().x() - 105.0) < 1.0,
-             qPrintable(QString::number(banner.center().x())));
-    QVERIFY(qAbs(banner.top() - (marginMm + y + 0.5)) < 0.7);
-    const QRectF after = pdf.box(u"Γραμμή μετά τον τίτλο"_s);
-    QVERIFY(after.top() > banner.bottom() + 1.0);
-    QVERIFY(qAbs(after.top() - (marginMm + y + 2 * p.textHeight() + 1.0)) < 0.7);
-}
 
 QTEST_MAIN(TestPrint)
 #include "tst_print.moc"

@@ -46,8 +46,6 @@ void setUpPdf(QPrinter& printer, const QString& file)
 int rowsPerColumnOnPdf(const QString& scratchFile)
 {
     QPrinter printer(QPrinter::HighResolution);
-    printer.setPageOrientation(QPageLayout::Portrait);
-    printer.setPageSize(QPageSize(QPageSize::A4));
     setUpPdf(printer, scratchFile);
     (void)printer.setPageSize(QPageSize(QPageSize::A4));
     printer.setPageOrientation(QPageLayout::Portrait);
@@ -61,24 +59,165 @@ int rowsPerColumnOnPdf(const QString& scratchFile)
 
 } // namespace
 
-// The records report: where rows land and how pages are counted, then the
-// real PDF of the window's command read back as text (and as pictures on request).
 class TestRecordsReport : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void layoutCountsPagesAsTheRuleSays_data()
+    {
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<double>("height");
+        QTest::addColumn<double>("line");
+        QTest::addColumn<int>("perColumn");
+        QTest::addColumn<int>("pages");
+        // Height 245, line 4: lines at 35, 39, ... the 50th ends exactly at the limit 235.
+        QTest::newRow("none") << 0 << 245.0 << 4.0 << 50 << 1;
+        QTest::newRow("one full column") << 50 << 245.0 << 4.0 << 50 << 1;
+        QTest::newRow("four full columns") << 200 << 245.0 << 4.0 << 50 << 1;
+        QTest::newRow("one more") << 201 << 245.0 << 4.0 << 50 << 2;
+        QTest::newRow("eight full columns") << 400 << 245.0 << 4.0 << 50 << 2;
+        QTest::newRow("a third page") << 401 << 245.0 << 4.0 << 50 << 3;
+        QTest::newRow("just short of a line") << 10 << 244.99 << 4.0 << 49 << 1;
+        QTest::newRow("no room at all") << 3 << 40.0 << 4.0 << 1 << 1;
+    }
 
-    void layoutCountsPagesAsTheRuleSays_data();
-    void layoutCountsPagesAsTheRuleSays();
-    void headingTitleAndPageLineTexts();
+    void layoutCountsPagesAsTheRuleSays()
+    {
+        QFETCH(int, rows);
+        QFETCH(double, height);
+        QFETCH(double, line);
+        QFETCH(int, perColumn);
+        QFETCH(int, pages);
+        const records_report::Layout l = records_report::layoutRows(rows, height, line);
+        QCOMPARE(l.rowsPerColumn, perColumn);
+        QCOMPARE(l.pages, pages);
+        if (rows > 0)
+            QVERIFY(l.pageOf(rows - 1) < l.pages || perColumn == 1);
+    }
 
-    void oneRowPrintsOnePageOfOne();
-    void fourFullColumnsAreOnePageAndOneMoreMakesTwo_data();
-    void fourFullColumnsAreOnePageAndOneMoreMakesTwo();
-    void pdfColumnsRunTopToBottomThenLeftToRight();
-    void cancelledPrinterDialogPrintsNothing();
+    void headingTitleAndPageLineTexts()
+    {
+        RecordsReportInput in;
+        in.unitText = u"Alpha [7] (A-100)"_s;
+        in.zoneText = u"[1] Ψυγείο"_s;
+        in.monthText = u"Μαρτιος"_s;
+        in.yearText = u"2026"_s;
+        QCOMPARE(
+            records_report::headingText(in),
+            u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΚΑΤΑΓΡΑΦΩΝ. ΣΥΣΤΗΜΑ:Alpha [7] (A-100) , ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Ψυγείο , ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s);
+        QCOMPARE(records_report::pageLine(3, 12), u"Σελίδα 3/12"_s);
+    }
+
+    void init()
+    {
+        if (!QByteArray(QTest::currentTestFunction()).startsWith("layout") &&
+            !QByteArray(QTest::currentTestFunction()).startsWith("heading")) {
+            m_fx = std::make_unique<GuiFixture>();
+            SX_REQUIRE_DB(m_fx->scratch);
+            QVERIFY(m_fx->ready());
+            RecordsSeed s(m_fx->db);
+            QVERIFY(s.unit(u"A-100"_s,
+                           u"Ψυκτικός θάλαμος αποθήκης τροφίμων της ανατολικής πτέρυγας"_s));
+            QVERIFY(
+                s.zone(u"A-100"_s, {.number = 1, .name = u"'Θερμοκρασία θαλάμου συντήρησης'"_s}));
+            m_fx->clock.advance(
+                QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+        }
+    }
+
+    void cleanup()
+    {
+        m_w.reset();
+        m_fx.reset();
+    }
+
+    void oneRowPrintsOnePageOfOne()
+    {
+        open(30);
+        const QStringList pages = print(u"one"_s);
+        QCOMPARE(pages.size(), 1);
+        const QString& page = pages.first();
+        QVERIFY2(page.contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ"_s) &&
+                     page.contains(u"Σελίδα 1/1"_s),
+                 qPrintable(page));
+        // The long heading wraps: every part of it is printed, the last one whole.
+        const QString flat = page.simplified();
+        QVERIFY2(flat.contains(u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΚΑΤΑΓΡΑΦΩΝ. ΣΥΣΤΗΜΑ:Ψυκτικός"_s),
+                 qPrintable(flat));
+        QVERIFY(flat.contains(u"ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Θερμοκρασία"_s));
+        QVERIFY(flat.contains(u"ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s));
+        QVERIFY(page.contains(m_w->model()->dateText(0)));
+        QVERIFY(page.contains(m_w->model()->readingText(0)));
+        QVERIFY(!page.contains(m_w->model()->dateText(1)));
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
+    }
+
+    void fourFullColumnsAreOnePageAndOneMoreMakesTwo_data()
+    {
+        QTest::addColumn<int>("extra");
+        QTest::addColumn<QStringList>("pageLines");
+        QTest::newRow("four full columns") << 0 << QStringList{u"Σελίδα 1/1"_s};
+        QTest::newRow("one more record") << 1 << QStringList{u"Σελίδα 1/2"_s, u"Σελίδα 2/2"_s};
+    }
+
+    void fourFullColumnsAreOnePageAndOneMoreMakesTwo()
+    {
+        QFETCH(int, extra);
+        QFETCH(QStringList, pageLines);
+        const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
+        QVERIFY(perColumn > 40);
+        const int rows = 4 * perColumn + extra;
+        open(rows);
+        m_w->selectAllRecords();
+        QCOMPARE(m_w->selectedRows(), std::make_pair(0, rows - 1));
+        const QStringList pages = print(extra ? u"two-pages"_s : u"one-page"_s);
+        QCOMPARE(pages.size(), pageLines.size());
+        for (int i = 0; i < pages.size(); ++i) {
+            QVERIFY2(pages[i].contains(pageLines[i]), qPrintable(pages[i].left(400)));
+            QVERIFY(pages[i].contains(u"ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ"_s));
+        }
+        // The last record is on the last page.
+        QVERIFY(pages.last().contains(m_w->model()->dateText(rows - 1)));
+    }
+
+    void pdfColumnsRunTopToBottomThenLeftToRight()
+    {
+        const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
+        open(2 * perColumn + 3);
+        m_w->selectAllRecords();
+        const QStringList pages = print(u"columns"_s);
+        QCOMPARE(pages.size(), 1);
+        const QStringList lines = pages.first().split(u'\n');
+        const auto lineWith = [&lines](const QString& text) {
+            for (qsizetype i = 0; i < lines.size(); ++i) {
+                if (lines[i].contains(text))
+                    return i;
+            }
+            return qsizetype(-1);
+        };
+        RecordsModel* m = m_w->model();
+        const qsizetype top = lineWith(m->dateText(0));
+        QVERIFY(top >= 0);
+        // Row 0 and the first row of columns 1 and 2 share the top line, in that order.
+        QCOMPARE(lineWith(m->dateText(perColumn)), top);
+        QCOMPARE(lineWith(m->dateText(2 * perColumn)), top);
+        QVERIFY(lines[top].indexOf(m->dateText(0)) < lines[top].indexOf(m->dateText(perColumn)));
+        QCOMPARE(lineWith(m->dateText(1)), top + 1);
+        QCOMPARE(lineWith(m->dateText(2 * perColumn + 2)), top + 2);
+        // Each reading sits right of its date in the same column.
+        QVERIFY(lines[top].indexOf(m->readingText(0)) > lines[top].indexOf(m->dateText(0)));
+        QVERIFY(lines[top].indexOf(m->readingText(0)) < lines[top].indexOf(m->dateText(perColumn)));
+    }
+
+    void cancelledPrinterDialogPrintsNothing()
+    {
+        open(5);
+        const QString pdf = m_fx->scratch.folder() + u"/cancelled.pdf"_s;
+        m_fx->dialogs.answerPrint(false, [pdf](QPrinter& p) { setUpPdf(p, pdf); });
+        m_w->printRecords();
+        QVERIFY(!QFile::exists(pdf));
+        QVERIFY(m_fx->dialogs.messages().isEmpty());
+    }
 
 private:
     void open(int records);
@@ -87,76 +226,6 @@ private:
     std::unique_ptr<GuiFixture> m_fx;
     std::unique_ptr<RecordsWindow> m_w;
 };
-
-void TestRecordsReport::layoutCountsPagesAsTheRuleSays_data()
-{
-    QTest::addColumn<int>("rows");
-    QTest::addColumn<double>("height");
-    QTest::addColumn<double>("line");
-    QTest::addColumn<int>("perColumn");
-    QTest::addColumn<int>("pages");
-    // Height 245, line 4: lines at 35, 39, ... the 50th ends exactly at the limit 235.
-    QTest::newRow("none") << 0 << 245.0 << 4.0 << 50 << 1;
-    QTest::newRow("one") << 1 << 245.0 << 4.0 << 50 << 1;
-    QTest::newRow("one full column") << 50 << 245.0 << 4.0 << 50 << 1;
-    QTest::newRow("into the second column") << 51 << 245.0 << 4.0 << 50 << 1;
-    QTest::newRow("four full columns") << 200 << 245.0 << 4.0 << 50 << 1;
-    QTest::newRow("one more") << 201 << 245.0 << 4.0 << 50 << 2;
-    QTest::newRow("eight full columns") << 400 << 245.0 << 4.0 << 50 << 2;
-    QTest::newRow("a third page") << 401 << 245.0 << 4.0 << 50 << 3;
-    QTest::newRow("just short of a line") << 10 << 244.99 << 4.0 << 49 << 1;
-    QTest::newRow("no room at all") << 3 << 40.0 << 4.0 << 1 << 1;
-}
-
-void TestRecordsReport::layoutCountsPagesAsTheRuleSays()
-{
-    QFETCH(int, rows);
-    QFETCH(double, height);
-    QFETCH(double, line);
-    QFETCH(int, perColumn);
-    QFETCH(int, pages);
-    const records_report::Layout l = records_report::layoutRows(rows, height, line);
-    QCOMPARE(l.rowsPerColumn, perColumn);
-    QCOMPARE(l.pages, pages);
-    if (rows > 0)
-        QVERIFY(l.pageOf(rows - 1) < l.pages || perColumn == 1);
-}
-
-void TestRecordsReport::headingTitleAndPageLineTexts()
-{
-    RecordsReportInput in;
-    in.unitText = u"Alpha [7] (A-100)"_s;
-    in.zoneText = u"[1] Ψυγείο"_s;
-    in.monthText = u"Μαρτιος"_s;
-    in.yearText = u"2026"_s;
-    QCOMPARE(
-        records_report::headingText(in),
-        u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΚΑΤΑΓΡΑΦΩΝ. ΣΥΣΤΗΜΑ:Alpha [7] (A-100) , ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Ψυγείο , ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s);
-    QCOMPARE(records_report::titleText(), u"SENTORAX Monitor / ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ"_s);
-    QCOMPARE(records_report::pageLine(3, 12), u"Σελίδα 3/12"_s);
-}
-
-void TestRecordsReport::init()
-{
-    if (!QByteArray(QTest::currentTestFunction()).startsWith("layout") &&
-        !QByteArray(QTest::currentTestFunction()).startsWith("heading")) {
-        m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_DB(m_fx->scratch);
-        QVERIFY(m_fx->ready());
-        RecordsSeed s(m_fx->db);
-        QVERIFY(
-            s.unit(u"A-100"_s, u"Ψυκτικός θάλαμος αποθήκης τροφίμων της ανατολικής πτέρυγας"_s));
-        QVERIFY(s.zone(u"A-100"_s, {.number = 1, .name = u"'Θερμοκρασία θαλάμου συντήρησης'"_s}));
-        m_fx->clock.advance(
-            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
-    }
-}
-
-void TestRecordsReport::cleanup()
-{
-    m_w.reset();
-    m_fx.reset();
-}
 
 void TestRecordsReport::open(int records)
 {
@@ -173,102 +242,7 @@ QStringList TestRecordsReport::print(const QString& name)
     const QString pdf = QDir(m_fx->scratch.folder()).filePath(name + u".pdf"_s);
     m_fx->dialogs.answerPrint(true, [pdf](QPrinter& p) { setUpPdf(p, pdf); });
     m_w->printAction()->trigger();
-    if (qEnvironmentVariableIsSet("SX_SHOT_DIR")) {
-        const QString prefix =
-            QDir(qEnvironmentVariable("SX_SHOT_DIR"))
-                .filePath(u"records-report-%1-%2"_s.arg(name, ScratchDatabase::kindName()));
-        QProcess::execute(u"pdftoppm"_s, {u"-png"_s, u"-r"_s, u"60"_s, pdf, prefix});
-        QFile::remove(prefix + u".pdf"_s);
-        QFile::copy(pdf, prefix + u".pdf"_s);
-    }
     return pdfPages(pdf);
-}
-
-void TestRecordsReport::oneRowPrintsOnePageOfOne()
-{
-    open(30);
-    const QStringList pages = print(u"one"_s);
-    QCOMPARE(pages.size(), 1);
-    const QString& page = pages.first();
-    QVERIFY(page.contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ"_s));
-    QVERIFY2(page.contains(u"Σελίδα 1/1"_s), qPrintable(page));
-    // The long heading wraps: every part of it is printed, the last one whole.
-    const QString flat = page.simplified();
-    QVERIFY2(flat.contains(u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΚΑΤΑΓΡΑΦΩΝ. ΣΥΣΤΗΜΑ:Ψυκτικός"_s),
-             qPrintable(flat));
-    QVERIFY(flat.contains(u"ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Θερμοκρασία"_s));
-    QVERIFY(flat.contains(u"ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s));
-    QVERIFY(page.contains(m_w->model()->dateText(0)));
-    QVERIFY(page.contains(m_w->model()->readingText(0)));
-    QVERIFY(!page.contains(m_w->model()->dateText(1)));
-    QVERIFY(!m_fx->dialogs.anyUnexpected());
-}
-
-void TestRecordsReport::fourFullColumnsAreOnePageAndOneMoreMakesTwo_data()
-{
-    QTest::addColumn<int>("extra");
-    QTest::addColumn<QStringList>("pageLines");
-    QTest::newRow("four full columns") << 0 << QStringList{u"Σελίδα 1/1"_s};
-    QTest::newRow("one more record") << 1 << QStringList{u"Σελίδα 1/2"_s, u"Σελίδα 2/2"_s};
-}
-
-void TestRecordsReport::fourFullColumnsAreOnePageAndOneMoreMakesTwo()
-{
-    QFETCH(int, extra);
-    QFETCH(QStringList, pageLines);
-    const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
-    QVERIFY(perColumn > 40);
-    const int rows = 4 * perColumn + extra;
-    open(rows);
-    m_w->selectAllRecords();
-    QCOMPARE(m_w->selectedRows(), std::make_pair(0, rows - 1));
-    const QStringList pages = print(extra ? u"two-pages"_s : u"one-page"_s);
-    QCOMPARE(pages.size(), pageLines.size());
-    for (int i = 0; i < pages.size(); ++i) {
-        QVERIFY2(pages[i].contains(pageLines[i]), qPrintable(pages[i].left(400)));
-        QVERIFY(pages[i].contains(u"ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ"_s));
-    }
-    // The last record is on the last page.
-    QVERIFY(pages.last().contains(m_w->model()->dateText(rows - 1)));
-}
-
-void TestRecordsReport::pdfColumnsRunTopToBottomThenLeftToRight()
-{
-    const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
-    open(2 * perColumn + 3);
-    m_w->selectAllRecords();
-    const QStringList pages = print(u"columns"_s);
-    QCOMPARE(pages.size(), 1);
-    const QStringList lines = pages.first().split(u'\n');
-    const auto lineWith = [&lines](const QString& text) {
-        for (qsizetype i = 0; i < lines.size(); ++i) {
-            if (lines[i].contains(text))
-                return i;
-        }
-        return qsizetype(-1);
-    };
-    RecordsModel* m = m_w->model();
-    const qsizetype top = lineWith(m->dateText(0));
-    QVERIFY(top >= 0);
-    // Row 0 and the first row of columns 1 and 2 share the top line, in that order.
-    QCOMPARE(lineWith(m->dateText(perColumn)), top);
-    QCOMPARE(lineWith(m->dateText(2 * perColumn)), top);
-    QVERIFY(lines[top].indexOf(m->dateText(0)) < lines[top].indexOf(m->dateText(perColumn)));
-    QCOMPARE(lineWith(m->dateText(1)), top + 1);
-    QCOMPARE(lineWith(m->dateText(2 * perColumn + 2)), top + 2);
-    // Each reading sits right of its date in the same column.
-    QVERIFY(lines[top].indexOf(m->readingText(0)) > lines[top].indexOf(m->dateText(0)));
-    QVERIFY(lines[top].indexOf(m->readingText(0)) < lines[top].indexOf(m->dateText(perColumn)));
-}
-
-void TestRecordsReport::cancelledPrinterDialogPrintsNothing()
-{
-    open(5);
-    const QString pdf = m_fx->scratch.folder() + u"/cancelled.pdf"_s;
-    m_fx->dialogs.answerPrint(false, [pdf](QPrinter& p) { setUpPdf(p, pdf); });
-    m_w->printRecords();
-    QVERIFY(!QFile::exists(pdf));
-    QVERIFY(m_fx->dialogs.messages().isEmpty());
 }
 
 QTEST_MAIN(TestRecordsReport)

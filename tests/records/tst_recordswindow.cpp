@@ -51,32 +51,393 @@ QColor textColor(const QModelIndex& index)
     return v.isValid() ? v.value<QBrush>().color() : QColor();
 }
 
+// The graph button and the save and print commands: on together or off together.
+int commandsOn(RecordsWindow& w)
+{
+    return w.graphButton()->isEnabled() + w.saveAction()->isEnabled() +
+           w.printAction()->isEnabled();
+}
+
+QStringList itemTexts(QComboBox* box)
+{
+    QStringList out;
+    for (int i = 0; i < box->count(); ++i)
+        out << box->itemText(i);
+    return out;
+}
+
 } // namespace
 
-// The records window on a real database: controls and captions, the start-up,
-// the zone list, the grid after a load, the enabling rules, select-all and the
-// selection, a load that keeps events flowing, and query failures.
 class TestRecordsWindow : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_DB(m_fx->scratch);
+        QVERIFY(m_fx->ready());
+        seed();
+        // The window opens on the clock's month: March 2026.
+        m_fx->clock.advance(
+            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+    }
 
-    void layoutCaptionsAndMenus();
-    void startUpSelectsTheClocksMonthWithoutQuerying();
-    void zoneFillsTheGridNewestFirstWithItsLimits();
-    void contactZoneShowsStatesAndNoLimits();
-    void unitWithoutZonesDisablesTheListsSilently();
-    void emptyPeriodDisablesCommandsAndKeepsSharedRecords();
-    void decemberAndWholeYearKeepTheirEdges();
-    void selectAllWorksOnlyWhileRecordsAreShown();
-    void selectionIsOneRangeOfWholeRows();
-    void loadKeepsServingEventsBehindTheWaitWindow();
-    void failuresAreReportedAndTheWindowStaysUsable();
+    void cleanup()
+    {
+        m_tester.reset();
+        m_w.reset();
+        m_fx.reset();
+    }
+
+    void layoutCaptionsAndMenus()
+    {
+        open();
+        m_w->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
+        QCOMPARE(m_w->windowTitle(), u"SENTORAX Monitor / Αρχείο καταγραφών"_s);
+        QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
+                 qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
+
+        const std::pair<const char*, QString> frames[] = {
+            {"Frame8", u"Καταγραφές"_s},
+            {"Frame7", u"Επιλογή χρονικής περιόδου"_s},
+            {"Frame11", u"Έτος"_s},
+            {"Frame10", u"Μήνας"_s},
+            {"Frame9", u"Επιλογή ζώνης"_s},
+            {"Frame2", u"Πληροφορίες ζώνης"_s},
+            {"Frame5", u"Ελάχιστο όριο"_s},
+            {"Frame4", u"Μέγιστο όριο"_s},
+            {"Frame3", u"Γράφημα"_s},
+            {"Frame1", u"Πλοήγηση"_s},
+            {"Frame6", u"Επιλογή συστήματος"_s}};
+        for (const auto& [name, caption] : frames) {
+            auto* box = m_w->findChild<QGroupBox*>(QString::fromLatin1(name));
+            QVERIFY2(box, name);
+            QCOMPARE(box->title(), caption);
+        }
+        QVERIFY(m_w->graphButton()->text().isEmpty());
+        QVERIFY(!m_w->graphButton()->icon().isNull());
+
+        // Every control lies wholly inside its container.
+        for (QWidget* child : m_w->centralWidget()->findChildren<QWidget*>()) {
+            if (child->objectName().isEmpty() || child->objectName().startsWith(u"qt_"_s) ||
+                !child->isVisible())
+                continue;
+            QVERIFY2(child->parentWidget()->rect().contains(child->geometry()),
+                     qPrintable(child->objectName()));
+        }
+
+        auto* manage = m_w->findChild<QMenu*>(u"Diahirisi"_s);
+        QVERIFY(manage);
+        QCOMPARE(manage->title(), u"Διαχείριση"_s);
+        QStringList items;
+        for (QAction* a : manage->actions())
+            items << (a->isSeparator() ? u"-"_s : a->text());
+        QCOMPARE(items, (QStringList{u"Αποθήκευση αρχείου καταγραφών"_s,
+                                     u"Εκτύπωση αρχείου καταγραφών"_s, u"-"_s, u"Έξοδος"_s}));
+
+        // The header texts with their blanks size the columns; both fit side by side.
+        RecordsGrid* grid = m_w->grid();
+        QCOMPARE(grid->model()->headerData(0, Qt::Horizontal).toString(),
+                 QString(34, u' ') + u"ΗΜΕΡΟΜΗΝΙΑ"_s);
+        QCOMPARE(grid->model()->headerData(1, Qt::Horizontal).toString(),
+                 QString(42, u' ') + u"ΕΝΔΕΙΞΗ"_s);
+        QCOMPARE(grid->model()->headerData(0, Qt::Vertical).toString(), QString());
+        const QFontMetricsF fm(grid->font());
+        int total = 0;
+        for (int c = 0; c < 2; ++c) {
+            const double text = fm.horizontalAdvance(RecordsModel::headerText(c));
+            const int width = grid->columnWidth(c);
+            QVERIFY2(width >= text && width <= text + 12, qPrintable(QString::number(width)));
+            total += width;
+        }
+        QVERIFY2(total <= grid->viewport()->width(), qPrintable(QString::number(total)));
+        QVERIFY(!grid->horizontalScrollBar()->isVisible());
+        QCOMPARE(grid->horizontalHeader()->defaultAlignment(), Qt::AlignCenter);
+    }
+
+    void startUpSelectsTheClocksMonthWithoutQuerying()
+    {
+        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        QCOMPARE(m_w->queriesRun(), 0);
+        QVERIFY(!m_w->loading());
+        // The third without its accent, exactly as listed.
+        QCOMPARE(
+            itemTexts(m_w->monthSelect()),
+            (QStringList{u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s, u"Απρίλιος"_s, u"Μάιος"_s,
+                         u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
+                         u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
+        QCOMPARE(m_w->yearSelect()->itemText(0), u"2000"_s);
+        QCOMPARE(m_w->yearSelect()->count(), 256);
+        QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
+        QCOMPARE(m_w->monthText(), u"Μαρτιος"_s);
+        QCOMPARE(m_w->yearText(), u"2026"_s);
+        // At creation: lists enabled, record commands disabled.
+        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled() &&
+                m_w->yearSelect()->isEnabled());
+        QCOMPARE(commandsOn(*m_w), 0);
+
+        fillSystemSelect(*m_w, 0, false);
+        QCOMPARE(m_w->queriesRun(), 2); // the zone list, then the first zone's records
+        m_w->monthSelect()->setCurrentIndex(1);
+        QCOMPARE(m_w->queriesRun(), 3);
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+    }
+
+    void zoneFillsTheGridNewestFirstWithItsLimits()
+    {
+        open();
+        QCOMPARE(itemTexts(m_w->sensorSelect()),
+                 (QStringList{u"[1] Ψυγείο"_s, u"[5] Ανώνυμη ζώνη"_s}));
+        QCOMPARE(m_w->sensorSelect()->currentIndex(), 0);
+
+        RecordsModel* model = m_w->model();
+        QCOMPARE(model->rowCount(), 6);
+        const QStringList expected[] = {
+            {u"02/03/2026 - 13:00"_s, u"25.0 bar"_s}, {u"02/03/2026 - 12:00"_s, u"9.5 °C"_s},
+            {u"02/03/2026 - 11:00"_s, u"10.0 °C"_s},  {u"02/03/2026 - 10:00"_s, u"30.5 °C"_s},
+            {u"02/03/2026 - 09:00"_s, u"30.0 °C"_s},  {u"02/03/2026 - 08:00"_s, u"20.0 °C"_s}};
+        const QColor colours[] = {QColor(),         colors::kBlue, QColor(),
+                                  colors::kDarkRed, QColor(),      QColor()};
+        for (int r = 0; r < 6; ++r) {
+            QCOMPARE((QStringList{model->index(r, 0).data().toString(),
+                                  model->index(r, 1).data().toString()}),
+                     expected[r]);
+            QCOMPARE(textColor(model->index(r, 0)), colours[r]);
+            QCOMPARE(textColor(model->index(r, 1)), colours[r]);
+        }
+        QCOMPARE(m_w->minLimitCaption(), u"10.0 °C"_s);
+        QCOMPARE(m_w->maxLimitCaption(), u"30.0 °C"_s);
+
+        // Row 1 selected over both columns, highlighted without the focus too.
+        QCOMPARE(m_w->selectedRows(), std::make_pair(0, 0));
+        QCOMPARE(m_w->grid()->currentIndex(), model->index(0, 0));
+        QVERIFY(m_w->grid()->selectionModel()->isSelected(model->index(0, 1)));
+        QVERIFY(m_w->grid()->highlight());
+        const QPalette p = m_w->grid()->palette();
+        QCOMPARE(p.color(QPalette::Inactive, QPalette::Highlight),
+                 p.color(QPalette::Active, QPalette::Highlight));
+        QCOMPARE(commandsOn(*m_w), 3);
+
+        // The shared records, in grid order, with the bare limit texts.
+        const auto shared = m_fx->ctx.loadedRecords;
+        QVERIFY(shared);
+        QCOMPARE(shared->records.size(), size_t(6));
+        QCOMPARE(shared->records.front().secs, at(u"2026-03-02 13:00:00"_s));
+        QCOMPARE(shared->records.front().sensorType, quint8(3));
+        QCOMPARE(shared->records.back().value, 20.0f);
+        QCOMPARE(shared->minLimitText, u"10.0"_s);
+        QCOMPARE(shared->maxLimitText, u"30.0"_s);
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+    }
+
+    void contactZoneShowsStatesAndNoLimits()
+    {
+        open();
+        m_w->sensorSelect()->setCurrentIndex(1);
+        RecordsModel* model = m_w->model();
+        QCOMPARE(model->rowCount(), 3);
+        for (int r = 0; r < 3; ++r) {
+            QCOMPARE(model->index(r, 1).data().toString(), r < 2 ? u"ΑΝΟΙΧΤΗ"_s : u"ΚΛΕΙΣΤΗ"_s);
+            QCOMPARE(textColor(model->index(r, 1)), QColor());
+        }
+        QCOMPARE(m_w->minLimitCaption(), QString());
+        QCOMPARE(m_w->maxLimitCaption(), QString());
+        const auto shared = m_fx->ctx.loadedRecords;
+        QVERIFY(shared->minLimitText.isEmpty() && shared->maxLimitText.isEmpty());
+        QCOMPARE(shared->records.size(), size_t(3));
+    }
+
+    void unitWithoutZonesDisablesTheListsSilently()
+    {
+        open();
+        QCOMPARE(m_w->model()->rowCount(), 6);
+        m_w->systemSelect()->setCurrentIndex(1);
+        emit m_w->systemSelect()->activated(1);
+        QCOMPARE(m_w->sensorSelect()->count(), 0);
+        QVERIFY(!m_w->sensorSelect()->isEnabled() && !m_w->monthSelect()->isEnabled() &&
+                !m_w->yearSelect()->isEnabled());
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QCOMPARE(commandsOn(*m_w), 0);
+        QVERIFY(m_w->minLimitCaption().isEmpty() && m_w->maxLimitCaption().isEmpty());
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+
+        // Back to a unit with zones: the lists come back.
+        m_w->systemSelect()->setCurrentIndex(0);
+        emit m_w->systemSelect()->activated(0);
+        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
+        QCOMPARE(m_w->model()->rowCount(), 6);
+    }
+
+    void emptyPeriodDisablesCommandsAndKeepsSharedRecords()
+    {
+        open();
+        const auto before = m_fx->ctx.loadedRecords;
+        QCOMPARE(before->records.size(), size_t(6));
+        m_w->monthSelect()->setCurrentIndex(1);
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QCOMPARE(commandsOn(*m_w), 0);
+        QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
+        QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(6));
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+        m_w->monthSelect()->setCurrentIndex(2);
+        QCOMPARE(m_w->model()->rowCount(), 6);
+        QVERIFY(m_w->saveAction()->isEnabled());
+    }
+
+    void decemberAndWholeYearKeepTheirEdges()
+    {
+        RecordsSeed s(m_fx->db);
+        QVERIFY(s.unit(u"C-300"_s, u"Gamma"_s));
+        QVERIFY(s.zone(u"C-300"_s, {.number = 3, .name = u"'Γ'"_s}));
+        const QString times[] = {u"2024-12-31 23:59:59"_s, u"2025-01-01 00:00:00"_s,
+                                 u"2025-11-30 23:59:59"_s, u"2025-12-01 00:00:00"_s,
+                                 u"2025-12-31 23:59:59"_s, u"2026-01-01 00:00:00"_s};
+        for (int i = 0; i < 6; ++i)
+            QVERIFY(s.record(u"C-300"_s, 3, times[i], i, 0, i + 1));
+        open(2);
+        QCOMPARE(m_w->sensorSelect()->currentText(), u"[3] Γ"_s);
+        m_w->yearSelect()->setCurrentIndex(25);
+        m_w->monthSelect()->setCurrentIndex(11);
+        QCOMPARE(m_w->model()->rowCount(), 2);
+        QCOMPARE(m_w->model()->dateText(0), u"31/12/2025 - 23:59"_s);
+        QCOMPARE(m_w->model()->dateText(1), u"01/12/2025 - 00:00"_s);
+        m_w->monthSelect()->setCurrentIndex(12);
+        QCOMPARE(m_w->model()->rowCount(), 4);
+        QCOMPARE(m_w->model()->dateText(3), u"01/01/2025 - 00:00"_s);
+    }
+
+    void selectAllWorksOnlyWhileRecordsAreShown()
+    {
+        open();
+        m_w->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
+        RecordsGrid* grid = m_w->grid();
+        m_w->selectRows(3, 3, 3);
+        QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
+        QCOMPARE(grid->currentIndex().row(), 0);
+
+        m_w->selectRows(2, 2, 2);
+        auto* corner = grid->findChild<QAbstractButton*>();
+        QVERIFY(corner);
+        QVERIFY(corner->isVisible() && corner->width() > 0);
+        QTest::mouseClick(corner, Qt::LeftButton);
+        QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
+
+        // Nothing shown: the action selects nothing.
+        m_w->monthSelect()->setCurrentIndex(1);
+        QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
+        QTest::mouseClick(corner, Qt::LeftButton);
+        QVERIFY(grid->selectionModel()->selection().isEmpty());
+        QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
+    }
+
+    void selectionIsOneRangeOfWholeRows()
+    {
+        RecordsSeed s(m_fx->db);
+        QVERIFY(s.series(
+            u"A-100"_s, 1, at(u"2026-03-10 00:00:00"_s), 60, 200, [](int i) { return 15 + i % 7; },
+            0, 1000));
+        open();
+        m_w->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
+        RecordsGrid* grid = m_w->grid();
+        QCOMPARE(grid->selectionBehavior(), QAbstractItemView::SelectRows);
+        QCOMPARE(grid->selectionMode(), QAbstractItemView::ContiguousSelection);
+
+        const auto cellCentre = [grid](int row, int col) {
+            return grid->visualRect(grid->model()->index(row, col)).center();
+        };
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(4, 1));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, Qt::ShiftModifier, cellCentre(2, 0));
+        QCOMPARE(m_w->selectedRows(), std::make_pair(2, 4));
+        for (int r = 1; r <= 5; ++r) {
+            for (int c = 0; c < 2; ++c)
+                QCOMPARE(grid->selectionModel()->isSelected(grid->model()->index(r, c)),
+                         r >= 2 && r <= 4);
+        }
+
+        // The graph's refusal: one row alone, scrolled to the top.
+        m_w->selectRowAlone(150);
+        QCOMPARE(m_w->selectedRows(), std::make_pair(150, 150));
+        QCOMPARE(grid->currentIndex().row(), 150);
+        QCOMPARE(grid->rowAt(1), 150);
+    }
+
+    void loadKeepsServingEventsBehindTheWaitWindow()
+    {
+        QVERIFY(!sim::seedRecords(m_fx->db, u"A-100"_s, 1, 0, at(u"2026-03-05 00:00:00"_s), 30,
+                                  60000, 7)
+                     .isError());
+        open();
+        bool ran = false;
+        bool enabledMeanwhile = true;
+        bool waitShownMeanwhile = false;
+        // A timer due now runs inside the load only if the load lets events through.
+        QTimer::singleShot(0, this, [&] {
+            ran = true;
+            enabledMeanwhile = m_w->isEnabled();
+            waitShownMeanwhile = waitWindowShown();
+        });
+        m_w->refreshRecords();
+        QVERIFY(ran && !enabledMeanwhile && waitShownMeanwhile);
+        QVERIFY(m_w->isEnabled() && !waitWindowShown());
+        QVERIFY(m_w->model()->rowCount() > 60000);
+    }
+
+    void failuresAreReportedAndTheWindowStaysUsable()
+    {
+        open();
+        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
+        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
+        QVERIFY(m_fx->exec(u"ALTER TABLE Records RENAME TO Records_away"_s));
+        m_w->monthSelect()->setCurrentIndex(12);
+        QCOMPARE(m_fx->dialogs.messages().size(), 1);
+        QCOMPARE(m_fx->dialogs.messages()[0].icon, DialogService::Icon::Critical);
+        QVERIFY(m_w->isEnabled() && !waitWindowShown());
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QCOMPARE(commandsOn(*m_w), 0);
+        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
+
+        // The table is back: the next selection loads, and a later failure is news again.
+        QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
+        m_w->monthSelect()->setCurrentIndex(2);
+        QCOMPARE(m_w->model()->rowCount(), 6);
+        QVERIFY(m_w->saveAction()->isEnabled());
+        QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
+        emit m_w->systemSelect()->activated(0);
+        QCOMPARE(m_fx->dialogs.messages().size(), 2);
+        QCOMPARE(m_w->sensorSelect()->count(), 0);
+        QVERIFY(!m_w->sensorSelect()->isEnabled());
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QVERIFY(m_w->isEnabled());
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
+    }
 
 private:
-    void seed();
+    void seed()
+    {
+        RecordsSeed s(m_fx->db);
+        // Listed by name: Alpha (0), Beta (1).
+        QVERIFY(s.unit(u"A-100"_s, u"Alpha"_s));
+        QVERIFY(s.zone(u"A-100"_s, {.number = 1, .name = u"'Ψυγείο'"_s}));
+        QVERIFY(s.zone(u"A-100"_s, {.number = 5, .name = u"NULL"_s, .type = 2}));
+        QVERIFY(s.zone(u"A-100"_s, {.number = 8, .name = u"'Άδεια'"_s, .pageBytes = 0}));
+        const double march[] = {20, 30, 30.5, 10, 9.5, 25};
+        for (int i = 0; i < 6; ++i) {
+            QVERIFY(s.record(u"A-100"_s, 1,
+                             sqlDateTimeText(at(u"2026-03-02 08:00:00"_s) + i * 3600), march[i],
+                             i == 5 ? 3 : 0, 100 + i));
+        }
+        QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 10:00:00"_s, 0.5, 2, 1));
+        QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 11:00:00"_s, 0, 2, 2));
+        QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 12:00:00"_s, -1, 2, 3));
+        QVERIFY(s.unit(u"B-200"_s, u"Beta"_s));
+        QVERIFY(s.zone(u"B-200"_s, {.number = 1, .name = u"'Χ'"_s, .pageBytes = 0, .lastPage = 0}));
+    }
+
     void open(int unitIndex = 0);
 
     std::unique_ptr<GuiFixture> m_fx;
@@ -84,410 +445,12 @@ private:
     std::unique_ptr<QAbstractItemModelTester> m_tester;
 };
 
-void TestRecordsWindow::seed()
-{
-    RecordsSeed s(m_fx->db);
-    // Listed by name: Alpha (0), Beta (1).
-    QVERIFY(s.unit(u"A-100"_s, u"Alpha"_s));
-    QVERIFY(s.zone(u"A-100"_s, {.number = 1, .name = u"'Ψυγείο'"_s}));
-    QVERIFY(s.zone(u"A-100"_s, {.number = 5, .name = u"NULL"_s, .type = 2}));
-    QVERIFY(s.zone(u"A-100"_s, {.number = 8, .name = u"'Άδεια'"_s, .pageBytes = 0}));
-    const double march[] = {20, 30, 30.5, 10, 9.5, 25};
-    for (int i = 0; i < 6; ++i) {
-        QVERIFY(s.record(u"A-100"_s, 1, sqlDateTimeText(at(u"2026-03-02 08:00:00"_s) + i * 3600),
-                         march[i], i == 5 ? 3 : 0, 100 + i));
-    }
-    QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 10:00:00"_s, 0.5, 2, 1));
-    QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 11:00:00"_s, 0, 2, 2));
-    QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 12:00:00"_s, -1, 2, 3));
-    QVERIFY(s.unit(u"B-200"_s, u"Beta"_s));
-    QVERIFY(s.zone(u"B-200"_s, {.number = 1, .name = u"'Χ'"_s, .pageBytes = 0, .lastPage = 0}));
-}
-
-void TestRecordsWindow::init()
-{
-    m_fx = std::make_unique<GuiFixture>();
-    SX_REQUIRE_DB(m_fx->scratch);
-    QVERIFY(m_fx->ready());
-    seed();
-    // The window opens on the clock's month: March 2026.
-    m_fx->clock.advance(
-        QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
-}
-
-void TestRecordsWindow::cleanup()
-{
-    m_tester.reset();
-    m_w.reset();
-    m_fx.reset();
-}
-
 void TestRecordsWindow::open(int unitIndex)
 {
     m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
     m_tester = std::make_unique<QAbstractItemModelTester>(
         m_w->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     fillSystemSelect(*m_w, unitIndex, false);
-}
-
-void TestRecordsWindow::layoutCaptionsAndMenus()
-{
-    open();
-    m_w->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
-    QCOMPARE(m_w->windowTitle(), u"SENTORAX Monitor / Αρχείο καταγραφών"_s);
-    QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
-             qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
-
-    const std::pair<const char*, QString> frames[] = {{"Frame8", u"Καταγραφές"_s},
-                                                      {"Frame7", u"Επιλογή χρονικής περιόδου"_s},
-                                                      {"Frame11", u"Έτος"_s},
-                                                      {"Frame10", u"Μήνας"_s},
-                                                      {"Frame9", u"Επιλογή ζώνης"_s},
-                                                      {"Frame2", u"Πληροφορίες ζώνης"_s},
-                                                      {"Frame5", u"Ελάχιστο όριο"_s},
-                                                      {"Frame4", u"Μέγιστο όριο"_s},
-                                                      {"Frame3", u"Γράφημα"_s},
-                                                      {"Frame1", u"Πλοήγηση"_s},
-                                                      {"Frame6", u"Επιλογή συστήματος"_s}};
-    for (const auto& [name, caption] : frames) {
-        auto* box = m_w->findChild<QGroupBox*>(QString::fromLatin1(name));
-        QVERIFY2(box, name);
-        QCOMPARE(box->title(), caption);
-    }
-    // Each list and label in its frame, as the table of controls places them.
-    const std::pair<const char*, const char*> parents[] = {
-        {"YearSelect", "Frame11"},  {"MonthSelect", "Frame10"}, {"SensorSelect", "Frame9"},
-        {"RecsMinbound", "Frame5"}, {"RecsMaxbound", "Frame4"}, {"GraphBut", "Frame3"},
-        {"MSFlexGrid1", "Frame8"},  {"Frame7", "Frame8"},       {"Frame2", "Frame8"}};
-    for (const auto& [child, parent] : parents) {
-        auto* w = m_w->findChild<QWidget*>(QString::fromLatin1(child));
-        QVERIFY2(w, child);
-        QCOMPARE(w->parentWidget()->objectName(), QString::fromLatin1(parent));
-    }
-    QVERIFY(m_w->graphButton()->text().isEmpty());
-    QVERIFY(!m_w->graphButton()->icon().isNull());
-
-    // Every control lies wholly inside its container.
-    for (QWidget* child : m_w->centralWidget()->findChildren<QWidget*>()) {
-        if (child->objectName().isEmpty() || child->objectName().startsWith(u"qt_"_s) ||
-            !child->isVisible())
-            continue;
-        QVERIFY2(child->parentWidget()->rect().contains(child->geometry()),
-                 qPrintable(child->objectName()));
-    }
-
-    auto* manage = m_w->findChild<QMenu*>(u"Diahirisi"_s);
-    QVERIFY(manage);
-    QCOMPARE(manage->title(), u"Διαχείριση"_s);
-    const QList<QAction*> items = manage->actions();
-    QCOMPARE(items.size(), 4);
-    QCOMPARE(items[0]->objectName(), u"Saverecords"_s);
-    QCOMPARE(items[0]->text(), u"Αποθήκευση αρχείου καταγραφών"_s);
-    QCOMPARE(items[1]->objectName(), u"Printrecords"_s);
-    QCOMPARE(items[1]->text(), u"Εκτύπωση αρχείου καταγραφών"_s);
-    QVERIFY(items[2]->isSeparator());
-    QCOMPARE(items[3]->objectName(), u"Terminateprg"_s);
-    QCOMPARE(items[3]->text(), u"Έξοδος"_s);
-
-    // The header texts with their blanks size the columns; both fit side by side.
-    RecordsGrid* grid = m_w->grid();
-    QCOMPARE(grid->model()->headerData(0, Qt::Horizontal).toString(),
-             QString(34, u' ') + u"ΗΜΕΡΟΜΗΝΙΑ"_s);
-    QCOMPARE(grid->model()->headerData(1, Qt::Horizontal).toString(),
-             QString(42, u' ') + u"ΕΝΔΕΙΞΗ"_s);
-    QCOMPARE(grid->model()->headerData(0, Qt::Vertical).toString(), QString());
-    const QFontMetricsF fm(grid->font());
-    int total = 0;
-    for (int c = 0; c < 2; ++c) {
-        const double text = fm.horizontalAdvance(RecordsModel::headerText(c));
-        const int width = grid->columnWidth(c);
-        QVERIFY2(width >= text && width <= text + 12, qPrintable(QString::number(width)));
-        total += width;
-    }
-    QVERIFY2(total <= grid->viewport()->width(), qPrintable(QString::number(total)));
-    QVERIFY(!grid->horizontalScrollBar()->isVisible());
-    QCOMPARE(grid->horizontalHeader()->defaultAlignment(), Qt::AlignCenter);
-
-    if (qEnvironmentVariableIsSet("SX_SHOT_DIR")) {
-        const QString file = QDir(qEnvironmentVariable("SX_SHOT_DIR"))
-                                 .filePath(u"records-%1.png"_s.arg(ScratchDatabase::kindName()));
-        QVERIFY(m_w->grab().save(file));
-    }
-}
-
-void TestRecordsWindow::startUpSelectsTheClocksMonthWithoutQuerying()
-{
-    m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
-    QCOMPARE(m_w->queriesRun(), 0);
-    QVERIFY(!m_w->loading());
-    QStringList months;
-    for (int i = 0; i < m_w->monthSelect()->count(); ++i)
-        months << m_w->monthSelect()->itemText(i);
-    // The third without its accent, exactly as listed.
-    QCOMPARE(months,
-             (QStringList{u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s, u"Απρίλιος"_s,
-                          u"Μάιος"_s, u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
-                          u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
-    QCOMPARE(m_w->yearSelect()->itemText(0), u"2000"_s);
-    QCOMPARE(m_w->yearSelect()->count(), 256);
-    QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
-    QCOMPARE(m_w->monthText(), u"Μαρτιος"_s);
-    QCOMPARE(m_w->yearText(), u"2026"_s);
-    // At creation: lists enabled, record commands disabled.
-    QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled() &&
-            m_w->yearSelect()->isEnabled());
-    QVERIFY(!m_w->graphButton()->isEnabled() && !m_w->saveAction()->isEnabled() &&
-            !m_w->printAction()->isEnabled());
-
-    fillSystemSelect(*m_w, 0, false);
-    QCOMPARE(m_w->queriesRun(), 2); // the zone list, then the first zone's records
-    m_w->monthSelect()->setCurrentIndex(1);
-    QCOMPARE(m_w->queriesRun(), 3);
-    QVERIFY(m_fx->dialogs.shown().isEmpty());
-}
-
-void TestRecordsWindow::zoneFillsTheGridNewestFirstWithItsLimits()
-{
-    open();
-    QStringList zones;
-    for (int i = 0; i < m_w->sensorSelect()->count(); ++i)
-        zones << m_w->sensorSelect()->itemText(i);
-    QCOMPARE(zones, (QStringList{u"[1] Ψυγείο"_s, u"[5] Ανώνυμη ζώνη"_s}));
-    QCOMPARE(m_w->sensorSelect()->currentIndex(), 0);
-
-    RecordsModel* model = m_w->model();
-    QCOMPARE(model->rowCount(), 6);
-    const QStringList expected[] = {
-        {u"02/03/2026 - 13:00"_s, u"25.0 bar"_s}, {u"02/03/2026 - 12:00"_s, u"9.5 °C"_s},
-        {u"02/03/2026 - 11:00"_s, u"10.0 °C"_s},  {u"02/03/2026 - 10:00"_s, u"30.5 °C"_s},
-        {u"02/03/2026 - 09:00"_s, u"30.0 °C"_s},  {u"02/03/2026 - 08:00"_s, u"20.0 °C"_s}};
-    const QColor colours[] = {QColor(),         colors::kBlue, QColor(),
-                              colors::kDarkRed, QColor(),      QColor()};
-    for (int r = 0; r < 6; ++r) {
-        QCOMPARE((QStringList{model->index(r, 0).data().toString(),
-                              model->index(r, 1).data().toString()}),
-                 expected[r]);
-        QCOMPARE(textColor(model->index(r, 0)), colours[r]);
-        QCOMPARE(textColor(model->index(r, 1)), colours[r]);
-    }
-    QCOMPARE(m_w->minLimitCaption(), u"10.0 °C"_s);
-    QCOMPARE(m_w->maxLimitCaption(), u"30.0 °C"_s);
-
-    // Row 1 selected over both columns, highlighted without the focus too.
-    QCOMPARE(m_w->selectedRows(), std::make_pair(0, 0));
-    QCOMPARE(m_w->grid()->currentIndex(), model->index(0, 0));
-    QVERIFY(m_w->grid()->selectionModel()->isSelected(model->index(0, 1)));
-    QVERIFY(m_w->grid()->highlight());
-    const QPalette p = m_w->grid()->palette();
-    QCOMPARE(p.color(QPalette::Inactive, QPalette::Highlight),
-             p.color(QPalette::Active, QPalette::Highlight));
-    QVERIFY(m_w->graphButton()->isEnabled() && m_w->saveAction()->isEnabled() &&
-            m_w->printAction()->isEnabled());
-
-    // The shared records, in grid order, with the bare limit texts.
-    const auto shared = m_fx->ctx.loadedRecords;
-    QVERIFY(shared);
-    QCOMPARE(shared->records.size(), size_t(6));
-    QCOMPARE(shared->records.front().secs, at(u"2026-03-02 13:00:00"_s));
-    QCOMPARE(shared->records.front().sensorType, quint8(3));
-    QCOMPARE(shared->records.back().value, 20.0f);
-    QCOMPARE(shared->minLimitText, u"10.0"_s);
-    QCOMPARE(shared->maxLimitText, u"30.0"_s);
-    QVERIFY(m_fx->dialogs.shown().isEmpty());
-}
-
-void TestRecordsWindow::contactZoneShowsStatesAndNoLimits()
-{
-    open();
-    m_w->sensorSelect()->setCurrentIndex(1);
-    RecordsModel* model = m_w->model();
-    QCOMPARE(model->rowCount(), 3);
-    QCOMPARE(model->index(0, 1).data().toString(), u"ΑΝΟΙΧΤΗ"_s);
-    QCOMPARE(model->index(1, 1).data().toString(), u"ΑΝΟΙΧΤΗ"_s);
-    QCOMPARE(model->index(2, 1).data().toString(), u"ΚΛΕΙΣΤΗ"_s);
-    for (int r = 0; r < 3; ++r)
-        QCOMPARE(textColor(model->index(r, 1)), QColor());
-    QCOMPARE(m_w->minLimitCaption(), QString());
-    QCOMPARE(m_w->maxLimitCaption(), QString());
-    QCOMPARE(m_fx->ctx.loadedRecords->minLimitText, QString());
-    QCOMPARE(m_fx->ctx.loadedRecords->maxLimitText, QString());
-    QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(3));
-}
-
-void TestRecordsWindow::unitWithoutZonesDisablesTheListsSilently()
-{
-    open();
-    QCOMPARE(m_w->model()->rowCount(), 6);
-    m_w->systemSelect()->setCurrentIndex(1);
-    emit m_w->systemSelect()->activated(1);
-    QCOMPARE(m_w->sensorSelect()->count(), 0);
-    QVERIFY(!m_w->sensorSelect()->isEnabled());
-    QVERIFY(!m_w->monthSelect()->isEnabled());
-    QVERIFY(!m_w->yearSelect()->isEnabled());
-    QCOMPARE(m_w->model()->rowCount(), 0);
-    QVERIFY(!m_w->graphButton()->isEnabled() && !m_w->saveAction()->isEnabled() &&
-            !m_w->printAction()->isEnabled());
-    QCOMPARE(m_w->minLimitCaption(), QString());
-    QCOMPARE(m_w->maxLimitCaption(), QString());
-    QVERIFY(m_fx->dialogs.shown().isEmpty());
-
-    // Back to a unit with zones: the lists come back.
-    m_w->systemSelect()->setCurrentIndex(0);
-    emit m_w->systemSelect()->activated(0);
-    QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
-    QCOMPARE(m_w->model()->rowCount(), 6);
-}
-
-void TestRecordsWindow::emptyPeriodDisablesCommandsAndKeepsSharedRecords()
-{
-    open();
-    const auto before = m_fx->ctx.loadedRecords;
-    QCOMPARE(before->records.size(), size_t(6));
-    m_w->monthSelect()->setCurrentIndex(1);
-    QCOMPARE(m_w->model()->rowCount(), 0);
-    QVERIFY(!m_w->graphButton()->isEnabled() && !m_w->saveAction()->isEnabled() &&
-            !m_w->printAction()->isEnabled());
-    QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
-    QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(6));
-    QVERIFY(m_fx->dialogs.shown().isEmpty());
-    m_w->monthSelect()->setCurrentIndex(2);
-    QCOMPARE(m_w->model()->rowCount(), 6);
-    QVERIFY(m_w->saveAction()->isEnabled());
-}
-
-void TestRecordsWindow::decemberAndWholeYearKeepTheirEdges()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.unit(u"C-300"_s, u"Gamma"_s));
-    QVERIFY(s.zone(u"C-300"_s, {.number = 3, .name = u"'Γ'"_s}));
-    const QString times[] = {u"2024-12-31 23:59:59"_s, u"2025-01-01 00:00:00"_s,
-                             u"2025-11-30 23:59:59"_s, u"2025-12-01 00:00:00"_s,
-                             u"2025-12-31 23:59:59"_s, u"2026-01-01 00:00:00"_s};
-    for (int i = 0; i < 6; ++i)
-        QVERIFY(s.record(u"C-300"_s, 3, times[i], i, 0, i + 1));
-    open(2);
-    QCOMPARE(m_w->sensorSelect()->currentText(), u"[3] Γ"_s);
-    m_w->yearSelect()->setCurrentIndex(25);
-    m_w->monthSelect()->setCurrentIndex(11);
-    QCOMPARE(m_w->model()->rowCount(), 2);
-    QCOMPARE(m_w->model()->dateText(0), u"31/12/2025 - 23:59"_s);
-    QCOMPARE(m_w->model()->dateText(1), u"01/12/2025 - 00:00"_s);
-    m_w->monthSelect()->setCurrentIndex(12);
-    QCOMPARE(m_w->model()->rowCount(), 4);
-    QCOMPARE(m_w->model()->dateText(3), u"01/01/2025 - 00:00"_s);
-}
-
-void TestRecordsWindow::selectAllWorksOnlyWhileRecordsAreShown()
-{
-    open();
-    m_w->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
-    RecordsGrid* grid = m_w->grid();
-    m_w->selectRows(3, 3, 3);
-    QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
-    QCOMPARE(grid->currentIndex().row(), 0);
-
-    m_w->selectRows(2, 2, 2);
-    auto* corner = grid->findChild<QAbstractButton*>();
-    QVERIFY(corner);
-    QVERIFY(corner->isVisible() && corner->width() > 0);
-    QTest::mouseClick(corner, Qt::LeftButton);
-    QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
-
-    // Nothing shown: the action selects nothing.
-    m_w->monthSelect()->setCurrentIndex(1);
-    QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
-    QTest::mouseClick(corner, Qt::LeftButton);
-    QVERIFY(grid->selectionModel()->selection().isEmpty());
-    QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
-}
-
-void TestRecordsWindow::selectionIsOneRangeOfWholeRows()
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(
-        u"A-100"_s, 1, at(u"2026-03-10 00:00:00"_s), 60, 200, [](int i) { return 15 + i % 7; }, 0,
-        1000));
-    open();
-    m_w->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
-    RecordsGrid* grid = m_w->grid();
-    QCOMPARE(grid->selectionBehavior(), QAbstractItemView::SelectRows);
-    QCOMPARE(grid->selectionMode(), QAbstractItemView::ContiguousSelection);
-
-    const auto cellCentre = [grid](int row, int col) {
-        return grid->visualRect(grid->model()->index(row, col)).center();
-    };
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(4, 1));
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, Qt::ShiftModifier, cellCentre(2, 0));
-    QCOMPARE(m_w->selectedRows(), std::make_pair(2, 4));
-    for (int r = 2; r <= 4; ++r) {
-        QVERIFY(grid->selectionModel()->isSelected(grid->model()->index(r, 0)));
-        QVERIFY(grid->selectionModel()->isSelected(grid->model()->index(r, 1)));
-    }
-    QVERIFY(!grid->selectionModel()->isSelected(grid->model()->index(5, 0)));
-
-    // The graph's refusal: one row alone, scrolled to the top.
-    m_w->selectRowAlone(150);
-    QCOMPARE(m_w->selectedRows(), std::make_pair(150, 150));
-    QCOMPARE(grid->currentIndex().row(), 150);
-    QCOMPARE(grid->rowAt(1), 150);
-}
-
-void TestRecordsWindow::loadKeepsServingEventsBehindTheWaitWindow()
-{
-    QVERIFY(
-        !sim::seedRecords(m_fx->db, u"A-100"_s, 1, 0, at(u"2026-03-05 00:00:00"_s), 30, 60000, 7)
-             .isError());
-    open();
-    bool ran = false;
-    bool enabledMeanwhile = true;
-    bool waitShownMeanwhile = false;
-    // A timer due now runs inside the load only if the load lets events through.
-    QTimer::singleShot(0, this, [&] {
-        ran = true;
-        enabledMeanwhile = m_w->isEnabled();
-        waitShownMeanwhile = waitWindowShown();
-    });
-    m_w->refreshRecords();
-    QVERIFY(ran);
-    QVERIFY(!enabledMeanwhile);
-    QVERIFY(waitShownMeanwhile);
-    QVERIFY(m_w->isEnabled());
-    QVERIFY(!waitWindowShown());
-    QVERIFY(m_w->model()->rowCount() > 60000);
-}
-
-void TestRecordsWindow::failuresAreReportedAndTheWindowStaysUsable()
-{
-    open();
-    m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
-    m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
-    QVERIFY(m_fx->exec(u"ALTER TABLE Records RENAME TO Records_away"_s));
-    m_w->monthSelect()->setCurrentIndex(12);
-    QCOMPARE(m_fx->dialogs.messages().size(), 1);
-    QCOMPARE(m_fx->dialogs.messages()[0].icon, DialogService::Icon::Critical);
-    QVERIFY(m_w->isEnabled());
-    QVERIFY(!waitWindowShown());
-    QCOMPARE(m_w->model()->rowCount(), 0);
-    QVERIFY(!m_w->graphButton()->isEnabled() && !m_w->saveAction()->isEnabled());
-    QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
-
-    // The table is back: the next selection loads, and a later failure is news again.
-    QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
-    m_w->monthSelect()->setCurrentIndex(2);
-    QCOMPARE(m_w->model()->rowCount(), 6);
-    QVERIFY(m_w->saveAction()->isEnabled());
-    QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
-    emit m_w->systemSelect()->activated(0);
-    QCOMPARE(m_fx->dialogs.messages().size(), 2);
-    QCOMPARE(m_w->sensorSelect()->count(), 0);
-    QVERIFY(!m_w->sensorSelect()->isEnabled());
-    QCOMPARE(m_w->model()->rowCount(), 0);
-    QVERIFY(m_w->isEnabled());
-    QVERIFY(!m_fx->dialogs.anyUnexpected());
 }
 
 QTEST_MAIN(TestRecordsWindow)

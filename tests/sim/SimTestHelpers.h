@@ -3,8 +3,10 @@
 #include "model/Database.h"
 #include "model/SqlDateTime.h"
 #include "sim/Seeder.h"
+#include "sim/StoreCounters.h"
 
 #include <QCryptographicHash>
+#include <QSet>
 #include <QTest>
 
 namespace sx::test {
@@ -49,22 +51,44 @@ inline QStringList column(Database& db, const QString& sql)
 }
 
 // A hash over every field of every row, NULL told apart from empty text.
-inline QByteArray digest(Database& db, const QString& sql, qint64* rowCount = nullptr)
+inline QByteArray digest(Database& db, const QString& sql)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     Rows rows = db.read(sql);
-    qint64 n = 0;
     while (rows.next()) {
-        ++n;
         for (int c = 0; c < rows.columnCount(); ++c) {
             const auto t = rows.text(c);
             hash.addData(t ? t->toUtf8() : QByteArrayLiteral("\x01NULL"));
             hash.addData(QByteArrayLiteral("\x1f"));
         }
     }
-    if (rowCount)
-        *rowCount = n;
     return rows.ok() ? hash.result().toHex() : QByteArray("query failed");
+}
+
+// Every record (or event) store counter against its rows: whether stores with
+// and without rows were seen, empty on the first counter that disagrees.
+inline QSet<bool> storesAgree(Database& db, bool events)
+{
+    Rows rows = db.read(
+        events ? QStringLiteral(
+                     "SELECT SyI_EventsTable_Pagebyteswritt, SyI_EventsTable_Lastpagesn, (SELECT "
+                     "COUNT(*) FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber) FROM "
+                     "Systems_Info")
+               : QStringLiteral(
+                     "SELECT SeI_RecordsTable_Pagebyteswrit, SeI_RecordsTable_Lastpagesn, (SELECT "
+                     "COUNT(*) FROM Records WHERE Rec_SyI_Serialnumber=SeI_SyI_Serialnumber AND "
+                     "Rec_SeI_Sensornumber=SeI_Sensornumber) FROM Sensors_Info"));
+    QSet<bool> seen;
+    while (rows.next()) {
+        const qint64 n = rows.integer(2).value_or(-1);
+        const sim::StoreCounters c =
+            sim::storeCounters(n, events ? sim::kEventEntryBytes : sim::kRecordEntryBytes);
+        if (rows.integer(0).value_or(-1) != c.pageBytes ||
+            rows.integer(1).value_or(-1) != c.lastPage)
+            return {};
+        seen.insert(n > 0);
+    }
+    return rows.ok() ? seen : QSet<bool>{};
 }
 
 } // namespace sx::test

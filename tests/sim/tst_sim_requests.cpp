@@ -1,4 +1,3 @@
-// Requests of the console answered through Terminal_Requests, on a seeded fleet.
 #include "ScratchDatabase.h"
 #include "SimTestHelpers.h"
 #include "model/Dialect.h"
@@ -29,43 +28,212 @@ class TestSimRequests : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
+    void initTestCase()
+    {
+        SX_REQUIRE_DB(m_scratch);
+        QVERIFY(m_scratch.open(m_db));
+        const sim::SeedReport r = sim::seedDemo(m_db, smallSeed(1));
+        QVERIFY2(!r.error.isError(), qPrintable(r.error.description));
+        m_fleet = r.units;
+    }
 
-    void answers_data();
-    void answers();
+    void init() { QVERIFY(!m_db.deleteRows(schema::TerminalRequests::table, {}).isError()); }
 
-    void bypassRecordsAnEventAndClearsTheAlarm();
-    void forcedReplyChangesNothing();
-    void noAnswerLeavesRowsPending();
-    void answerWaitsForTheDelay();
-    void identicalRowsAreAnsweredTogether();
-    void missingAttributesAreMalformed();
-    void completedRowsAreLeftAlone();
+    void answers_data()
+    {
+        QTest::addColumn<QString>("serial");
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("fields"); // after the code; "!" replaces the unit's code
+        QTest::addColumn<int>("reply");
+        QTest::addColumn<QString>("stateColumn");
+        QTest::addColumn<int>("state"); // -1: unchanged
+
+        const QString relay = u"SyCC_RelayBcondition"_s;
+        const QString phone = u"SyCC_Alarmcondition"_s;
+        // SX100001: 1A 1.22 (extended), relay on, notification 1, code 1234.
+        // SX100002: 1B 1.14 (older form), relay off, notification 0, code 0042, point 2 unused.
+        // SX100003: 1A 1.15 (extended); SX100004 offline; SX100005 being programmed; SX100012 model
+        // 2B.
+        QTest::newRow("wrong code") << u"SX100001"_s << 2 << u"!9999;0"_s << 2 << relay << -1;
+        QTest::newRow("code without its leading zero")
+            << u"SX100002"_s << 2 << u"!042;1"_s << 2 << relay << -1;
+        QTest::newRow("offline unit") << u"SX100004"_s << 2 << u";1"_s << 3 << relay << -1;
+        QTest::newRow("unit being programmed") << u"SX100005"_s << 2 << u";1"_s << 4 << relay << -1;
+        QTest::newRow("unknown unit") << u"SX999999"_s << 2 << u"!1234;1"_s << 3 << QString() << -1;
+        QTest::newRow("relay on") << u"SX100002"_s << 2 << u";1"_s << 1 << relay << 1;
+        QTest::newRow("relay off") << u"SX100001"_s << 2 << u";0"_s << 1 << relay << 0;
+        QTest::newRow("quoted serial") << u"SX'Q7"_s << 2 << u";1"_s << 1 << relay << 1;
+        QTest::newRow("extended automatic") << u"SX100001"_s << 1 << u";2"_s << 1 << phone << 2;
+        QTest::newRow("extended at 1.15") << u"SX100003"_s << 1 << u";0"_s << 1 << phone << 0;
+        QTest::newRow("older form with delay")
+            << u"SX100002"_s << 1 << u";1;05"_s << 1 << phone << 1;
+        QTest::newRow("unknown model takes older form")
+            << u"SX100012"_s << 1 << u";0;0"_s << 1 << phone << 0;
+        QTest::newRow("bypass of unused point")
+            << u"SX100002"_s << 3 << u";2;1"_s << 5 << QString() << -1;
+    }
+
+    void answers()
+    {
+        QFETCH(QString, serial);
+        QFETCH(int, type);
+        QFETCH(QString, fields);
+        QFETCH(int, reply);
+        QFETCH(QString, stateColumn);
+        QFETCH(int, state);
+
+        const QString attributes =
+            fields.startsWith(u'!') ? fields.mid(1) : codeOf(m_fleet, serial) + fields;
+        const QString stateSql = u"SELECT "_s + stateColumn +
+                                 u" FROM Systems_Current_Condition WHERE SyCC_SyI_Serialnumber="_s +
+                                 sqlQuote(serial);
+        const qint64 before = stateColumn.isEmpty() ? 0 : scalar(m_db, stateSql);
+        const qint64 eventsBefore = scalar(m_db, u"SELECT COUNT(*) FROM Events_1"_s);
+        insertRequest(serial, type, attributes);
+        QCOMPARE(answerNow(), 1);
+        QCOMPARE(replyOf(serial), reply);
+        if (!stateColumn.isEmpty())
+            QCOMPARE(scalar(m_db, stateSql), state < 0 ? before : qint64(state));
+        // Only a bypass writes an event.
+        QCOMPARE(scalar(m_db, u"SELECT COUNT(*) FROM Events_1"_s), eventsBefore);
+    }
+
+    void bypassRecordsAnEventAndClearsTheAlarm()
+    {
+        // SX100001 point 7 is in alarm and out of its limits after the seed.
+        const QString point =
+            u" FROM Sensors_Current_Condition WHERE SeCC_SyI_Serialnumber='SX100001' AND "
+            "SeCC_Sensornumber=7"_s;
+        QCOMPARE(scalar(m_db, u"SELECT SeCC_Alarmcondition"_s + point), 1);
+        const qint64 lastSn = scalar(m_db, u"SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE "
+                                           "Event_SyI_Serialnumber='SX100001'"_s);
+        insertRequest(u"SX100001"_s, 3, u"1234;7;1"_s);
+        const qint64 now = secsFromCivil({2024, 3, 10, 12, 30, 0});
+        sim::RequestPolicy policy;
+        policy.answerDelayMs = 0;
+        sim::RequestHandler handler(m_db, policy, [now] { return now; });
+        QVERIFY(!handler.poll(0).isError());
+        QCOMPARE(replyOf(u"SX100001"_s), 1);
+        QCOMPARE(scalar(m_db, u"SELECT SeCC_Alarmcondition"_s + point), 0);
+
+        Rows ev = m_db.read(
+            u"SELECT Event_SystemEventSN, Event_Datetime, Event_EventSource, Event_Info1, "
+            "Event_Ack FROM Events_1 WHERE Event_SyI_Serialnumber='SX100001' AND "
+            "Event_SystemEventSN>"_s +
+            QString::number(lastSn));
+        QVERIFY(ev.next());
+        QCOMPARE(ev.integer(0).value_or(-1), lastSn + 1);
+        QCOMPARE(ev.dateTime(1).value_or(-1), now);
+        QCOMPARE(ev.integer(2).value_or(-1), 25);
+        QCOMPARE(ev.text(3).value_or(QString()), u"2;7;24"_s);
+        QCOMPARE(ev.integer(4).value_or(-1), 0);
+        QVERIFY(!ev.next());
+        QVERIFY(handler.bypasses().contains(sim::bypassKey(u"SX100001"_s, 7)));
+        // The event store counters follow the new event.
+        QVERIFY(scalar(m_db,
+                       u"SELECT SyI_EventsTable_Pagebyteswritt + SyI_EventsTable_Lastpagesn FROM "
+                       "Systems_Info WHERE SyI_Serialnumber='SX100001'"_s) > 0);
+
+        // Back in service: done, no further event, the bypass is gone.
+        QVERIFY(!m_db.deleteRows(schema::TerminalRequests::table, {}).isError());
+        insertRequest(u"SX100001"_s, 3, u"1234;7;0"_s);
+        QVERIFY(!handler.poll(0).isError());
+        QCOMPARE(replyOf(u"SX100001"_s), 1);
+        QVERIFY(handler.bypasses().isEmpty());
+        QCOMPARE(scalar(m_db, u"SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE "
+                              "Event_SyI_Serialnumber='SX100001'"_s),
+                 lastSn + 1);
+    }
+
+    void forcedReplyChangesNothing()
+    {
+        const QString relaySql =
+            u"SELECT SyCC_RelayBcondition FROM Systems_Current_Condition WHERE "
+            "SyCC_SyI_Serialnumber='SX100009'"_s;
+        const qint64 relay = scalar(m_db, relaySql);
+        insertRequest(u"SX100009"_s, 2,
+                      codeOf(m_fleet, u"SX100009"_s) + (relay == 1 ? u";0"_s : u";1"_s));
+        insertRequest(u"SX100004"_s, 2, u"1;1"_s);
+        sim::RequestPolicy policy;
+        policy.forcedReply = 6;
+        QCOMPARE(answerNow(policy), 2);
+        QCOMPARE(replyOf(u"SX100009"_s), 6);
+        QCOMPARE(replyOf(u"SX100004"_s), 6);
+        QCOMPARE(scalar(m_db, relaySql), relay);
+    }
+
+    void noAnswerLeavesRowsPending()
+    {
+        insertRequest(u"SX100001"_s, 2, u"1234;1"_s);
+        sim::RequestPolicy policy;
+        policy.answerDelayMs = 0;
+        policy.noAnswer = true;
+        sim::RequestHandler handler(m_db, policy);
+        for (qint64 t : {0, 1000, 100000}) {
+            int answered = -1;
+            QVERIFY(!handler.poll(t, &answered).isError());
+            QCOMPARE(answered, 0);
+        }
+        QCOMPARE(
+            scalar(m_db,
+                   u"SELECT COUNT(*) FROM Terminal_Requests WHERE TrmReq_Requestcompleted=0"_s),
+            1);
+    }
+
+    void answerWaitsForTheDelay()
+    {
+        sim::RequestPolicy policy;
+        policy.answerDelayMs = 1000;
+        sim::RequestHandler handler(m_db, policy);
+        QVERIFY(!handler.poll(5000).isError()); // nothing pending yet
+        insertRequest(u"SX100002"_s, 2, u"0042;0"_s);
+        // The delay counts from when the row was first seen, not from the handler's start.
+        QVERIFY(!handler.poll(10000).isError());
+        QCOMPARE(replyOf(u"SX100002"_s), 0);
+        QVERIFY(!handler.poll(10999).isError());
+        QCOMPARE(replyOf(u"SX100002"_s), 0);
+        int answered = 0;
+        QVERIFY(!handler.poll(11000, &answered).isError());
+        QCOMPARE(answered, 1);
+        QCOMPARE(replyOf(u"SX100002"_s), 1);
+    }
+
+    void oddRowsAreAnsweredOnceAndRight()
+    {
+        insertRequest(u"SX100002"_s, 2, u"0042;1"_s);
+        insertRequest(u"SX100002"_s, 2, u"0042;1"_s); // identical rows are answered together
+        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100001', 2, NULL, 0, 0), "
+                           "(NULL, 2, '1234;1', 0, 0), ('SX100003', 2, '1234;0', 1, 4)"_s)
+                     .isError());
+        QCOMPARE(answerNow(), 3);            // the identical pair counts once
+        QCOMPARE(replyOf(u"SX100001"_s), 2); // missing attributes are malformed
+        QCOMPARE(replyOf(u"SX100003"_s), 4); // a completed row is left alone
+        const QString done =
+            u"SELECT COUNT(*) FROM Terminal_Requests WHERE TrmReq_Requestcompleted=1 AND "_s;
+        QCOMPARE(
+            scalar(m_db, done + u"TrmReq_SyI_Serialnumber='SX100002' AND TrmReq_Requestreply=1"_s),
+            2);
+        QCOMPARE(
+            scalar(m_db, done + u"TrmReq_SyI_Serialnumber IS NULL AND TrmReq_Requestreply=3"_s), 1);
+    }
 
 private:
-    // Inserts a pending request as the console does.
     void insertRequest(const QString& serial, int type, const QString& attributes);
     [[nodiscard]] qint64 replyOf(const QString& serial);
+    // One poll with no answer delay; how many rows it answered, -1 on error.
+    int answerNow(sim::RequestPolicy policy = {})
+    {
+        policy.answerDelayMs = 0;
+        sim::RequestHandler handler(m_db, policy);
+        int answered = -1;
+        const DbError e = handler.poll(0, &answered);
+        return e.isError() ? -1 : answered;
+    }
 
     ScratchDatabase m_scratch;
     Database m_db;
     QList<sim::DemoUnit> m_fleet;
 };
-
-void TestSimRequests::initTestCase()
-{
-    SX_REQUIRE_DB(m_scratch);
-    QVERIFY(m_scratch.open(m_db));
-    const sim::SeedReport r = sim::seedDemo(m_db, smallSeed(1));
-    QVERIFY2(!r.error.isError(), qPrintable(r.error.description));
-    m_fleet = r.units;
-}
-
-void TestSimRequests::init()
-{
-    QVERIFY(!m_db.deleteRows(schema::TerminalRequests::table, {}).isError());
-}
 
 void TestSimRequests::insertRequest(const QString& serial, int type, const QString& attributes)
 {
@@ -88,219 +256,6 @@ qint64 TestSimRequests::replyOf(const QString& serial)
     if (!rows.next() || rows.integer(0).value_or(0) == 0)
         return 0; // still pending
     return rows.integer(1).value_or(-1);
-}
-
-void TestSimRequests::answers_data()
-{
-    QTest::addColumn<QString>("serial");
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("fields"); // after the code; "!" replaces the unit's code
-    QTest::addColumn<int>("reply");
-    QTest::addColumn<QString>("stateColumn");
-    QTest::addColumn<int>("state"); // -1: unchanged
-
-    const QString relay = u"SyCC_RelayBcondition"_s;
-    const QString phone = u"SyCC_Alarmcondition"_s;
-    // SX100001: 1A 1.22 (extended), relay on, notification 1, code 1234.
-    // SX100002: 1B 1.14 (older form), relay off, notification 0, code 0042, point 2 unused.
-    // SX100003: 1A 1.15 (extended); SX100004 offline; SX100005 being programmed; SX100012 model 2B.
-    QTest::newRow("wrong code") << u"SX100001"_s << 2 << u"!9999;0"_s << 2 << relay << -1;
-    QTest::newRow("code without its leading zero")
-        << u"SX100002"_s << 2 << u"!042;1"_s << 2 << relay << -1;
-    QTest::newRow("offline unit") << u"SX100004"_s << 2 << u";1"_s << 3 << relay << -1;
-    QTest::newRow("unit being programmed") << u"SX100005"_s << 2 << u";1"_s << 4 << relay << -1;
-    QTest::newRow("unknown unit") << u"SX999999"_s << 2 << u"!1234;1"_s << 3 << QString() << -1;
-    QTest::newRow("relay on") << u"SX100002"_s << 2 << u";1"_s << 1 << relay << 1;
-    QTest::newRow("relay off") << u"SX100001"_s << 2 << u";0"_s << 1 << relay << 0;
-    QTest::newRow("quoted serial") << u"SX'Q7"_s << 2 << u";1"_s << 1 << relay << 1;
-    QTest::newRow("extended automatic") << u"SX100001"_s << 1 << u";2"_s << 1 << phone << 2;
-    QTest::newRow("extended at 1.15") << u"SX100003"_s << 1 << u";0"_s << 1 << phone << 0;
-    QTest::newRow("older form with delay") << u"SX100002"_s << 1 << u";1;05"_s << 1 << phone << 1;
-    QTest::newRow("unknown model takes older form")
-        << u"SX100012"_s << 1 << u";0;0"_s << 1 << phone << 0;
-    QTest::newRow("older form to extended") << u"SX100001"_s << 1 << u";1;0"_s << 5 << phone << -1;
-    QTest::newRow("short form to older unit") << u"SX100002"_s << 1 << u";0"_s << 5 << phone << -1;
-    QTest::newRow("bypass of unused point")
-        << u"SX100002"_s << 3 << u";2;1"_s << 5 << QString() << -1;
-}
-
-void TestSimRequests::answers()
-{
-    QFETCH(QString, serial);
-    QFETCH(int, type);
-    QFETCH(QString, fields);
-    QFETCH(int, reply);
-    QFETCH(QString, stateColumn);
-    QFETCH(int, state);
-
-    const QString attributes =
-        fields.startsWith(u'!') ? fields.mid(1) : codeOf(m_fleet, serial) + fields;
-    const QString stateSql = u"SELECT "_s + stateColumn +
-                             u" FROM Systems_Current_Condition WHERE SyCC_SyI_Serialnumber="_s +
-                             sqlQuote(serial);
-    const qint64 before = stateColumn.isEmpty() ? 0 : scalar(m_db, stateSql);
-    const qint64 eventsBefore = scalar(m_db, u"SELECT COUNT(*) FROM Events_1"_s);
-    insertRequest(serial, type, attributes);
-
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 0;
-    sim::RequestHandler handler(m_db, policy);
-    int answered = 0;
-    const DbError e = handler.poll(0, &answered);
-    QVERIFY2(!e.isError(), qPrintable(e.description));
-    QCOMPARE(answered, 1);
-    QCOMPARE(replyOf(serial), reply);
-    if (!stateColumn.isEmpty())
-        QCOMPARE(scalar(m_db, stateSql), state < 0 ? before : qint64(state));
-    // Only a bypass writes an event.
-    QCOMPARE(scalar(m_db, u"SELECT COUNT(*) FROM Events_1"_s), eventsBefore);
-}
-
-void TestSimRequests::bypassRecordsAnEventAndClearsTheAlarm()
-{
-    // SX100001 point 7 is in alarm and out of its limits after the seed.
-    const QString point =
-        u" FROM Sensors_Current_Condition WHERE SeCC_SyI_Serialnumber='SX100001' AND "
-        "SeCC_Sensornumber=7"_s;
-    QCOMPARE(scalar(m_db, u"SELECT SeCC_Alarmcondition"_s + point), 1);
-    const qint64 lastSn = scalar(m_db, u"SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE "
-                                       "Event_SyI_Serialnumber='SX100001'"_s);
-    insertRequest(u"SX100001"_s, 3, u"1234;7;1"_s);
-    const qint64 now = secsFromCivil({2024, 3, 10, 12, 30, 0});
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 0;
-    sim::RequestHandler handler(m_db, policy, [now] { return now; });
-    QVERIFY(!handler.poll(0).isError());
-    QCOMPARE(replyOf(u"SX100001"_s), 1);
-    QCOMPARE(scalar(m_db, u"SELECT SeCC_Alarmcondition"_s + point), 0);
-
-    Rows ev =
-        m_db.read(u"SELECT Event_SystemEventSN, Event_Datetime, Event_EventSource, Event_Info1, "
-                  "Event_Ack FROM Events_1 WHERE Event_SyI_Serialnumber='SX100001' AND "
-                  "Event_SystemEventSN>"_s +
-                  QString::number(lastSn));
-    QVERIFY(ev.next());
-    QCOMPARE(ev.integer(0).value_or(-1), lastSn + 1);
-    QCOMPARE(ev.dateTime(1).value_or(-1), now);
-    QCOMPARE(ev.integer(2).value_or(-1), 25);
-    QCOMPARE(ev.text(3).value_or(QString()), u"2;7;24"_s);
-    QCOMPARE(ev.integer(4).value_or(-1), 0);
-    QVERIFY(!ev.next());
-    QVERIFY(handler.bypasses().contains(sim::bypassKey(u"SX100001"_s, 7)));
-    // The event store counters follow the new event.
-    QVERIFY(scalar(m_db, u"SELECT SyI_EventsTable_Pagebyteswritt + SyI_EventsTable_Lastpagesn FROM "
-                         "Systems_Info WHERE SyI_Serialnumber='SX100001'"_s) > 0);
-
-    // Back in service: done, no further event, the bypass is gone.
-    QVERIFY(!m_db.deleteRows(schema::TerminalRequests::table, {}).isError());
-    insertRequest(u"SX100001"_s, 3, u"1234;7;0"_s);
-    QVERIFY(!handler.poll(0).isError());
-    QCOMPARE(replyOf(u"SX100001"_s), 1);
-    QVERIFY(handler.bypasses().isEmpty());
-    QCOMPARE(scalar(m_db, u"SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE "
-                          "Event_SyI_Serialnumber='SX100001'"_s),
-             lastSn + 1);
-}
-
-void TestSimRequests::forcedReplyChangesNothing()
-{
-    const QString relaySql = u"SELECT SyCC_RelayBcondition FROM Systems_Current_Condition WHERE "
-                             "SyCC_SyI_Serialnumber='SX100009'"_s;
-    const qint64 relay = scalar(m_db, relaySql);
-    insertRequest(u"SX100009"_s, 2,
-                  codeOf(m_fleet, u"SX100009"_s) + (relay == 1 ? u";0"_s : u";1"_s));
-    insertRequest(u"SX100004"_s, 2, u"1;1"_s);
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 0;
-    policy.forcedReply = 6;
-    sim::RequestHandler handler(m_db, policy);
-    int answered = 0;
-    QVERIFY(!handler.poll(0, &answered).isError());
-    QCOMPARE(answered, 2);
-    QCOMPARE(replyOf(u"SX100009"_s), 6);
-    QCOMPARE(replyOf(u"SX100004"_s), 6);
-    QCOMPARE(scalar(m_db, relaySql), relay);
-}
-
-void TestSimRequests::noAnswerLeavesRowsPending()
-{
-    insertRequest(u"SX100001"_s, 2, u"1234;1"_s);
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 0;
-    policy.noAnswer = true;
-    sim::RequestHandler handler(m_db, policy);
-    for (qint64 t : {0, 1000, 100000}) {
-        int answered = -1;
-        QVERIFY(!handler.poll(t, &answered).isError());
-        QCOMPARE(answered, 0);
-    }
-    QCOMPARE(
-        scalar(m_db, u"SELECT COUNT(*) FROM Terminal_Requests WHERE TrmReq_Requestcompleted=0"_s),
-        1);
-}
-
-void TestSimRequests::answerWaitsForTheDelay()
-{
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 1000;
-    sim::RequestHandler handler(m_db, policy);
-    QVERIFY(!handler.poll(5000).isError()); // nothing pending yet
-    insertRequest(u"SX100002"_s, 2, u"0042;0"_s);
-    // The delay counts from when the row was first seen, not from the handler's start.
-    QVERIFY(!handler.poll(10000).isError());
-    QCOMPARE(replyOf(u"SX100002"_s), 0);
-    QVERIFY(!handler.poll(10999).isError());
-    QCOMPARE(replyOf(u"SX100002"_s), 0);
-    int answered = 0;
-    QVERIFY(!handler.poll(11000, &answered).isError());
-    QCOMPARE(answered, 1);
-    QCOMPARE(replyOf(u"SX100002"_s), 1);
-}
-
-void TestSimRequests::identicalRowsAreAnsweredTogether()
-{
-    insertRequest(u"SX100002"_s, 2, u"0042;1"_s);
-    insertRequest(u"SX100002"_s, 2, u"0042;1"_s);
-    insertRequest(u"SX100001"_s, 2, u"1234;1"_s);
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 0;
-    sim::RequestHandler handler(m_db, policy);
-    QVERIFY(!handler.poll(0).isError());
-    QCOMPARE(scalar(m_db,
-                    u"SELECT COUNT(*) FROM Terminal_Requests WHERE TrmReq_Requestcompleted=1 AND "
-                    "TrmReq_Requestreply=1"_s),
-             3);
-}
-
-void TestSimRequests::missingAttributesAreMalformed()
-{
-    QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100001', 2, NULL, 0, 0)"_s)
-                 .isError());
-    QVERIFY(
-        !m_db.exec(u"INSERT INTO Terminal_Requests VALUES (NULL, 2, '1234;1', 0, 0)"_s).isError());
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 0;
-    sim::RequestHandler handler(m_db, policy);
-    int answered = 0;
-    QVERIFY(!handler.poll(0, &answered).isError());
-    QCOMPARE(answered, 2);
-    QCOMPARE(replyOf(u"SX100001"_s), 2);
-    QCOMPARE(scalar(m_db, u"SELECT TrmReq_Requestreply FROM Terminal_Requests WHERE "
-                          "TrmReq_SyI_Serialnumber IS NULL AND TrmReq_Requestcompleted=1"_s),
-             3);
-}
-
-void TestSimRequests::completedRowsAreLeftAlone()
-{
-    QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100001', 2, '1234;0', 1, 4)"_s)
-                 .isError());
-    sim::RequestPolicy policy;
-    policy.answerDelayMs = 0;
-    sim::RequestHandler handler(m_db, policy);
-    int answered = -1;
-    QVERIFY(!handler.poll(0, &answered).isError());
-    QCOMPARE(answered, 0);
-    QCOMPARE(replyOf(u"SX100001"_s), 4);
 }
 
 QTEST_GUILESS_MAIN(TestSimRequests)

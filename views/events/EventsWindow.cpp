@@ -260,35 +260,9 @@ void EventsWindow::buildGrid(QWidget* central)
     m_grid->onSelectAll = [this] { selectAllEvents(); };
     placeAt(m_grid, kMargin, kGridTop, 0, kGridHeight);
 
-    const QFontMetricsF fm(m_grid->font());
-    QHeaderView* header = m_grid->horizontalHeader();
-    header->setFont(m_grid->font());
-    header->setDefaultAlignment(Qt::AlignCenter);
-    header->setHighlightSections(false);
-    header->setSectionsClickable(false);
-    header->setSectionResizeMode(QHeaderView::Fixed);
-    header->setStyleSheet(
-        u"QHeaderView::section { color: rgb(0,0,255); background-color: white; padding: 1px %1px;"
-        " border: none; border-right: 1px solid #a0a0a0; border-bottom: 1px solid #a0a0a0; }"_s.arg(
-            kCellMargin));
-    for (int c = 0; c < 2; ++c) {
-        const int width =
-            int(std::ceil(fm.horizontalAdvance(EventsModel::headerText(c)))) + 2 * kCellMargin;
-        m_grid->setColumnWidth(c, width);
-    }
-    QHeaderView* rows = m_grid->verticalHeader();
-    rows->setSectionResizeMode(QHeaderView::Interactive);
-    rows->setSectionsClickable(false);
-    rows->setMinimumSectionSize(1);
-    rows->setDefaultSectionSize(int(std::ceil(fm.height())) + 4);
-    rows->setFixedWidth(twips(240, m_grid));
-    rows->setHighlightSections(false);
-
-    const int gridWidth =
-        rows->width() + m_grid->columnWidth(0) + m_grid->columnWidth(1) +
-        m_grid->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_grid) +
-        2 * m_grid->frameWidth();
-    m_grid->resize(gridWidth, m_grid->height());
+    m_grid->setUpColumns({EventsModel::headerText(0), EventsModel::headerText(1)}, kCellMargin,
+                         QHeaderView::Interactive);
+    m_grid->verticalHeader()->setSectionsClickable(false);
     m_baseGrid = m_grid->size();
 }
 

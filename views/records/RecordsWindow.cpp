@@ -121,6 +121,37 @@ RecordsGrid::RecordsGrid(QWidget* parent) : QTableView(parent)
     setHighlight(false);
 }
 
+void RecordsGrid::setUpColumns(const QStringList& captions, int cellMargin,
+                               QHeaderView::ResizeMode rowMode)
+{
+    const QFontMetricsF fm(font());
+    QHeaderView* header = horizontalHeader();
+    header->setFont(font());
+    header->setDefaultAlignment(Qt::AlignCenter);
+    header->setHighlightSections(false);
+    header->setSectionsClickable(false);
+    header->setSectionResizeMode(QHeaderView::Fixed);
+    header->setStyleSheet(
+        u"QHeaderView::section { color: rgb(0,0,255); background-color: white; padding: 1px %1px;"
+        " border: none; border-right: 1px solid #a0a0a0; border-bottom: 1px solid #a0a0a0; }"_s.arg(
+            cellMargin));
+    int width = 0;
+    for (int c = 0; c < captions.size(); ++c) {
+        setColumnWidth(c, static_cast<int>(std::ceil(fm.horizontalAdvance(captions[c]))) +
+                              2 * cellMargin);
+        width += columnWidth(c);
+    }
+    QHeaderView* rows = verticalHeader();
+    rows->setSectionResizeMode(rowMode);
+    rows->setMinimumSectionSize(1);
+    rows->setDefaultSectionSize(static_cast<int>(std::ceil(fm.height())) + 4);
+    rows->setFixedWidth(twips(240, this));
+    rows->setHighlightSections(false);
+    resize(rows->width() + width + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) +
+               2 * frameWidth(),
+           height());
+}
+
 void RecordsGrid::selectAll()
 {
     if (onSelectAll)
@@ -243,37 +274,8 @@ void RecordsWindow::buildRecordsFrame(QWidget* central)
     m_grid->onSelectAll = [this] { selectAllRecords(); };
     placeAt(m_grid, kGridLeft, kGridTop, 0, kGridHeight);
 
-    const QFontMetricsF fm(m_grid->font());
-    QHeaderView* header = m_grid->horizontalHeader();
-    header->setFont(m_grid->font());
-    header->setDefaultAlignment(Qt::AlignCenter);
-    header->setHighlightSections(false);
-    header->setSectionsClickable(false);
-    header->setSectionResizeMode(QHeaderView::Fixed);
-    header->setStyleSheet(
-        u"QHeaderView::section { color: rgb(0,0,255); background-color: white; padding: 1px %1px;"
-        " border: none; border-right: 1px solid #a0a0a0; border-bottom: 1px solid #a0a0a0; }"_s.arg(
-            kCellMargin));
-    for (int c = 0; c < 2; ++c) {
-        const int width =
-            static_cast<int>(std::ceil(fm.horizontalAdvance(RecordsModel::headerText(c)))) +
-            2 * kCellMargin;
-        m_grid->setColumnWidth(c, width);
-    }
-    // Narrow row selectors without numbers: they carry the corner button (select all).
-    QHeaderView* rows = m_grid->verticalHeader();
-    rows->setSectionResizeMode(QHeaderView::Fixed);
-    rows->setMinimumSectionSize(1);
-    rows->setDefaultSectionSize(static_cast<int>(std::ceil(fm.height())) + 4);
-    rows->setFixedWidth(twips(240, m_grid));
-    rows->setHighlightSections(false);
-
-    // As wide as its columns, the row selectors and a vertical scroll bar.
-    const int gridWidth =
-        rows->width() + m_grid->columnWidth(0) + m_grid->columnWidth(1) +
-        m_grid->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_grid) +
-        2 * m_grid->frameWidth();
-    m_grid->resize(gridWidth, m_grid->height());
+    m_grid->setUpColumns({RecordsModel::headerText(0), RecordsModel::headerText(1)}, kCellMargin,
+                         QHeaderView::Fixed);
     m_recordsFrame->resize(m_grid->geometry().right() + 1 + twips(kMargin, this),
                            m_recordsFrame->height());
     m_baseFrame = m_recordsFrame->size();

@@ -3,6 +3,7 @@
 #include "app/ViewWindow.h"
 #include "views/records/RecordsQuery.h"
 
+#include <QHeaderView>
 #include <QTableView>
 
 #include <functional>
@@ -29,6 +30,11 @@ public:
     // Selection shown (with or without focus) or not shown at all.
     void setHighlight(bool on);
     [[nodiscard]] bool highlight() const { return m_highlight; }
+
+    // Blue captions on white, each column as wide as its caption, narrow row
+    // selectors without numbers (they carry the corner button), and the grid
+    // as wide as its columns, the selectors and a vertical scroll bar.
+    void setUpColumns(const QStringList& captions, int cellMargin, QHeaderView::ResizeMode rowMode);
 
     std::function<void()> onSelectAll;
 
