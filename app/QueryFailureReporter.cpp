@@ -3,14 +3,38 @@
 #include "app/AppContext.h"
 #include "app/DialogService.h"
 
+#include <QEventLoop>
+#include <QThread>
+#include <QWidget>
+
 namespace sx {
 
-QueryFailureReporter::QueryFailureReporter(AppContext& ctx) : m_ctx(ctx) {}
-
-void QueryFailureReporter::report(const DbError& error, QWidget* parent)
+QueryFailureReporter::QueryFailureReporter(AppContext& ctx, QObject* parent)
+    : QObject(parent), m_ctx(ctx)
 {
-    if (m_outage || !error.isError())
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, &QueryFailureReporter::startProbe);
+}
+
+QueryFailureReporter::~QueryFailureReporter()
+{
+    if (m_probe)
+        m_probe->wait();
+}
+
+void QueryFailureReporter::report(const DbError& error, QWidget* parent, FailureOrigin origin)
+{
+    if (!error.isError())
         return;
+    if (parent && !m_failedIn.contains(parent))
+        m_failedIn.append(parent);
+    Database* db = m_ctx.db;
+    if (error.cause == DbFailureCause::Unreachable ||
+        (db && (!db->isOpen() || db->connectionLost())))
+        noteLost();
+    if (origin == FailureOrigin::Quiet || (origin == FailureOrigin::Refresh && m_outage))
+        return;
+    // Set before the box: its own event loop lets the refresh run meanwhile.
     m_outage = true;
     ++m_shown;
     if (m_ctx.dialogs)
@@ -18,14 +42,131 @@ void QueryFailureReporter::report(const DbError& error, QWidget* parent)
                                explainDbError(error));
 }
 
-bool QueryFailureReporter::ensureConnection()
+void QueryFailureReporter::clear()
+{
+    if (m_lost)
+        return;
+    m_outage = false;
+    m_failedIn.clear();
+}
+
+bool QueryFailureReporter::failedIn(const QWidget* view) const
+{
+    for (const QPointer<QWidget>& w : m_failedIn + m_failedBeforeReturn) {
+        // Walks across windows too: a graph or wait window belongs to its view.
+        for (const QWidget* p = w.data(); p; p = p->parentWidget()) {
+            if (p == view)
+                return true;
+        }
+    }
+    return false;
+}
+
+bool QueryFailureReporter::ensureConnection(FailureOrigin origin)
 {
     Database* db = m_ctx.db;
     if (!db)
         return false;
-    if (!db->connectionLost() && db->isOpen())
-        return true;
-    return !db->reopen().isError();
+    if (!m_lost) {
+        if (db->isOpen() && !db->connectionLost())
+            return true;
+        noteLost();
+    }
+    if (origin != FailureOrigin::User)
+        return false;
+
+    // The user waits for an answer now, with the window painting meanwhile.
+    bool answered = false;
+    std::unique_ptr<QThread> probe(QThread::create(
+        [&answered, settings = db->settings()] { answered = Database::reachable(settings); }));
+    QEventLoop loop;
+    connect(probe.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    probe->start();
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    probe->wait();
+    if (!m_lost)
+        return true; // the background probe reconnected meanwhile
+    return answered && reconnect();
+}
+
+void QueryFailureReporter::runWhenBack(const QString& sql)
+{
+    m_pending.append(sql);
+    noteLost();
+}
+
+void QueryFailureReporter::setRetryDelays(int firstMs, int longestMs)
+{
+    m_firstDelayMs = firstMs;
+    m_longestDelayMs = longestMs;
+    m_delayMs = firstMs;
+}
+
+void QueryFailureReporter::noteLost()
+{
+    if (!m_lost) {
+        m_lost = true;
+        m_delayMs = m_firstDelayMs;
+    }
+    if (!m_retry.isActive() && !m_probe)
+        m_retry.start(m_delayMs);
+}
+
+void QueryFailureReporter::startProbe()
+{
+    if (m_probe || !m_ctx.db)
+        return;
+    auto answered = std::make_shared<bool>(false);
+    m_probe.reset(QThread::create([answered, settings = m_ctx.db->settings()] {
+        *answered = Database::reachable(settings);
+    }));
+    connect(m_probe.get(), &QThread::finished, this, [this, answered] {
+        m_probe->wait();
+        m_probe.reset();
+        probeFinished(*answered);
+    });
+    m_probe->start();
+}
+
+void QueryFailureReporter::probeFinished(bool reachable)
+{
+    if (!m_lost)
+        return;
+    if (reachable && reconnect())
+        return;
+    // A long outage costs one probe every few seconds, not one per refresh.
+    m_delayMs = std::min(m_delayMs * 2, m_longestDelayMs);
+    m_retry.start(m_delayMs);
+}
+
+bool QueryFailureReporter::reconnect()
+{
+    Database* db = m_ctx.db;
+    if (!db || db->busy())
+        return false;
+    if (db->reopen().isError())
+        return false;
+    // Left-overs of actions cut short: run them before anything else.
+    QStringList failed;
+    for (const QString& sql : std::as_const(m_pending)) {
+        if (db->exec(sql).isError())
+            failed.append(sql);
+    }
+    m_pending = failed;
+    m_lost = false;
+    m_outage = false;
+    m_retry.stop();
+    m_delayMs = m_firstDelayMs;
+    // Queued: the views refill from the event loop, not from inside the caller.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_failedBeforeReturn = std::exchange(m_failedIn, {});
+            emit databaseBack();
+            m_failedBeforeReturn.clear();
+        },
+        Qt::QueuedConnection);
+    return true;
 }
 
 } // namespace sx

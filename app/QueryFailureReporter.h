@@ -2,32 +2,89 @@
 
 #include "model/DbError.h"
 
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <QTimer>
+
+#include <memory>
+
+class QThread;
 class QWidget;
 
 namespace sx {
 
 struct AppContext;
 
-// The one place where a failed query after start-up is reported: the
-// explanation box, shown once for an outage rather than at every refresh.
-// The console keeps running; a lost connection is reopened by the next round.
-class QueryFailureReporter {
-public:
-    explicit QueryFailureReporter(AppContext& ctx);
+// Who started the work that failed: the periodic refresh is explained once
+// per outage, anything the user started is always explained, and a side
+// query whose action reports its own failure right after is not explained.
+enum class FailureOrigin { Refresh, User, Quiet };
 
-    void report(const DbError& error, QWidget* parent);
+// The console's connection health: every failed query after start-up is
+// reported here, and this is the only place that reconnects. While the
+// connection is lost it asks, away from the GUI thread and less often the
+// longer the outage lasts, whether the database answers again; when it does
+// it reconnects and emits databaseBack() so that the views refill.
+class QueryFailureReporter : public QObject {
+    Q_OBJECT
+public:
+    explicit QueryFailureReporter(AppContext& ctx, QObject* parent = nullptr);
+    ~QueryFailureReporter() override;
+
+    void report(const DbError& error, QWidget* parent,
+                FailureOrigin origin = FailureOrigin::Refresh);
+    void reportAction(const DbError& error, QWidget* parent)
+    {
+        report(error, parent, FailureOrigin::User);
+    }
     // A round of queries succeeded: the next failure is news again.
-    void clear() { m_outage = false; }
+    void clear();
     [[nodiscard]] bool inOutage() const { return m_outage; }
-    // Before a round of queries: reopens a lost connection. false while the
-    // database stays out of reach.
-    [[nodiscard]] bool ensureConnection();
+    [[nodiscard]] bool connectionLost() const { return m_lost; }
+    // Before queries: true when the connection is usable. A lost connection
+    // is only reopened once the server has answered a probe; the refresh
+    // never waits for that, a user's action waits (events keep flowing).
+    [[nodiscard]] bool ensureConnection(FailureOrigin origin = FailureOrigin::Refresh);
     [[nodiscard]] int reportsShown() const { return m_shown; }
+    // Whether `view` (or a window inside it) had a failure since the last good round.
+    [[nodiscard]] bool failedIn(const QWidget* view) const;
+
+    // A statement that must still run (a request row to remove) when the
+    // connection could not run it; runs first thing after reconnecting.
+    void runWhenBack(const QString& sql);
+    [[nodiscard]] QStringList pendingStatements() const { return m_pending; }
+
+    // Back-off of the reconnect probes: first wait, doubled up to the longest.
+    void setRetryDelays(int firstMs, int longestMs);
+    // How long a refresh's statements may wait for the server.
+    [[nodiscard]] int refreshDeadlineMs() const { return m_refreshDeadlineMs; }
+    void setRefreshDeadlineMs(int ms) { m_refreshDeadlineMs = ms; }
+
+signals:
+    // The lost connection works again; views refill from whatever state they are in.
+    void databaseBack();
 
 private:
+    void noteLost();
+    void startProbe();
+    void probeFinished(bool reachable);
+    bool reconnect();
+
     AppContext& m_ctx;
     bool m_outage = false;
+    bool m_lost = false;
     int m_shown = 0;
+    int m_firstDelayMs = 500;
+    int m_longestDelayMs = 5000;
+    int m_delayMs = 500;
+    int m_refreshDeadlineMs = 5000;
+    QTimer m_retry;
+    std::unique_ptr<QThread> m_probe;
+    QList<QPointer<QWidget>> m_failedIn;
+    QList<QPointer<QWidget>> m_failedBeforeReturn;
+    QStringList m_pending;
 };
 
 } // namespace sx

@@ -30,7 +30,8 @@ QList<UnitEntry> readUnitList(Database& db, DbError* error)
         const QString serial = r.text(cSerial).value_or(QString());
         const QString location = r.text(cLocation).value_or(QString());
         const QString shown = name && !name->isEmpty() ? *name : u"Ανώνυμο σύστημα"_s;
-        rows.append({name.value_or(QString()), name.has_value(),
+        rows.append({name.value_or(QString()),
+                     name.has_value(),
                      {serial, shown + u" ["_s + location + u"] ("_s + serial + u')'}});
     }
     if (error)
@@ -49,14 +50,24 @@ QList<UnitEntry> readUnitList(Database& db, DbError* error)
     return out;
 }
 
-void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll)
+void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll, FailureOrigin origin)
 {
     AppContext& ctx = view.context();
     QComboBox* list = view.systemSelect();
     DbError error;
-    const QList<UnitEntry> units = readUnitList(*ctx.db, &error);
-    if (error.isError() && ctx.failures)
-        ctx.failures->report(error, &view);
+    QList<UnitEntry> units;
+    if (ctx.failures && !ctx.failures->ensureConnection(origin))
+        error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                 DbFailureCause::Unreachable};
+    else if (ctx.db)
+        units = readUnitList(*ctx.db, &error);
+    view.setUnitListStale(error.isError());
+    if (error.isError()) {
+        // The entries shown stay as they were, and so does the selection.
+        if (ctx.failures)
+            ctx.failures->report(error, &view, origin);
+        return;
+    }
     {
         const QSignalBlocker block(list);
         list->clear();

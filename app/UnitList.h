@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/QueryFailureReporter.h"
 #include "model/Database.h"
 
 #include <QList>
@@ -20,7 +21,10 @@ struct UnitEntry {
 // FillSystemSelect: refills the view's unit list and the shared serials, adds
 // "ΟΛΑ" when asked and there are two or more units, and selects the entry at
 // `initialIndex` (entry 0 when out of range), which raises the view's
-// selection event. An empty list selects nothing.
-void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll);
+// selection event. An empty list selects nothing. A list that cannot be read
+// keeps the entries it had (the view is marked for a refill when the
+// database answers again); the failure is reported as coming from `origin`.
+void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll,
+                      FailureOrigin origin = FailureOrigin::User);
 
 } // namespace sx

@@ -4,6 +4,7 @@
 #include "app/NavigationFrame.h"
 #include "app/Navigator.h"
 #include "app/QueryFailureReporter.h"
+#include "app/UnitList.h"
 #include "model/QueryHelpers.h"
 
 #include <QCloseEvent>
@@ -36,7 +37,21 @@ ViewWindow::ViewWindow(AppContext& ctx, ViewId id, const QString& viewName, QWid
         if (m_ctx.navigator)
             m_ctx.navigator->navigate(*this, target);
     });
-    connect(systemSelect(), &QComboBox::activated, this, [this](int index) { unitSelected(index); });
+    connect(systemSelect(), &QComboBox::activated, this,
+            [this](int index) { unitSelected(index); });
+    if (m_ctx.failures)
+        connect(m_ctx.failures, &QueryFailureReporter::databaseBack, this,
+                &ViewWindow::refillAfterOutage);
+}
+
+void ViewWindow::refillAfterOutage()
+{
+    if (!isVisible())
+        return;
+    if (m_unitListStale || systemSelect()->count() == 0)
+        fillSystemSelect(*this, unitIndex(), m_id == ViewId::Events, FailureOrigin::Refresh);
+    else if (m_ctx.failures && m_ctx.failures->failedIn(this))
+        unitSelected(unitIndex());
 }
 
 QComboBox* ViewWindow::systemSelect() const
@@ -57,9 +72,12 @@ QString ViewWindow::selectedSerial() const
 void ViewWindow::updateNewMessagesIndicator()
 {
     DbError e;
+    if (m_ctx.failures && !m_ctx.failures->ensureConnection())
+        return;
     const bool on = hasMessages(*m_ctx.db, MessageKind::New, {}, &e);
     if (e.isError() && m_ctx.failures) {
-        m_ctx.failures->report(e, this);
+        // Only built views ask this; the unit list read next tells the user.
+        m_ctx.failures->report(e, this, FailureOrigin::Quiet);
         return;
     }
     m_nav->setNewMessages(on);

@@ -36,6 +36,14 @@ public:
     // Closes the window without asking (navigation away from it).
     void unloadByProgram();
 
+    // true while the unit list shown could not be read (it is read again when
+    // the database answers).
+    [[nodiscard]] bool unitListStale() const { return m_unitListStale; }
+    void setUnitListStale(bool stale) { m_unitListStale = stale; }
+    // The database answers again after an outage: a visible view that failed
+    // meanwhile, or whose unit list could not be read, fills itself again.
+    virtual void refillAfterOutage();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     // Adds "Έξοδος" (Terminateprg) to a menu.
@@ -46,6 +54,7 @@ private:
     ViewId m_id;
     NavigationFrame* m_nav = nullptr;
     bool m_unloading = false;
+    bool m_unitListStale = false;
 };
 
 // Asks whether to end the application; on Yes runs the shutdown steps.

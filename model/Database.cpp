@@ -28,7 +28,8 @@ DbError fileError(const QString& description)
 
 } // namespace
 
-Database::Database() : m_name(u"sx-db-"_s + QString::number(g_connectionCounter.fetchAndAddRelaxed(1)))
+Database::Database()
+    : m_name(u"sx-db-"_s + QString::number(g_connectionCounter.fetchAndAddRelaxed(1)))
 {
 }
 
@@ -76,7 +77,9 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
                              u"'. It is not a readable file."_s);
         db = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_name);
         db.setDatabaseName(settings.file);
-        db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=5000"_s);
+        // The console's own connection must not sleep long on a writer's lock.
+        db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT="_s +
+                             QString::number(m_deadlineMs < 0 ? 5000 : kSqliteBusyTimeoutMs));
         break;
     }
     case DbKind::PostgreSQL:
@@ -88,7 +91,10 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
         db.setUserName(settings.user.isEmpty() ? QString::fromUtf16(kDbUser) : settings.user);
         db.setPassword(settings.password.isEmpty() ? QString::fromUtf16(kDbPassword)
                                                    : settings.password);
-        db.setConnectOptions(u"connect_timeout=5"_s);
+        // Keep-alives and a user time-out notice a peer that went silent.
+        db.setConnectOptions(
+            u"connect_timeout=3;keepalives=1;keepalives_idle=10;keepalives_interval=3;"
+            u"keepalives_count=3;tcp_user_timeout=15000"_s);
         break;
     case DbKind::Access:
         db = QSqlDatabase::addDatabase(u"QODBC"_s, m_name);
@@ -133,7 +139,9 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
     } else if (settings.kind == DbKind::PostgreSQL) {
         // The native reader parses ISO date-times; notices ("already exists,
         // skipping") would only clutter the output.
-        const DbError e = exec(u"SET DateStyle TO ISO, YMD; SET client_min_messages TO WARNING"_s);
+        const DbError e = exec(u"SET DateStyle TO ISO, YMD; SET client_min_messages TO WARNING; "
+                               u"SET statement_timeout TO "_s +
+                               QString::number(m_deadlineMs < 0 ? 0 : kStatementTimeoutMs));
         if (e.isError()) {
             close();
             return e;
@@ -147,19 +155,48 @@ DbError Database::reopen()
     return open(m_settings, m_mode);
 }
 
+bool Database::reachable(const ConnectionSettings& settings)
+{
+    switch (settings.kind) {
+    case DbKind::SQLite: {
+        const QFileInfo info(settings.file);
+        return info.isFile() && info.isReadable();
+    }
+    case DbKind::PostgreSQL:
+        return detail::pgReachable(settings.serverIp.isEmpty() ? u"localhost"_s : settings.serverIp,
+                                   settings.serverPort, settings.dataSource);
+    default:
+        return true;
+    }
+}
+
 bool Database::connectionLost() const
 {
     if (m_lost)
+        return true;
+    // A file removed under an open connection still reads its old pages: gone is gone.
+    if (m_settings.kind == DbKind::SQLite && isOpen() && !QFileInfo::exists(m_settings.file))
         return true;
     if (m_settings.kind == DbKind::PostgreSQL && isOpen())
         return !detail::pgConnectionOk(detail::pgHandle(qtDatabase()));
     return false;
 }
 
+DbError Database::busyError() const
+{
+    return fileError(u"The connection is busy with another statement."_s);
+}
+
 DbError Database::noteFailure(DbError e)
 {
     if (!e.isError())
         return e;
+    if (e.description == QStringView(detail::kDeadlineMissed)) {
+        // The connection still waits for an answer that may never come.
+        m_lost = true;
+        close();
+        return e;
+    }
     if (m_settings.kind == DbKind::PostgreSQL) {
         if (!isOpen() || !detail::pgConnectionOk(detail::pgHandle(qtDatabase()))) {
             m_lost = true;
@@ -173,6 +210,8 @@ DbError Database::noteFailure(DbError e)
 
 Rows Database::read(const QString& sql)
 {
+    if (m_busy)
+        return Rows(busyError());
     if (!isOpen())
         return Rows(noteFailure(fileError(u"The connection to the database is closed."_s)));
     const QSqlDatabase db = qtDatabase();
@@ -180,9 +219,11 @@ Rows Database::read(const QString& sql)
     std::unique_ptr<CursorBackend> backend;
     if (m_native && m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
         backend = detail::sqliteCursor(detail::sqliteHandle(db), sql, failure);
-    else if (m_native && m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db))
-        backend = detail::pgCursor(detail::pgHandle(db), sql, failure);
-    else
+    else if (m_native && m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db)) {
+        m_busy = true;
+        backend = detail::pgCursor(detail::pgHandle(db), sql, failure, m_deadlineMs);
+        m_busy = false;
+    } else
         backend = detail::qtCursor(db, sql, failure);
     if (!backend)
         return Rows(noteFailure(failure));
@@ -207,13 +248,19 @@ bool Database::exists(const QString& sql, DbError* error)
 
 DbError Database::exec(const QString& sql, qint64* rowsAffected)
 {
+    if (m_busy)
+        return busyError();
     if (!isOpen())
         return noteFailure(fileError(u"The connection to the database is closed."_s));
     const QSqlDatabase db = qtDatabase();
     if (m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
         return noteFailure(detail::sqliteExec(detail::sqliteHandle(db), sql, rowsAffected));
-    if (m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db))
-        return noteFailure(detail::pgExec(detail::pgHandle(db), sql, rowsAffected));
+    if (m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db)) {
+        m_busy = true;
+        const DbError e = detail::pgExec(detail::pgHandle(db), sql, rowsAffected, m_deadlineMs);
+        m_busy = false;
+        return noteFailure(e);
+    }
     return noteFailure(detail::qtExec(db, sql, rowsAffected));
 }
 
@@ -248,8 +295,8 @@ DbError Database::insertRow(QStringView table, const QList<SqlAssignment>& value
         columns += a.column;
         literals += literal(a.value);
     }
-    return exec(u"INSERT INTO "_s + table.toString() + u" ("_s + columns + u") VALUES ("_s + literals +
-                u')');
+    return exec(u"INSERT INTO "_s + table.toString() + u" ("_s + columns + u") VALUES ("_s +
+                literals + u')');
 }
 
 DbError Database::updateRows(QStringView table, const QList<SqlAssignment>& values,

@@ -41,6 +41,9 @@ public:
     [[nodiscard]] bool isOpen() const;
     // Closes and opens again with the same settings (after a lost connection).
     DbError reopen();
+    // true when a connection with these settings would be answered now. It may
+    // block for the connect time-out: call it away from the GUI thread.
+    [[nodiscard]] static bool reachable(const ConnectionSettings& settings);
     // true when the last failure came from a connection that is gone.
     [[nodiscard]] bool connectionLost() const;
 
@@ -58,8 +61,8 @@ public:
     // A statement without rows.
     DbError exec(const QString& sql, qint64* rowsAffected = nullptr);
     DbError insertRow(QStringView table, const QList<SqlAssignment>& values);
-    DbError updateRows(QStringView table, const QList<SqlAssignment>& values,
-                       const QString& where, qint64* rowsAffected = nullptr);
+    DbError updateRows(QStringView table, const QList<SqlAssignment>& values, const QString& where,
+                       qint64* rowsAffected = nullptr);
     DbError deleteRows(QStringView table, const QString& where, qint64* rowsAffected = nullptr);
 
     DbError begin();
@@ -72,14 +75,48 @@ public:
     // Reads through QSqlQuery even where a native handle exists (for comparison).
     void setNativeReads(bool on) { m_native = on; }
 
+    // How long a statement may wait for the server before the connection is
+    // given up as dead (PostgreSQL; a negative value waits for ever).
+    void setDeadline(int ms) { m_deadlineMs = ms; }
+    [[nodiscard]] int deadline() const { return m_deadlineMs; }
+    // true while a statement waits for the server; a timer firing in that wait
+    // must not start another statement on the same connection.
+    [[nodiscard]] bool busy() const { return m_busy; }
+
+    // The server cancels a statement after this long; the console's own
+    // deadline is a little longer so the server's answer wins when it has one.
+    static constexpr int kStatementTimeoutMs = 30000;
+    static constexpr int kDefaultDeadlineMs = kStatementTimeoutMs + 5000;
+    // A writer may hold an SQLite file this long before a read gives up.
+    static constexpr int kSqliteBusyTimeoutMs = 150;
+
 private:
     DbError noteFailure(DbError e);
+    DbError busyError() const;
 
     QString m_name;
     ConnectionSettings m_settings;
     OpenMode m_mode = OpenMode::Existing;
     bool m_native = true;
     bool m_lost = false;
+    bool m_busy = false;
+    int m_deadlineMs = kDefaultDeadlineMs;
+};
+
+// Sets a connection's deadline for one stretch of work.
+class DeadlineScope {
+public:
+    DeadlineScope(Database& db, int ms) : m_db(db), m_previous(db.deadline())
+    {
+        db.setDeadline(ms);
+    }
+    ~DeadlineScope() { m_db.setDeadline(m_previous); }
+    DeadlineScope(const DeadlineScope&) = delete;
+    DeadlineScope& operator=(const DeadlineScope&) = delete;
+
+private:
+    Database& m_db;
+    int m_previous;
 };
 
 } // namespace sx

@@ -2,17 +2,21 @@
 
 #include "model/SqlDateTime.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QThread>
 #include <QVariant>
 
-#include <libpq-fe.h>
-#include <sqlite3.h>
-
+#include <cerrno>
 #include <cmath>
+#include <libpq-fe.h>
+#include <poll.h>
+#include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
 
@@ -133,6 +137,40 @@ DbError pgResultError(PGconn* conn, const PGresult* res)
     const char* state = res ? PQresultErrorField(res, PG_DIAG_SQLSTATE) : nullptr;
     e.cause = classifyFailure(e.description, state ? QString::fromLatin1(state) : QString());
     return e;
+}
+
+bool onGuiThread()
+{
+    const QCoreApplication* app = QCoreApplication::instance();
+    return app && app->thread() == QThread::currentThread();
+}
+
+// Waits until the server's socket has data or the deadline passes. On the GUI
+// thread it never sleeps longer than a frame and lets timers and painting run
+// in between; user input is held back so no second action starts meanwhile.
+bool waitReadable(int fd, const QDeadlineTimer& deadline)
+{
+    constexpr int kSliceMs = 20;
+    const bool gui = onGuiThread();
+    QDeadlineTimer sinceEvents(kSliceMs);
+    for (;;) {
+        const qint64 left = deadline.remainingTime();
+        if (left == 0)
+            return false;
+        int wait = left < 0 ? kSliceMs * 50 : static_cast<int>(left);
+        if (gui)
+            wait = std::min(wait, kSliceMs);
+        pollfd p{fd, POLLIN, 0};
+        const int rc = ::poll(&p, 1, wait);
+        if (gui && (rc <= 0 || sinceEvents.hasExpired())) {
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+            sinceEvents.setRemainingTime(kSliceMs);
+        }
+        if (rc > 0)
+            return true;
+        if (rc < 0 && errno != EINTR)
+            return false;
+    }
 }
 
 class PgBackend final : public CursorBackend {
@@ -265,9 +303,23 @@ sqlite3* sqliteHandle(const QSqlDatabase& db)
 pg_conn* pgHandle(const QSqlDatabase& db)
 {
     const QVariant v = db.driver() ? db.driver()->handle() : QVariant();
-    if (!v.isValid() || (qstrcmp(v.typeName(), "PGconn*") != 0 && qstrcmp(v.typeName(), "pg_conn*") != 0))
+    if (!v.isValid() ||
+        (qstrcmp(v.typeName(), "PGconn*") != 0 && qstrcmp(v.typeName(), "pg_conn*") != 0))
         return nullptr;
     return *static_cast<pg_conn* const*>(v.constData());
+}
+
+bool pgReachable(const QString& host, const QString& port, const QString& dbName)
+{
+    const auto quoted = [](const QString& v) {
+        QString out = v;
+        out.replace(u'\\', u"\\\\"_s).replace(u'\'', u"\\'"_s);
+        return u'\'' + out + u'\'';
+    };
+    QString info = u"connect_timeout=2 host="_s + quoted(host) + u" dbname="_s + quoted(dbName);
+    if (!port.isEmpty())
+        info += u" port="_s + quoted(port);
+    return PQping(info.toUtf8().constData()) == PQPING_OK;
 }
 
 bool pgConnectionOk(pg_conn* conn)
@@ -284,23 +336,64 @@ std::unique_ptr<CursorBackend> sqliteCursor(sqlite3* db, const QString& sql, DbE
         !stmt) {
         failure = sqliteError(db);
         if (failure.description.isEmpty() || !stmt)
-            failure.description = failure.description.isEmpty() ? u"Empty statement"_s
-                                                                : failure.description;
+            failure.description =
+                failure.description.isEmpty() ? u"Empty statement"_s : failure.description;
         sqlite3_finalize(stmt);
         return nullptr;
     }
     return std::make_unique<SqliteBackend>(db, stmt);
 }
 
-std::unique_ptr<CursorBackend> pgCursor(pg_conn* conn, const QString& sql, DbError& failure)
+PGresult* pgRun(pg_conn* conn, const QByteArray& sql, int deadlineMs, DbError& failure)
 {
-    PGresult* res = PQexec(conn, sql.toUtf8().constData());
-    const ExecStatusType status = res ? PQresultStatus(res) : PGRES_FATAL_ERROR;
-    if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK) {
-        failure = pgResultError(conn, res);
-        PQclear(res);
+    if (!PQsendQuery(conn, sql.constData())) {
+        failure = pgResultError(conn, nullptr);
         return nullptr;
     }
+    const QDeadlineTimer deadline(deadlineMs < 0 ? QDeadlineTimer::Forever
+                                                 : QDeadlineTimer(deadlineMs));
+    const int fd = PQsocket(conn);
+    const auto good = [](const PGresult* r) {
+        return PQresultStatus(r) == PGRES_TUPLES_OK || PQresultStatus(r) == PGRES_COMMAND_OK;
+    };
+    // As PQexec: the last result, or the first that failed.
+    PGresult* kept = nullptr;
+    for (;;) {
+        while (PQisBusy(conn)) {
+            if (!waitReadable(fd, deadline)) {
+                PQclear(kept);
+                failure = {kProviderErrorNumber, QString::fromUtf16(kDeadlineMissed),
+                           DbFailureCause::Unreachable};
+                return nullptr;
+            }
+            if (!PQconsumeInput(conn))
+                break;
+        }
+        PGresult* res = PQgetResult(conn);
+        if (!res)
+            break;
+        if (kept && !good(kept)) {
+            PQclear(res);
+            continue;
+        }
+        PQclear(kept);
+        kept = res;
+    }
+    const ExecStatusType status = kept ? PQresultStatus(kept) : PGRES_FATAL_ERROR;
+    if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK) {
+        failure = pgResultError(conn, kept);
+        PQclear(kept);
+        return nullptr;
+    }
+    return kept;
+}
+
+std::unique_ptr<CursorBackend> pgCursor(pg_conn* conn, const QString& sql, DbError& failure,
+                                        int deadlineMs)
+{
+    PGresult* res = pgRun(conn, sql.toUtf8(), deadlineMs, failure);
+    if (!res)
+        return nullptr;
     return std::make_unique<PgBackend>(res);
 }
 
@@ -340,15 +433,12 @@ DbError sqliteExec(sqlite3* db, const QString& sql, qint64* rowsAffected)
     return {};
 }
 
-DbError pgExec(pg_conn* conn, const QString& sql, qint64* rowsAffected)
+DbError pgExec(pg_conn* conn, const QString& sql, qint64* rowsAffected, int deadlineMs)
 {
-    PGresult* res = PQexec(conn, sql.toUtf8().constData());
-    const ExecStatusType status = res ? PQresultStatus(res) : PGRES_FATAL_ERROR;
-    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
-        DbError e = pgResultError(conn, res);
-        PQclear(res);
+    DbError e;
+    PGresult* res = pgRun(conn, sql.toUtf8(), deadlineMs, e);
+    if (!res)
         return e;
-    }
     if (rowsAffected)
         *rowsAffected = QByteArray(PQcmdTuples(res)).toLongLong();
     PQclear(res);

@@ -210,6 +210,8 @@ int runSimCommand(const SimOptions& o, QTextStream& out, QTextStream& err,
         return kExitBadArguments;
     }
     Database db;
+    // Seeding a year of records runs long statements: no time limit here.
+    db.setDeadline(-1);
     const auto mode = o.command == SimCommand::Run ? Database::OpenMode::Existing
                                                    : Database::OpenMode::CreateIfMissing;
     if (DbError e = db.open(settings, mode); e.isError())

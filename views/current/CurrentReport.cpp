@@ -169,12 +169,12 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
         return;
 
     if (ctx.failures)
-        (void)ctx.failures->ensureConnection();
+        (void)ctx.failures->ensureConnection(FailureOrigin::User);
     report::ReportData data;
     data.printedAt = ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime();
     if (const DbError e = readReport(ctx, serial, data); e.isError()) {
         if (ctx.failures)
-            ctx.failures->report(e, parent);
+            ctx.failures->reportAction(e, parent);
         return;
     }
 

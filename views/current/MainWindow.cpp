@@ -5,6 +5,7 @@
 #include "app/NavigationFrame.h"
 #include "app/QueryFailureReporter.h"
 #include "app/Twips.h"
+#include "app/UnitList.h"
 #include "views/current/CurrentCondition.h"
 #include "views/current/CurrentReport.h"
 #include "views/current/UnitCommands.h"
@@ -255,17 +256,33 @@ void MainWindow::refresh()
     if (m_refreshing)
         return;
     m_timer.stop();
-    // No unit, no refresh: the next selection arms the timer again.
-    if (systemSelect()->count() == 0 || unitIndex() < 0)
-        return;
-    m_refreshing = true;
     AppContext& ctx = context();
+    // A user's statement is waiting for the server: this round waits for the next.
+    if (ctx.db && ctx.db->busy()) {
+        m_timer.start();
+        return;
+    }
+    if (systemSelect()->count() == 0 || unitIndex() < 0) {
+        // No unit, no refresh: the next selection arms the timer again. A list
+        // that could not be read, though, is read again every round.
+        if (unitListStale()) {
+            m_timer.start();
+            if (ctx.failures && ctx.failures->ensureConnection())
+                fillSystemSelect(*this, 0, false, FailureOrigin::Refresh);
+        }
+        return;
+    }
+    m_refreshing = true;
     CurrentCondition cc;
-    if (ctx.failures && !ctx.failures->ensureConnection())
+    if (ctx.failures && !ctx.failures->ensureConnection()) {
         cc.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                     DbFailureCause::Unreachable};
-    else
+    } else {
+        // The refresh gives up on a silent server sooner than a user's action.
+        const DeadlineScope deadline(*ctx.db, ctx.failures ? ctx.failures->refreshDeadlineMs()
+                                                           : ctx.db->deadline());
         cc = readCurrentCondition(*ctx.db, selectedSerial());
+    }
     if (cc.error.isError()) {
         showDatabaseLost();
         if (ctx.failures)

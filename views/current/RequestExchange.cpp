@@ -79,7 +79,7 @@ QDateTime nowOf(const AppContext& ctx)
 void reportFailure(AppContext& ctx, const DbError& error, QWidget* window)
 {
     if (ctx.failures)
-        ctx.failures->report(error, window);
+        ctx.failures->reportAction(error, window);
 }
 
 void show(AppContext& ctx, QWidget* window, const QString& title, const commands::Notice& n)
@@ -118,6 +118,10 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
                                                    {TR::TrmReq_Requestreply, qint64(0)}});
         e.isError()) {
         reportFailure(ctx, e, window);
+        // The row may have been written before the connection went.
+        if (ctx.failures && ctx.failures->connectionLost())
+            ctx.failures->runWhenBack(u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s +
+                                      ownRow);
         return outcome;
     }
     const QDateTime written = nowOf(ctx);
@@ -168,7 +172,13 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
 
     // Also after a time-out, so that a late answer finds no row.
     if (const DbError e = db.deleteRows(TR::table, ownRow); e.isError()) {
-        reportFailure(ctx, e, window);
+        // One box per exchange; a row the connection could not remove is
+        // removed when the database answers again.
+        if (outcome.end != ExchangeOutcome::End::Failed)
+            reportFailure(ctx, e, window);
+        if (ctx.failures && ctx.failures->connectionLost())
+            ctx.failures->runWhenBack(u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s +
+                                      ownRow);
         outcome.end = ExchangeOutcome::End::Failed;
     }
     return outcome;

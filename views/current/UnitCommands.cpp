@@ -68,7 +68,7 @@ bool ready(AppContext& ctx)
         return false;
     // A connection lost since the last refresh is reopened before the first query.
     if (ctx.failures)
-        (void)ctx.failures->ensureConnection();
+        (void)ctx.failures->ensureConnection(FailureOrigin::User);
     return true;
 }
 
@@ -90,7 +90,7 @@ Lookup lookUpUnit(AppContext& ctx, CommandHost& host, const QString& title, cons
     const bool found = rows.next();
     if (!rows.ok()) {
         if (ctx.failures)
-            ctx.failures->report(rows.error(), window);
+            ctx.failures->reportAction(rows.error(), window);
         return Lookup::Failed;
     }
     if (!found) {
@@ -210,7 +210,7 @@ void runBypassCommand(AppContext& ctx, CommandHost& host)
     }
     if (!rows.ok()) {
         if (ctx.failures)
-            ctx.failures->report(rows.error(), window);
+            ctx.failures->reportAction(rows.error(), window);
         return;
     }
     if (points.isEmpty()) {

@@ -317,7 +317,7 @@ void EventsWindow::unitSelected(int index)
     if (serial == u"*"_s) {
         m_sources = events::allUnitsSourceList();
     } else if (index >= 0 && ctx.db) {
-        if (ctx.failures && !ctx.failures->ensureConnection())
+        if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
             error = lostConnection();
         else
             m_sources = events::buildSourceList(*ctx.db, serial, index, &error);
@@ -333,7 +333,7 @@ void EventsWindow::unitSelected(int index)
         showNoEvents();
     if (error.isError()) {
         if (ctx.failures)
-            ctx.failures->report(error, this);
+            ctx.failures->reportAction(error, this);
         return;
     }
     if (any) {
@@ -422,7 +422,7 @@ void EventsWindow::refreshEvents()
     m_model->clear();
 
     events::EventsLoad load;
-    if (ctx.failures && !ctx.failures->ensureConnection())
+    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
         load.error = lostConnection();
     else
         load = events::loadEventsAside(ctx.db->settings(), request(), lineCounter());
@@ -433,7 +433,7 @@ void EventsWindow::refreshEvents()
         wait.reset();
         setEnabled(true);
         if (ctx.failures)
-            ctx.failures->report(load.error, this);
+            ctx.failures->reportAction(load.error, this);
         return;
     }
     if (ctx.failures)
@@ -505,7 +505,7 @@ void EventsWindow::markSelected()
     DbError error;
     {
         auto wait = showWait(this, u"Μαρκάρισμα συμβάντων."_s);
-        if (ctx.failures && !ctx.failures->ensureConnection())
+        if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
             error = lostConnection();
         else
             error = events::markEvents(*ctx.db, targets, mark);
@@ -517,7 +517,7 @@ void EventsWindow::markSelected()
         // One transaction: nothing was marked, and the box says so first.
         error.description = u"Κανένα συμβάν δεν μαρκαρίστηκε. "_s + error.description;
         if (ctx.failures)
-            ctx.failures->report(error, this);
+            ctx.failures->reportAction(error, this);
         return;
     }
     refreshEvents();

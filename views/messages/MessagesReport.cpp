@@ -134,12 +134,12 @@ void printMessages(AppContext& ctx, QWidget* parent, MessageKind kind,
     if (!ctx.db)
         return;
     if (ctx.failures)
-        (void)ctx.failures->ensureConnection();
+        (void)ctx.failures->ensureConnection(FailureOrigin::User);
     DbError error;
     const bool any = listHasMessages(*ctx.db, kind, &error);
     if (error.isError()) {
         if (ctx.failures)
-            ctx.failures->report(error, parent);
+            ctx.failures->reportAction(error, parent);
         return;
     }
     if (!any) {

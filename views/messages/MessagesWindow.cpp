@@ -110,7 +110,7 @@ bool MessagesWindow::showList(MessageKind kind)
     m_frame->setTitle(listCaption(kind));
 
     MessagesText built;
-    if (ctx.failures && !ctx.failures->ensureConnection()) {
+    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User)) {
         built.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                        DbFailureCause::Unreachable};
     } else {
@@ -122,7 +122,7 @@ bool MessagesWindow::showList(MessageKind kind)
     setText(built.text, built.centred);
     if (built.error.isError()) {
         if (ctx.failures)
-            ctx.failures->report(built.error, this);
+            ctx.failures->reportAction(built.error, this);
         return false;
     }
     if (ctx.failures)

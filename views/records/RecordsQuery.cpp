@@ -276,19 +276,9 @@ RecordsLoad loadSqlite(sqlite3* h, const QString& sql, size_t expected)
 RecordsLoad loadPostgres(PGconn* h, const QString& sql)
 {
     RecordsLoad out;
-    PGresult* res = PQexec(h, sql.toUtf8().constData());
-    if (PQresultStatus(res) != PGRES_TUPLES_OK) {
-        out.error.number = kProviderErrorNumber;
-        out.error.description =
-            QString::fromUtf8(res ? PQresultErrorMessage(res) : PQerrorMessage(h)).trimmed();
-        if (out.error.description.isEmpty())
-            out.error.description = QString::fromUtf8(PQerrorMessage(h)).trimmed();
-        const char* state = res ? PQresultErrorField(res, PG_DIAG_SQLSTATE) : nullptr;
-        out.error.cause =
-            classifyFailure(out.error.description, state ? QString::fromLatin1(state) : QString());
-        PQclear(res);
+    PGresult* res = detail::pgRun(h, sql.toUtf8(), Database::kDefaultDeadlineMs, out.error);
+    if (!res)
         return out;
-    }
     Columns col;
     col.find(PQnfields(res), [res](int c) { return QString::fromUtf8(PQfname(res, c)); });
     if (!col.complete()) {

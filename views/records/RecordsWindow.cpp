@@ -331,7 +331,7 @@ void RecordsWindow::unitSelected(int index)
     DbError error;
     if (index >= 0 && ctx.db) {
         ++m_queries;
-        if (ctx.failures && !ctx.failures->ensureConnection())
+        if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
             error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                      DbFailureCause::Unreachable};
         else
@@ -352,7 +352,7 @@ void RecordsWindow::unitSelected(int index)
         showNoRecords();
     if (error.isError()) {
         if (ctx.failures)
-            ctx.failures->report(error, this);
+            ctx.failures->reportAction(error, this);
         return;
     }
     if (ctx.failures && index >= 0)
@@ -402,7 +402,7 @@ void RecordsWindow::refreshRecords()
         records::recordsPeriod(m_yearSelect->currentIndex(), m_monthSelect->currentIndex());
     ++m_queries;
     records::RecordsLoad load;
-    if (ctx.failures && !ctx.failures->ensureConnection())
+    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
         load.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                       DbFailureCause::Unreachable};
     else
@@ -417,7 +417,7 @@ void RecordsWindow::refreshRecords()
         wait.reset();
         setEnabled(true);
         if (ctx.failures)
-            ctx.failures->report(load.error, this);
+            ctx.failures->reportAction(load.error, this);
         return;
     }
     if (ctx.failures)

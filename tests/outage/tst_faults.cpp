@@ -1,0 +1,217 @@
+#include "../current/CurrentSeed.h"
+#include "FaultProxy.h"
+#include "GuiFixture.h"
+#include "app/UnitList.h"
+#include "views/current/CurrentReport.h"
+#include "views/current/MainWindow.h"
+#include "views/current/UnitCommands.h"
+#include "views/messages/MessagesWindow.h"
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QPrinter>
+#include <QTableWidget>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+using namespace sx::test;
+
+namespace {
+
+// The longest gap between two ticks of a 10-ms timer on the GUI thread.
+class StallMeter {
+public:
+    StallMeter()
+    {
+        QObject::connect(&m_timer, &QTimer::timeout,
+                         [this] { m_longest = std::max(m_longest, m_since.restart()); });
+        m_since.start();
+        m_timer.start(10);
+    }
+    [[nodiscard]] qint64 longestMs() const { return m_longest; }
+
+private:
+    QTimer m_timer;
+    QElapsedTimer m_since;
+    qint64 m_longest = 0;
+};
+
+enum class Fault { ServerGone, BlackHole, SlowPackets, FileLocked, FileGone };
+enum class During { IdleRefresh, ViewChange, Command, Print };
+
+} // namespace
+
+Q_DECLARE_METATYPE(Fault)
+Q_DECLARE_METATYPE(During)
+
+// Faults of the network or the database file start while the console works;
+// then they end. The window never blocks, the user hears of it once, and every
+// view fills again by itself.
+class TestFaults : public QObject {
+    Q_OBJECT
+
+    static bool seed(Database& db)
+    {
+        CurrentSeed s(db);
+        bool ok = s.unit(u"S-1"_s, u"Σταθμός"_s) && s.power(u"S-1"_s, 1, u"NULL"_s) &&
+                  s.powerCondition(u"S-1"_s, 1, u"0"_s, u"0"_s) &&
+                  s.condition(u"S-1"_s, u"1"_s, u"1"_s);
+        for (int n = 1; n <= 4; ++n)
+            ok = ok && s.point(u"S-1"_s, n, u"'Ζ'"_s) &&
+                 s.pointCondition(u"S-1"_s, n, QString::number(n));
+        return ok;
+    }
+
+    // The explanation boxes of failed queries (not a command's own notices).
+    static int failureBoxes(const ScriptedDialogs& d)
+    {
+        int n = 0;
+        for (const auto& m : d.messages())
+            n += m.text.startsWith(u"Παρουσιάστηκε το παρακάτω σφάλμα"_s) ? 1 : 0;
+        return n;
+    }
+
+private slots:
+    void faultThenRecovery_data()
+    {
+        QTest::addColumn<Fault>("fault");
+        QTest::addColumn<During>("during");
+        QTest::addColumn<int>("boxes");
+        const bool pg = ScratchDatabase::kindName() == u"postgresql";
+        if (pg) {
+            for (const Fault f : {Fault::ServerGone, Fault::BlackHole}) {
+                const char* name = f == Fault::ServerGone ? "server gone" : "black hole";
+                QTest::addRow("%s, idle refresh", name) << f << During::IdleRefresh << 1;
+                QTest::addRow("%s, view change", name) << f << During::ViewChange << 1;
+                QTest::addRow("%s, command", name) << f << During::Command << 1;
+                QTest::addRow("%s, print", name) << f << During::Print << 1;
+            }
+            QTest::newRow("slow packets, idle refresh")
+                << Fault::SlowPackets << During::IdleRefresh << 0;
+            QTest::newRow("slow packets, command") << Fault::SlowPackets << During::Command << 0;
+        } else {
+            QTest::newRow("file locked, command") << Fault::FileLocked << During::Command << 1;
+            QTest::newRow("file gone, idle refresh") << Fault::FileGone << During::IdleRefresh << 1;
+            QTest::newRow("file gone, view change") << Fault::FileGone << During::ViewChange << 1;
+        }
+    }
+
+    void faultThenRecovery()
+    {
+        QFETCH(Fault, fault);
+        QFETCH(During, during);
+        QFETCH(int, boxes);
+        GuiFixture fx;
+        SX_REQUIRE_DB(fx.scratch);
+        QVERIFY(fx.ready());
+        QVERIFY(seed(fx.db));
+
+        std::unique_ptr<FaultProxy> proxy;
+        if (fx.scratch.isPostgres()) {
+            ConnectionSettings through = fx.scratch.settings();
+            proxy =
+                std::make_unique<FaultProxy>(through.serverIp, quint16(through.serverPort.toInt()));
+            QVERIFY(proxy->port() != 0);
+            through.serverIp = u"127.0.0.1"_s;
+            through.serverPort = QString::number(proxy->port());
+            const DbError e = fx.db.open(through);
+            QVERIFY2(!e.isError(), qPrintable(e.description));
+        }
+        // Short waits, so that a table of outages runs in seconds.
+        fx.db.setDeadline(1200);
+        fx.failures->setRefreshDeadlineMs(800);
+        fx.failures->setRetryDelays(100, 800);
+        fx.navigator->setFactory(ViewId::Messages,
+                                 [](AppContext& c) { return new MessagesWindow(c); });
+
+        const auto owned = std::make_unique<MainWindow>(fx.ctx);
+        MainWindow* main = owned.get();
+        fx.navigator->setMainView(main);
+        main->show();
+        fillSystemSelect(*main, 0, false);
+        QCOMPARE(main->pointsGrid()->rowCount(), 4);
+        main->refreshTimer()->setInterval(300);
+
+        Database locker;
+        const QString file = fx.scratch.settings().file;
+        const StallMeter meter;
+        switch (fault) {
+        case Fault::ServerGone:
+            proxy->setMode(FaultProxy::Mode::Refuse);
+            proxy->cutAll();
+            break;
+        case Fault::BlackHole:
+            proxy->setMode(FaultProxy::Mode::BlackHole);
+            break;
+        case Fault::SlowPackets:
+            proxy->setMode(FaultProxy::Mode::Delay, 30);
+            break;
+        case Fault::FileLocked:
+            QVERIFY(!locker.open(fx.scratch.settings()).isError());
+            QVERIFY(!locker.exec(u"BEGIN EXCLUSIVE"_s).isError());
+            break;
+        case Fault::FileGone:
+            QVERIFY(QFile::rename(file, file + u".away"_s));
+            break;
+        }
+
+        ViewWindow* shown = main;
+        switch (during) {
+        case During::IdleRefresh:
+            main->refresh();
+            main->refresh(); // still down: no second box
+            break;
+        case During::ViewChange:
+            fx.navigator->navigate(*main, ViewId::Messages);
+            shown = fx.navigator->visibleView();
+            QVERIFY(shown && shown->viewId() == ViewId::Messages);
+            break;
+        case During::Command:
+            // Nobody answers the request: its minute passes quickly.
+            fx.clock.runFaster(60);
+            fx.dialogs.answerCode(u"0042"_s);
+            runRelayCommand(fx.ctx, *main);
+            break;
+        case During::Print: {
+            const QString pdf = fx.scratch.folder() + u"/cut.pdf"_s;
+            fx.dialogs.answerPrint(true, [pdf](QPrinter& p) {
+                p.setOutputFormat(QPrinter::PdfFormat);
+                p.setOutputFileName(pdf);
+            });
+            printCurrentCondition(fx.ctx, main, u"S-1"_s);
+            QCOMPARE(QFile::exists(pdf), boxes == 0);
+            break;
+        }
+        }
+        QTRY_COMPARE(failureBoxes(fx.dialogs), boxes);
+
+        // The fault ends.
+        if (proxy)
+            proxy->setMode(FaultProxy::Mode::Pass);
+        if (fault == Fault::FileLocked)
+            QVERIFY(!locker.exec(u"COMMIT"_s).isError());
+        if (fault == Fault::FileGone)
+            QVERIFY(QFile::rename(file + u".away"_s, file));
+
+        // Refilled by itself within one refresh interval of the console.
+        QTRY_VERIFY_WITH_TIMEOUT(shown->systemSelect()->count() == 1 &&
+                                     !fx.failures->connectionLost(),
+                                 MainWindow::kRefreshIntervalMs);
+        if (shown == main)
+            QTRY_VERIFY_WITH_TIMEOUT(!main->databaseLost() && main->pointsGrid()->rowCount() == 4,
+                                     MainWindow::kRefreshIntervalMs);
+        QCOMPARE(failureBoxes(fx.dialogs), boxes);
+        QVERIFY2(meter.longestMs() <= 250, qPrintable(QString::number(meter.longestMs())));
+        QVERIFY(fx.failures->pendingStatements().isEmpty());
+        Rows left = fx.db.read(u"SELECT COUNT(*) AS n FROM Terminal_Requests"_s);
+        QVERIFY(left.next());
+        QCOMPARE(left.intOr(u"n", -1), 0);
+        if (shown != main)
+            delete shown;
+    }
+};
+
+QTEST_MAIN(TestFaults)
+#include "tst_faults.moc"
