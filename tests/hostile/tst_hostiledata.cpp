@@ -142,18 +142,19 @@ bool seedUnit(GuiFixture& fx, const Profile& p, const QString& serial)
     return true;
 }
 
-// The first cell of a grid whose text does not fit its column, as "row,col: text".
-QString clippedCell(const QAbstractItemView& view, const QHeaderView& header)
+// The first cell of a grid whose text the grid cuts, as "row,col: text": it
+// needs more than its column less the grid line.
+QString clippedCell(const QTableView& view)
 {
     const QAbstractItemModel* m = view.model();
-    const QFontMetrics fm(view.font());
     for (int r = 0; r < m->rowCount(); ++r) {
         for (int c = 0; c < m->columnCount(); ++c) {
-            const QString text = m->index(r, c).data().toString();
+            const QModelIndex index = m->index(r, c);
+            const QString text = index.data().toString();
             // Names are allowed to run out of their cell; numbers are not.
-            if (text.size() > 60 || header.isSectionHidden(c))
+            if (text.size() > 60 || view.isColumnHidden(c))
                 continue;
-            if (fm.horizontalAdvance(text) > header.sectionSize(c))
+            if (view.sizeHintForIndex(index).width() + 1 > view.columnWidth(c))
                 return u"%1,%2: %3"_s.arg(r).arg(c).arg(text);
         }
     }
@@ -209,8 +210,13 @@ private slots:
                                              u"X-1"_s};
         QTest::newRow("one sign, huge") << Profile{
             {u"-1e30"_s, u"-3e29"_s, u"-1e30"_s}, {u"1"_s}, {u"'y'"_s}, {}, {u"T"_s}, u"G-1"_s};
-        QTest::newRow("nan and infinities") << Profile{
-            {u"NAN"_s, u"INF"_s, u"-INF"_s, u"7"_s}, {u"1"_s}, {u"'z'"_s}, {}, {u"T"_s}, u"F-1"_s};
+        QTest::newRow("nan and infinities")
+            << Profile{{u"NAN"_s, u"7"_s, u"8"_s, u"INF"_s, u"-3"_s, u"-INF"_s},
+                       {u"1"_s},
+                       {u"'z'"_s},
+                       {},
+                       {u"T"_s},
+                       u"F-1"_s};
         QTest::newRow("unknown codes, eight digits")
             << Profile{{u"-12345678.5"_s, u"98765432"_s},
                        {u"99"_s, u"250"_s, u"-7"_s, u"13"_s},
@@ -278,7 +284,7 @@ private:
             w.refresh();
             QVERIFY(!w.databaseLost());
             for (QTableWidget* grid : {w.pointsGrid(), w.powerGrid()}) {
-                const QString clipped = clippedCell(*grid, *grid->horizontalHeader());
+                const QString clipped = clippedCell(*grid);
                 QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
             }
             const QString pdf = answerPdf();
@@ -301,7 +307,7 @@ private:
                 const int rows = w.model()->rowCount();
                 if (rows == 0)
                     continue;
-                const QString clipped = clippedCell(*w.grid(), *w.grid()->horizontalHeader());
+                const QString clipped = clippedCell(*w.grid());
                 QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
                 w.selectRows(0, rows - 1, 0);
                 QString pdf = answerPdf();
@@ -357,7 +363,7 @@ private:
                 w.refreshEvents();
                 if (w.model()->rowCount() == 0)
                     continue;
-                const QString clipped = clippedCell(*w.grid(), *w.grid()->horizontalHeader());
+                const QString clipped = clippedCell(*w.grid());
                 QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
                 w.selectAllEvents();
                 const QString pdf = answerPdf();
