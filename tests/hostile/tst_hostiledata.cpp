@@ -310,20 +310,24 @@ private:
                 const QString clipped = clippedCell(*w.grid());
                 QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
                 w.selectRows(0, rows - 1, 0);
-                QString pdf = answerPdf();
-                w.printRecords();
-                expectReport("records", pdf);
+                // One printout per unit keeps the run short; every zone is shown.
+                const bool print = z == 0;
+                if (print) {
+                    const QString pdf = answerPdf();
+                    w.printRecords();
+                    expectReport("records", pdf);
+                }
                 w.graphButton()->click();
                 std::unique_ptr<GraphWindow> g(w.findChild<GraphWindow*>());
                 if (g) {
                     ++m_graphs;
-                    walkGraph(*g);
+                    walkGraph(*g, print);
                 }
             }
         }
     }
 
-    void walkGraph(GraphWindow& g)
+    void walkGraph(GraphWindow& g, bool print)
     {
         QVERIFY(QTest::qWaitForWindowExposed(&g));
         // Every value label fits the label column.
@@ -340,6 +344,8 @@ private:
                          Qt::NoButton, Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(g.chart(), &move);
         QTest::mouseClick(g.chart(), Qt::LeftButton, {}, mid);
+        if (!print)
+            return;
         QString pdf = answerPdf();
         g.printButton()->click();
         expectReport("graph", pdf);
@@ -358,6 +364,7 @@ private:
         w.newOption(1)->click();
         for (int u = 0; u < w.systemSelect()->count(); ++u) {
             w.systemSelect()->setCurrentIndex(u);
+            bool printed = false;
             for (int s = 0; s < w.sensorSelect()->count(); ++s) {
                 w.sensorSelect()->setCurrentIndex(s);
                 w.refreshEvents();
@@ -366,6 +373,9 @@ private:
                 const QString clipped = clippedCell(*w.grid());
                 QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
                 w.selectAllEvents();
+                if (printed)
+                    continue;
+                printed = true;
                 const QString pdf = answerPdf();
                 w.printEvents();
                 expectReport("events", pdf);
