@@ -379,6 +379,13 @@ private:
                 const QString pdf = answerPdf();
                 w.printEvents();
                 expectReport("events", pdf);
+                // Marking finds its rows by quoted serial and extreme sequence numbers.
+                const int before = w.model()->rowCount();
+                w.markSelected();
+                QCOMPARE(w.model()->rowCount(), before);
+                Rows marked = m_fx->db.read(u"SELECT COUNT(*) FROM Events_1 WHERE Event_Ack=0"_s);
+                QVERIFY(marked.next());
+                QVERIFY(marked.integer(0).value_or(0) >= before);
             }
         }
         QVERIFY(w.systemSelect()->count() == units + 1);
