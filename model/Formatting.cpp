@@ -120,12 +120,14 @@ QString unitSuffix(int sensorType)
 
 QString formatValue(double v, const QLocale& locale)
 {
-    // Beyond this the tenths are below double precision and the integer path would overflow.
+    // Beyond this the tenths are below double precision and the integer path would overflow;
+    // such values (a faulty unit's 1e30) are written with seven digits in exponent form,
+    // short enough for the place a reading takes.
     constexpr double integerPathLimit = 1e15;
     if (!std::isfinite(v) || std::fabs(v) >= integerPathLimit) {
         QLocale plain = locale;
         plain.setNumberOptions(QLocale::OmitGroupSeparator);
-        return plain.toString(v, 'f', 1);
+        return plain.toString(v, 'g', 7);
     }
 
     const auto tenths = static_cast<qint64>(std::round(v * 10.0));

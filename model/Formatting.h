@@ -22,8 +22,8 @@ inline constexpr int ContactSensorType = 2;
 
 // A measured value as "####0.0": at least one integer digit, one decimal, no grouping, the
 // locale's decimal mark and minus sign. Halves round away from zero (0.25 -> 0.3). A value
-// that rounds to zero is written "0.0", never "-0.0". NaN and infinities are written as
-// QLocale writes them.
+// that rounds to zero is written "0.0", never "-0.0". From 1e15 on, seven significant digits
+// in exponent form ("1e+30"). NaN and infinities are written as QLocale writes them.
 [[nodiscard]] QString formatValue(double v, const QLocale& locale = QLocale());
 
 // A value as shown in grids and reports: the state of a contact input ("ΚΛΕΙΣΤΗ" above 0,

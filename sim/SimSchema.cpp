@@ -182,6 +182,16 @@ QStringList schemaStatements(DbKind kind)
     return out;
 }
 
+QList<SchemaColumn> schemaColumns()
+{
+    QList<SchemaColumn> out;
+    for (const Table& t : tables()) {
+        for (const Column& c : t.columns)
+            out.append({QString::fromUtf16(t.name), QString::fromUtf16(c.name), c.type});
+    }
+    return out;
+}
+
 DbError createSchema(Database& db)
 {
     if (db.kind() == DbKind::SQLite) {

@@ -10,6 +10,14 @@ namespace sx::sim {
 // and indexes the console's queries need. Safe to run on an existing schema.
 [[nodiscard]] QStringList schemaStatements(DbKind kind);
 
+struct SchemaColumn {
+    QString table;
+    QString column;
+    char type; // t text, i integer, s small integer, r real, d date-time
+};
+// Every column of every table, in table order.
+[[nodiscard]] QList<SchemaColumn> schemaColumns();
+
 // Creates every table that is missing. Running it twice does no harm.
 DbError createSchema(Database& db);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -12,9 +13,14 @@ namespace {
 constexpr int kContactInput = 2;
 constexpr double kLabelMarginPx = 9.0; // half the label font height of 18
 
+// Out-of-range and NaN inputs (a range of ±1e30) stay within int instead of overflowing.
 int roundToInt(double x)
 {
-    return static_cast<int>(roundHalfEven(x));
+    const double r = roundHalfEven(x);
+    if (!(r == r))
+        return 0;
+    return static_cast<int>(std::clamp(r, double(std::numeric_limits<int>::min()),
+                                       double(std::numeric_limits<int>::max())));
 }
 
 } // namespace
@@ -68,18 +74,24 @@ QString selectionMessage(SelectionProblem problem)
 
 ValueRange valueRange(const std::vector<RecordPoint>& records, int first, int last)
 {
-    float maxV = records[static_cast<size_t>(first)].value;
-    float minV = maxV;
+    // NaN and infinities cannot be drawn and would spoil the range; they are left out.
+    float maxV = 0.0f;
+    float minV = 0.0f;
+    bool any = false;
     bool hasPositive = false;
     bool hasNegative = false;
     for (int j = first; j <= last; ++j) {
         const float v = records[static_cast<size_t>(j)].value;
-        maxV = std::max(maxV, v);
-        minV = std::min(minV, v);
+        if (!std::isfinite(v))
+            continue;
+        maxV = any ? std::max(maxV, v) : v;
+        minV = any ? std::min(minV, v) : v;
+        any = true;
         hasPositive = hasPositive || v > 0.0f;
         hasNegative = hasNegative || v < 0.0f;
     }
-    const auto q = [](float x) { return static_cast<qint64>(std::trunc(x)) / 10; };
+    // Whole tens towards zero, in double: values beyond qint64 (1e30) are legal floats.
+    const auto q = [](float x) { return std::trunc(std::trunc(static_cast<double>(x)) / 10.0); };
     const auto top = static_cast<float>((q(maxV) + 1) * 10);
     const auto bottom = static_cast<float>((q(minV) - 1) * 10);
     if (hasPositive && hasNegative)
@@ -108,16 +120,19 @@ GraphState initialState(const std::vector<RecordPoint>& records, int first, int 
 
 ValueSteps valueSteps(float span)
 {
-    if (span <= 10.0f)
+    if (!(span > 10.0f) || !std::isfinite(span))
         return {0.1, 1.0};
-    // The smallest even k with span <= 10 k; the loops only correct rounding.
-    qint64 k = 2 * static_cast<qint64>(std::ceil(static_cast<double>(span) / 20.0));
-    while (10.0 * static_cast<double>(k) < static_cast<double>(span))
-        k += 2;
-    while (k > 2 && 10.0 * static_cast<double>(k - 2) >= static_cast<double>(span))
-        k -= 2;
-    const auto major = static_cast<double>(k);
-    return {major / 10.0, major};
+    // The smallest even k with span <= 10 k; the loops only correct rounding,
+    // and only where a step of 2 still changes k (a span of 1e30 does not need it).
+    const auto s = static_cast<double>(span);
+    double k = 2.0 * std::ceil(s / 20.0);
+    if (k < 0x1p50) {
+        while (10.0 * k < s)
+            k += 2.0;
+        while (k > 2.0 && 10.0 * (k - 2.0) >= s)
+            k -= 2.0;
+    }
+    return {k / 10.0, k};
 }
 
 int timeStep(int spanMinutes)
@@ -129,7 +144,8 @@ int timeStep(int spanMinutes)
 std::vector<double> valueTicks(double bottom, double top, double step)
 {
     std::vector<double> ticks;
-    if (!(step > 0.0))
+    // An infinite or NaN range has no ticks to draw, rather than endless ones.
+    if (!(step > 0.0) || !((top - bottom) / step < 1e6))
         return ticks;
     const double limit = top + step * 1e-6;
     for (qint64 i = 0;; ++i) {

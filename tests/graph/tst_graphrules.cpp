@@ -2,6 +2,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::graph;
@@ -119,6 +121,20 @@ private slots:
             QCOMPARE(r.bottom, c.range.bottom);
             QCOMPARE(r.top, c.range.top);
         }
+    }
+
+    void nonFiniteAndHugeValuesKeepAFiniteScale()
+    {
+        const float inf = std::numeric_limits<float>::infinity();
+        const float nan = std::numeric_limits<float>::quiet_NaN();
+        QCOMPARE(valueRange({rec(0, nan), rec(1, 7), rec(2, inf)}, 0, 2), (ValueRange{0, 10}));
+        QCOMPARE(valueRange({rec(0, nan), rec(1, -inf)}, 0, 1), (ValueRange{-10, 0}));
+        const ValueRange huge = valueRange({rec(0, 1e30f), rec(1, -1e30f)}, 0, 1);
+        QCOMPARE(huge, (ValueRange{-1e30f, 1e30f}));
+        const ValueSteps steps = valueSteps(huge.top - huge.bottom);
+        QCOMPARE(int(valueTicks(huge.bottom, huge.top, steps.major).size()), 11);
+        QVERIFY(valueTicks(0, inf, 1).empty());
+        QVERIFY(valueTicks(nan, 0, 1).empty());
     }
 
     void initialStateShowsTheFullRange()

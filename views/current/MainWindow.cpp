@@ -403,11 +403,13 @@ void MainWindow::fitColumns(QTableWidget* grid)
     // Columns keep their header widths; a value wider than its column (long
     // unit texts) widens that column rather than being cut.
     const QFontMetricsF fm(grid->font());
+    // The grid line takes a pixel of the cell; without it "-1e+30 %RH" loses its end.
+    const int gridLine = grid->showGrid() ? 1 : 0;
     for (int c = 1; c < grid->columnCount(); ++c) {
         int width = textWidth(fm, grid->horizontalHeaderItem(c)->text());
         for (int r = 0; r < grid->rowCount(); ++r) {
             if (const QTableWidgetItem* item = grid->item(r, c))
-                width = std::max(width, textWidth(fm, item->text()));
+                width = std::max(width, textWidth(fm, item->text()) + gridLine);
         }
         if (grid->columnWidth(c) != width)
             grid->setColumnWidth(c, width);

@@ -107,6 +107,17 @@ double valueLabelWidth(const QString& text)
     return labelWidth(text, &measuringDevice());
 }
 
+double valueLabelsWidth(double bottom, double top)
+{
+    // The labels are whole numbers within the range; plainNumber writes seven
+    // digits at most, and beyond them switches to the exponent form.
+    QString widest = u"-8888888"_s;
+    if (std::max(std::abs(bottom), std::abs(top)) >= 1e7) {
+        widest = (bottom < 0 ? u"-8"_s : u"8"_s) + QLocale().decimalPoint() + u"888888e+88"_s;
+    }
+    return valueLabelWidth(widest);
+}
+
 void paintChart(QPainter& p, QSize size, const ChartData& data)
 {
     const int w = size.width();

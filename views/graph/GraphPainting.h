@@ -65,5 +65,7 @@ double paintDetails(QPainter* p, double width, const QList<DetailLine>& lines);
 [[nodiscard]] double timeLabelLength();
 // The width a value label takes, for the width of Unitpic.
 [[nodiscard]] double valueLabelWidth(const QString& text);
+// The width the value labels of any view within bottom..top may take.
+[[nodiscard]] double valueLabelsWidth(double bottom, double top);
 
 } // namespace sx::graph

@@ -348,7 +348,8 @@ void GraphWindow::layoutChartArea()
         return;
     const QSize area = m_chartArea->size();
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_hScroll);
-    const int unitWidth = static_cast<int>(std::ceil(valueLabelWidth(u"-8888888"_s))) + 2;
+    const int unitWidth =
+        static_cast<int>(std::ceil(valueLabelsWidth(m_state.fullBottom, m_state.fullTop))) + 2;
     const int timeHeight = static_cast<int>(std::ceil(timeLabelLength())) + 6;
     const int chartX = kMargin + unitWidth + kUnitGap;
     const int chartY = kMargin + kLabelHalfPx;

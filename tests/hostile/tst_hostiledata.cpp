@@ -1,0 +1,419 @@
+#include "GuiFixture.h"
+#include "app/UnitList.h"
+#include "model/Dialect.h"
+#include "model/SqlDateTime.h"
+#include "model/graph/GraphRules.h"
+#include "sim/SimSchema.h"
+#include "views/current/CurrentReport.h"
+#include "views/current/MainWindow.h"
+#include "views/events/EventsModel.h"
+#include "views/events/EventsWindow.h"
+#include "views/graph/GraphPainting.h"
+#include "views/graph/GraphWindow.h"
+#include "views/messages/MessagesWindow.h"
+#include "views/records/RecordsModel.h"
+#include "views/records/RecordsWindow.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFile>
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QPrinter>
+#include <QProcess>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableWidget>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+using namespace sx::test;
+
+namespace {
+
+// Literal values a column of each kind takes in turn. Tokens: NAN, INF, -INF,
+// MAX and MIN (the largest counters the column's type holds), T (a time in
+// March 2026), ZERO (the zero date).
+struct Profile {
+    QStringList reals;
+    QStringList counters; // integer and small-integer columns
+    QStringList texts;
+    QStringList keys; // point numbers and event sequence numbers, distinct
+    QStringList dates;
+    QString serial;
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Profile)
+
+namespace {
+
+const QString kLongName = u"Ζώνη 'α' \"β\" "_s.repeated(300);
+
+constexpr int kRows = 4;    // rows per unit in each table
+constexpr int kMinutes = 6; // records per zone
+
+QString literal(const QString& token, char type, bool pg, int row)
+{
+    const bool small = type == 's';
+    if (token == u"NAN")
+        return pg ? u"'NaN'"_s : u"NULL"_s; // SQLite stores NaN as NULL anyway
+    if (token == u"INF" || token == u"-INF")
+        return pg ? u"'"_s + token.toLower().replace(u"inf"_s, u"Infinity"_s) + u"'"_s
+                  : token.left(token.size() - 3) + u"9e999"_s;
+    if (token == u"MAX")
+        return pg ? (small ? u"32767"_s : u"2147483647"_s) : u"9223372036854775807"_s;
+    if (token == u"MIN")
+        return pg ? (small ? u"-32768"_s : u"-2147483648"_s) : u"(-9223372036854775807 - 1)"_s;
+    if (token == u"T" || token == u"ZERO") {
+        const qint64 secs = token == u"ZERO" ? *parseSqlDateTime(u"1899-12-30 00:00:00")
+                                             : *parseSqlDateTime(u"2026-03-10 10:00:00") + row * 60;
+        return sqlDateTimeLiteral(pg ? DbKind::PostgreSQL : DbKind::SQLite, secs);
+    }
+    return token;
+}
+
+// Fills every table for one unit: one row per unit where the serial is the
+// key, rows of point numbers from `keys` elsewhere, kMinutes records per zone;
+// every other column takes the profile's values in turn.
+bool seedUnit(GuiFixture& fx, const Profile& p, const QString& serial)
+{
+    const bool pg = fx.scratch.isPostgres();
+    QMap<QString, QList<sim::SchemaColumn>> tables;
+    QStringList order;
+    for (const sim::SchemaColumn& c : sim::schemaColumns()) {
+        if (!tables.contains(c.table))
+            order << c.table;
+        tables[c.table] << c;
+    }
+    static const QStringList keyColumns = {u"SeI_Sensornumber"_s,     u"SeCC_Sensornumber"_s,
+                                           u"PmI_Powernumber"_s,      u"PmCC_Powernumber"_s,
+                                           u"Rec_SeI_Sensornumber"_s, u"SeE_Sensornumber"_s,
+                                           u"Event_SystemEventSN"_s};
+    for (const QString& table : order) {
+        const QList<sim::SchemaColumn>& cols = tables[table];
+        const int rows = table.startsWith(u"Systems_I"_s) || table.startsWith(u"Systems_C"_s)
+                             ? 1
+                             : (table == u"Records"_s ? kRows * kMinutes : kRows);
+        QStringList names;
+        for (const sim::SchemaColumn& c : cols)
+            names << c.column;
+        QStringList values;
+        for (int r = 0; r < rows; ++r) {
+            const int zone = table == u"Records"_s ? r / kMinutes : r;
+            QStringList row;
+            for (qsizetype i = 0; i < cols.size(); ++i) {
+                const sim::SchemaColumn& c = cols[i];
+                const auto pick = [&](const QStringList& list) {
+                    return list.isEmpty() ? u"NULL"_s : list[(r + i) % list.size()];
+                };
+                QString v;
+                if (c.column.endsWith(u"SyI_Serialnumber"_s))
+                    v = sqlQuote(serial);
+                else if (keyColumns.contains(c.column))
+                    v = literal(p.keys.value(zone, QString::number(zone + 1)), c.type, pg, r);
+                else if (c.column.endsWith(u"_Used"_s))
+                    v = u"1"_s; // the unit and its points stay in the lists
+                else if (c.type == 'd')
+                    v = literal(pick(p.dates), c.type, pg,
+                                table == u"Records"_s ? r % kMinutes : r);
+                else if (c.column == u"Rec_SensRecSN"_s)
+                    v = QString::number(r + 1); // in time order, so that the graph opens
+                else if (c.column.endsWith(u"Sensortype"_s))
+                    v = literal(p.counters[(zone + i) % p.counters.size()], c.type, pg, r);
+                else if (c.type == 'r')
+                    v = literal(pick(p.reals), c.type, pg, r);
+                else if (c.type == 't')
+                    v = pick(p.texts);
+                else
+                    v = literal(pick(p.counters), c.type, pg, r);
+                row << v;
+            }
+            values << u"("_s + row.join(u", "_s) + u")"_s;
+        }
+        if (!fx.exec(u"INSERT INTO "_s + table + u" ("_s + names.join(u", "_s) + u") VALUES "_s +
+                     values.join(u", "_s)))
+            return false;
+    }
+    return true;
+}
+
+// The first cell of a grid whose text the grid cuts, as "row,col: text": it
+// needs more than its column less the grid line.
+QString clippedCell(const QTableView& view)
+{
+    const QAbstractItemModel* m = view.model();
+    for (int r = 0; r < m->rowCount(); ++r) {
+        for (int c = 0; c < m->columnCount(); ++c) {
+            const QModelIndex index = m->index(r, c);
+            const QString text = index.data().toString();
+            // Names are allowed to run out of their cell; numbers are not.
+            if (text.size() > 60 || view.isColumnHidden(c))
+                continue;
+            if (view.sizeHintForIndex(index).width() + 1 > view.columnWidth(c))
+                return u"%1,%2: %3"_s.arg(r).arg(c).arg(text);
+        }
+    }
+    return {};
+}
+
+QString pdfText(const QString& pdf)
+{
+    QProcess p;
+    p.start(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s});
+    p.waitForFinished(60000);
+    return p.exitCode() == 0 ? QString::fromUtf8(p.readAllStandardOutput()) : QString();
+}
+
+} // namespace
+
+// Every table full of hostile values, every unit walked through the four
+// views, the graph and every report: nothing may crash, throw, fail a query or
+// show a number that does not fit its place.
+class TestHostileData : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_DB(m_fx->scratch);
+        QVERIFY(m_fx->ready());
+        m_fx->clock.advance(
+            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+    }
+    void cleanup()
+    {
+        m_fx.reset();
+        m_refusals.clear();
+        m_graphs = 0;
+    }
+
+    void everyViewSurvives_data()
+    {
+        QTest::addColumn<Profile>("profile");
+        QTest::newRow("nulls") << Profile{{u"NULL"_s, u"5"_s},
+                                          {u"NULL"_s, u"1"_s},
+                                          {u"NULL"_s},
+                                          {},
+                                          {u"NULL"_s, u"T"_s, u"ZERO"_s},
+                                          u"N-1"_s};
+        QTest::newRow("extremes") << Profile{{u"1e30"_s, u"-1e30"_s, u"0"_s, u"-9.5e14"_s},
+                                             {u"MAX"_s, u"MIN"_s, u"-1"_s, u"0"_s},
+                                             {u"''"_s, u"'x'"_s},
+                                             {u"MAX"_s, u"MIN"_s, u"0"_s, u"-1"_s},
+                                             {u"T"_s},
+                                             u"X-1"_s};
+        QTest::newRow("one sign, huge") << Profile{
+            {u"-1e30"_s, u"-3e29"_s, u"-1e30"_s}, {u"1"_s}, {u"'y'"_s}, {}, {u"T"_s}, u"G-1"_s};
+        QTest::newRow("nan and infinities")
+            << Profile{{u"NAN"_s, u"7"_s, u"8"_s, u"INF"_s, u"-3"_s, u"-INF"_s},
+                       {u"1"_s},
+                       {u"'z'"_s},
+                       {},
+                       {u"T"_s},
+                       u"F-1"_s};
+        QTest::newRow("unknown codes, eight digits")
+            << Profile{{u"-12345678.5"_s, u"98765432"_s},
+                       {u"99"_s, u"250"_s, u"-7"_s, u"13"_s},
+                       {u"'?'"_s},
+                       {u"1"_s, u"200"_s, u"77"_s, u"9"_s},
+                       {u"T"_s},
+                       u"C-1"_s};
+        QTest::newRow("quotes and long texts") << Profile{
+            {u"1"_s, u"2"_s},
+            {u"1"_s, u"0"_s},
+            {sqlQuote(kLongName), u"'''; DROP TABLE Records; --'"_s, u"'\r\n\t<b>&amp;%1'"_s},
+            {},
+            {u"T"_s},
+            u"Q'\"%1"_s + u"Σ"_s.repeated(300)};
+    }
+    void everyViewSurvives()
+    {
+        QFETCH(Profile, profile);
+        QVERIFY(seedUnit(*m_fx, profile, profile.serial));
+        QVERIFY(seedUnit(*m_fx, profile, profile.serial + u"2"_s));
+        const int units = int(readUnitList(m_fx->db).size());
+        QCOMPARE(units, 2);
+
+        walkCurrentCondition(units);
+        walkRecordsAndGraph(units);
+        walkEvents(units);
+        walkMessages();
+
+        for (const auto& shown : m_fx->dialogs.messages()) {
+            // The graph may refuse a selection and an empty list its printout;
+            // nothing else may speak up.
+            QVERIFY2(shown.title == QString::fromUtf16(graph::kGraphCaption) ||
+                         m_refusals.contains(shown.text),
+                     qPrintable(shown.title + u": "_s + shown.text));
+        }
+        QCOMPARE(m_fx->failures->reportsShown(), 0);
+        QVERIFY(m_graphs > 0); // the walk reached the graph
+    }
+
+private:
+    QString pdfPath() { return m_fx->scratch.folder() + u"/out%1.pdf"_s.arg(++m_pdfs); }
+    // Answers the next print dialog with a PDF file and returns its name.
+    QString answerPdf()
+    {
+        const QString pdf = pdfPath();
+        m_fx->dialogs.answerPrint(true, [pdf](QPrinter& p) {
+            p.setOutputFormat(QPrinter::PdfFormat);
+            p.setOutputFileName(pdf);
+        });
+        return pdf;
+    }
+    void expectReport(const char* step, const QString& pdf)
+    {
+        QVERIFY2(QFile::exists(pdf), step);
+        QVERIFY2(!pdfText(pdf).trimmed().isEmpty(), step);
+    }
+
+    void walkCurrentCondition(int units)
+    {
+        MainWindow w(m_fx->ctx);
+        w.show();
+        fillSystemSelect(w, 0, false);
+        for (int u = 0; u < units; ++u) {
+            w.systemSelect()->setCurrentIndex(u);
+            w.refresh();
+            QVERIFY(!w.databaseLost());
+            for (QTableWidget* grid : {w.pointsGrid(), w.powerGrid()}) {
+                const QString clipped = clippedCell(*grid);
+                QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
+            }
+            const QString pdf = answerPdf();
+            printCurrentCondition(m_fx->ctx, &w, m_fx->ctx.serialAt(u));
+            expectReport("current condition", pdf);
+        }
+        w.refreshTimer()->stop();
+    }
+
+    void walkRecordsAndGraph(int units)
+    {
+        RecordsWindow w(m_fx->ctx);
+        w.show();
+        fillSystemSelect(w, 0, false);
+        for (int u = 0; u < units; ++u) {
+            w.systemSelect()->setCurrentIndex(u);
+            for (int z = 0; z < w.sensorSelect()->count(); ++z) {
+                w.sensorSelect()->setCurrentIndex(z);
+                w.monthSelect()->setCurrentIndex(2);
+                const int rows = w.model()->rowCount();
+                if (rows == 0)
+                    continue;
+                const QString clipped = clippedCell(*w.grid());
+                QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
+                w.selectRows(0, rows - 1, 0);
+                // One printout per unit keeps the run short; every zone is shown.
+                const bool print = z == 0;
+                if (print) {
+                    const QString pdf = answerPdf();
+                    w.printRecords();
+                    expectReport("records", pdf);
+                }
+                w.graphButton()->click();
+                std::unique_ptr<GraphWindow> g(w.findChild<GraphWindow*>());
+                if (g) {
+                    ++m_graphs;
+                    walkGraph(*g, print);
+                }
+            }
+        }
+    }
+
+    void walkGraph(GraphWindow& g, bool print)
+    {
+        QVERIFY(QTest::qWaitForWindowExposed(&g));
+        // Every value label fits the label column.
+        const graph::GraphView& v = g.state().view;
+        const double span = double(v.top) - double(v.bottom);
+        const auto steps = graph::valueSteps(float(span));
+        for (const double y : graph::valueTicks(v.bottom, v.top, steps.major)) {
+            const QString label = graph::plainNumber(y);
+            QVERIFY2(graph::valueLabelWidth(label) <= g.unitPicture()->width(), qPrintable(label));
+        }
+        // The cursor over the middle of the chart and a marker there.
+        const QPoint mid = g.chart()->rect().center();
+        QMouseEvent move(QEvent::MouseMove, QPointF(mid), g.chart()->mapToGlobal(QPointF(mid)),
+                         Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(g.chart(), &move);
+        QTest::mouseClick(g.chart(), Qt::LeftButton, {}, mid);
+        if (!print)
+            return;
+        QString pdf = answerPdf();
+        g.printButton()->click();
+        expectReport("graph", pdf);
+        g.markedOption()->setChecked(true);
+        pdf = answerPdf();
+        g.printButton()->click();
+        expectReport("marked points", pdf);
+    }
+
+    void walkEvents(int units)
+    {
+        EventsWindow w(m_fx->ctx);
+        w.show();
+        fillSystemSelect(w, 0, true);
+        w.kindOption(2)->click();
+        w.newOption(1)->click();
+        for (int u = 0; u < w.systemSelect()->count(); ++u) {
+            w.systemSelect()->setCurrentIndex(u);
+            bool printed = false;
+            for (int s = 0; s < w.sensorSelect()->count(); ++s) {
+                w.sensorSelect()->setCurrentIndex(s);
+                w.refreshEvents();
+                if (w.model()->rowCount() == 0)
+                    continue;
+                const QString clipped = clippedCell(*w.grid());
+                QVERIFY2(clipped.isEmpty(), qPrintable(clipped));
+                w.selectAllEvents();
+                if (printed)
+                    continue;
+                printed = true;
+                const QString pdf = answerPdf();
+                w.printEvents();
+                expectReport("events", pdf);
+                // Marking finds its rows by quoted serial and extreme sequence numbers.
+                const int before = w.model()->rowCount();
+                w.markSelected();
+                QCOMPARE(w.model()->rowCount(), before);
+                Rows marked = m_fx->db.read(u"SELECT COUNT(*) FROM Events_1 WHERE Event_Ack=0"_s);
+                QVERIFY(marked.next());
+                QVERIFY(marked.integer(0).value_or(0) >= before);
+            }
+        }
+        QVERIFY(w.systemSelect()->count() == units + 1);
+    }
+
+    void walkMessages()
+    {
+        MessagesWindow w(m_fx->ctx);
+        w.show();
+        fillSystemSelect(w, 0, false);
+        for (const MessageKind kind : {MessageKind::New, MessageKind::Archived}) {
+            QVERIFY(w.showList(kind));
+            const QString pdf = answerPdf();
+            const qsizetype before = m_fx->dialogs.messages().size();
+            w.printList();
+            // An empty list is refused with its own message instead of a report.
+            if (m_fx->dialogs.messages().size() == before)
+                expectReport("messages", pdf);
+            else
+                m_refusals << m_fx->dialogs.messages().last().text;
+        }
+    }
+
+    std::unique_ptr<GuiFixture> m_fx;
+    int m_pdfs = 0;
+    QStringList m_refusals;
+    int m_graphs = 0;
+};
+
+QTEST_MAIN(TestHostileData)
+#include "tst_hostiledata.moc"
