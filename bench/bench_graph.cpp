@@ -201,9 +201,9 @@ int main(int argc, char** argv)
     shot("graph-zoomed.png");
     QScrollBar* values = g->vScroll();
     for (const auto& [part, name] : {std::pair{QStyle::SC_ScrollBarSubLine, "top arrow"},
-                                     std::pair{QStyle::SC_ScrollBarSubPage, "trough above"},
                                      std::pair{QStyle::SC_ScrollBarAddPage, "trough below"},
-                                     std::pair{QStyle::SC_ScrollBarAddLine, "bottom arrow"}}) {
+                                     std::pair{QStyle::SC_ScrollBarAddLine, "bottom arrow"},
+                                     std::pair{QStyle::SC_ScrollBarSubPage, "trough above"}}) {
         const graph::GraphView was = g->state().view;
         t.start();
         QTest::mouseClick(values, Qt::LeftButton, {}, test::scrollBarPart(values, part).center());
