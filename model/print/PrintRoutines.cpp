@@ -49,6 +49,9 @@ std::optional<qsizetype> firstReaching(QStringView word, double room, const Repo
 
 int wrapToWidth(QString& text, double maxWidthMm, const ReportPainter& painter)
 {
+    // Most report texts fit on one line: one measurement tells.
+    if (text.isEmpty() || painter.textWidth(text) <= maxWidthMm)
+        return 1;
     // A line's width is summed word by word, each word measured once, rather
     // than measuring every growing prefix: the cost stays linear in the text.
     const double blank = painter.textWidth(QStringLiteral(" "));
