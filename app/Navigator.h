@@ -2,7 +2,6 @@
 
 #include "app/AppContext.h"
 #include "app/ViewId.h"
-
 #include "app/ViewWindow.h"
 
 #include <QPointer>
@@ -10,7 +9,6 @@
 #include <functional>
 
 namespace sx {
-
 
 // Hands over between the four views: the main view is hidden and shown again,
 // the other views are created on arrival and unloaded on departure, and the
@@ -39,8 +37,5 @@ private:
     QPointer<ViewWindow> m_secondary;
     Factory m_factories[4];
 };
-
-// The factories of the secondary views that exist in this build.
-void registerSecondaryViews(Navigator& navigator);
 
 } // namespace sx

@@ -9,7 +9,7 @@ class QLineEdit;
 
 namespace sx {
 
-// Passwordfrm: the caller's question, a field masked with "*", OK and "Άκυρο".
+// The caller's question, a field masked with "*", OK and "Άκυρο".
 // Closing it by its close box counts as Άκυρο.
 class PasswordDialog : public QDialog {
     Q_OBJECT

@@ -9,7 +9,7 @@ class QLabel;
 
 namespace sx {
 
-// Selectionfrm: one or two drop-down lists under the caller's instruction.
+// One or two drop-down lists under the caller's instruction.
 // The second list is shown only when the caller gives one.
 class SelectionDialog : public QDialog {
     Q_OBJECT

@@ -15,7 +15,7 @@ namespace sx {
 class DialogService;
 class SettingsStore;
 
-// GeneralSettingsFrm: the kind of database and where it is, and the code that
+// The kind of database and where it is, and the code that
 // protects these settings. OK saves only what passes the checks; the dialog is
 // accepted only after a save.
 class SettingsDialog : public QDialog {

@@ -6,7 +6,7 @@ class QLabel;
 
 namespace sx {
 
-// Waitfrm: "Παρακαλώ περιμένετε", an hourglass and the caller's message. It is
+// "Παρακαλώ περιμένετε", an hourglass and the caller's message. It is
 // on screen, painted, as soon as it is constructed, so a blocking operation
 // may follow at once; destroying it takes it away.
 class WaitWindow : public QWidget {

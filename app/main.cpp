@@ -6,17 +6,10 @@
 #include "app/Twips.h"
 #include "app/WidgetDialogService.h"
 #include "model/Database.h"
-
-#if __has_include("views/current/MainWindow.h")
+#include "views/SecondaryViews.h"
 #include "views/current/MainWindow.h"
-#define SX_HAVE_MAIN_WINDOW 1
-#else
-#include "views/PlaceholderView.h"
-#endif
 
 #include <QApplication>
-
-using namespace Qt::StringLiterals;
 
 int main(int argc, char** argv)
 {
@@ -53,14 +46,10 @@ int main(int argc, char** argv)
     endWithSession(ctx);
 
     Startup startup(ctx, [](AppContext& c) -> ViewWindow* {
-#ifdef SX_HAVE_MAIN_WINDOW
         auto* window = new MainWindow(c);
         // Its timer is a plain member, not a child start-up could find by name.
         window->refreshTimer()->setInterval(kUpdateIntervalMs);
         return window;
-#else
-        return new PlaceholderView(c, ViewId::Current, u"Τρέχουσα κατάσταση"_s, {});
-#endif
     });
     if (const auto code = startup.run())
         return *code;

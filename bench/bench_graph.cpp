@@ -2,7 +2,9 @@
 // selected in the records view: opening the window, one full redraw after a
 // zoom, a zoom-out and a scroll step, and one cursor move with its readout.
 // Painted offscreen; each figure is the best of several runs or an average.
+#include "ChooseItem.h"
 #include "GuiFixture.h"
+#include "ScrollBarPart.h"
 #include "app/UnitList.h"
 #include "model/SqlDateTime.h"
 #include "sim/RecordWriter.h"
@@ -18,6 +20,8 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStyle>
+#include <QTest>
 
 #include <algorithm>
 #include <cstdio>
@@ -92,8 +96,8 @@ int main(int argc, char** argv)
     RecordsWindow w(fx.ctx);
     w.show();
     fillSystemSelect(w, 0, false);
-    w.yearSelect()->setCurrentIndex(25);
-    w.monthSelect()->setCurrentIndex(records::kWholeYearIndex);
+    test::chooseItem(w.yearSelect(), 25);
+    test::chooseItem(w.monthSelect(), records::kWholeYearIndex);
     QCoreApplication::processEvents();
     w.selectAllRecords();
     std::printf("records in the view: %d selected\n", w.model()->rowCount());
@@ -185,5 +189,38 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsSet("SX_SHOT_DIR"))
         (void)g->grab().save(qEnvironmentVariable("SX_SHOT_DIR") + u"/graph-year.png"_s);
     std::printf("full view of the year, redrawn         %8.2f ms  (target 50)\n", redraw);
+
+    // The value bar clicked as a user does: the top arrow and the trough above
+    // the handle lift the view; then a double-click marks one point.
+    zoom(g, {span * 0.25, top - 1.5}, {span * 0.75, bottom + 1.5});
+    const auto shot = [g](const char* name) {
+        if (qEnvironmentVariableIsSet("SX_SHOT_DIR"))
+            (void)g->grab().save(qEnvironmentVariable("SX_SHOT_DIR") + u'/' +
+                                 QString::fromLatin1(name));
+    };
+    shot("graph-zoomed.png");
+    QScrollBar* values = g->vScroll();
+    for (const auto& [part, name] : {std::pair{QStyle::SC_ScrollBarSubLine, "top arrow"},
+                                     std::pair{QStyle::SC_ScrollBarAddPage, "trough below"},
+                                     std::pair{QStyle::SC_ScrollBarAddLine, "bottom arrow"},
+                                     std::pair{QStyle::SC_ScrollBarSubPage, "trough above"}}) {
+        const graph::GraphView was = g->state().view;
+        t.start();
+        QTest::mouseClick(values, Qt::LeftButton, {}, test::scrollBarPart(values, part).center());
+        g->chart()->repaint();
+        std::printf(
+            "value bar, %-12s                 %8.2f ms  (values %.0f..%.0f -> %.0f..%.0f)\n", name,
+            t.nsecsElapsed() / 1e6, double(was.bottom), double(was.top),
+            double(g->state().view.bottom), double(g->state().view.top));
+        if (part == QStyle::SC_ScrollBarSubPage)
+            shot("graph-after-trough-above.png");
+    }
+    const QPoint at = g->pixelOf({g->state().view.spanMinutes / 2.0,
+                                  (g->state().view.top + g->state().view.bottom) / 2.0})
+                          .toPoint();
+    move(g, at);
+    QTest::mouseDClick(g->windowHandle(), Qt::LeftButton, {}, g->chart()->mapTo(g, at));
+    std::printf("double-click on the chart: %zu marker(s)\n", g->state().markers.size());
+    shot("graph-double-click.png");
     return 0;
 }

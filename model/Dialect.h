@@ -8,8 +8,8 @@
 namespace sx {
 
 // The date-range clause appended right after a date column name. Access and
-// Oracle get their historical texts; SQLite and PostgreSQL compare with the
-// stored "YYYY-MM-DD HH:MM:SS" form. Both ends are included.
+// Oracle get the literal forms their drivers parse; SQLite and PostgreSQL
+// compare with the stored "YYYY-MM-DD HH:MM:SS" form. Both ends are included.
 [[nodiscard]] QString sqlDateRange(DbKind kind, const QDateTime& from, const QDateTime& to);
 
 // A text value as an SQL literal: between single quotes, a quote doubled.

@@ -118,6 +118,14 @@ QString unitSuffix(int sensorType)
     return units[static_cast<std::size_t>(sensorType)];
 }
 
+int sensorTypeCode(std::optional<qint64> stored)
+{
+    const qint64 type = stored.value_or(0);
+    return type >= std::numeric_limits<qint16>::min() && type <= std::numeric_limits<qint16>::max()
+               ? static_cast<int>(type)
+               : -1;
+}
+
 QString formatValue(double v, const QLocale& locale)
 {
     // Beyond this the tenths are below double precision and the integer path would overflow;
@@ -149,23 +157,78 @@ QString formatReading(double v, int sensorType, const QLocale& locale)
     return formatValue(v, locale) + unitSuffix(sensorType);
 }
 
-QString formatRecordTime(const QDateTime& when)
+namespace {
+
+// The text between the first two fields of a date or time format: the letters
+// of `fields` are fields, text in single quotes is literal.
+QString separatorIn(const QString& format, QStringView fields)
+{
+    QString out;
+    bool afterField = false;
+    bool quoted = false;
+    for (const QChar c : format) {
+        if (c == u'\'') {
+            quoted = !quoted;
+            continue;
+        }
+        const bool field = !quoted && fields.contains(c);
+        // Blanks around a mark stay ("d. M." parts with ". "); blanks alone do not count.
+        if (field && afterField && !out.isEmpty())
+            return out.trimmed().isEmpty() ? QString() : out;
+        if (field)
+            afterField = true;
+        else if (afterField && (quoted || !c.isLetter()))
+            out += c;
+    }
+    return {};
+}
+
+} // namespace
+
+TimeSeparators timeSeparators(const QLocale& locale)
+{
+    // The C locale is no regional setting: it keeps "/" and ":".
+    TimeSeparators sep;
+    if (locale.language() == QLocale::C)
+        return sep;
+    if (QString d = separatorIn(locale.dateFormat(QLocale::ShortFormat), u"dMy"); !d.isEmpty())
+        sep.date = d;
+    if (QString t = separatorIn(locale.timeFormat(QLocale::ShortFormat), u"hHms"); !t.isEmpty())
+        sep.time = t;
+    return sep;
+}
+
+const TimeSeparators& defaultTimeSeparators()
+{
+    // Grids format many cells: a locale comparison is cheaper than reading its formats.
+    thread_local QLocale cachedFor = QLocale::c();
+    thread_local TimeSeparators cached = timeSeparators(cachedFor);
+    const QLocale now;
+    if (now != cachedFor) {
+        cachedFor = now;
+        cached = timeSeparators(now);
+    }
+    return cached;
+}
+
+QString formatRecordTime(const QDateTime& when, const TimeSeparators& sep)
 {
     if (!when.isValid())
         return {};
     const QDate date = when.date();
     const QTime time = when.time();
-    return formatRecordTime(date.year(), date.month(), date.day(), time.hour(), time.minute());
+    return formatRecordTime(date.year(), date.month(), date.day(), time.hour(), time.minute(), sep);
 }
 
-QString formatRecordTime(int year, int month, int day, int hour, int minute)
+QString formatRecordTime(int year, int month, int day, int hour, int minute,
+                         const TimeSeparators& sep)
 {
     QString out;
     out.reserve(18);
     appendTwoDigits(out, day);
-    out += u'/';
+    out += sep.date;
     appendTwoDigits(out, month);
-    out += u'/';
+    out += sep.date;
     if (year >= 0 && year <= 9999) {
         appendTwoDigits(out, year / 100);
         appendTwoDigits(out, year % 100);
@@ -174,7 +237,7 @@ QString formatRecordTime(int year, int month, int day, int hour, int minute)
     }
     out += u" - ";
     appendTwoDigits(out, hour);
-    out += u':';
+    out += sep.time;
     appendTwoDigits(out, minute);
     return out;
 }

@@ -1,3 +1,3 @@
 target_sources(sxgui PRIVATE
-    ${CMAKE_CURRENT_LIST_DIR}/PlaceholderView.h ${CMAKE_CURRENT_LIST_DIR}/PlaceholderView.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/SecondaryViews.h ${CMAKE_CURRENT_LIST_DIR}/SecondaryViews.cpp
 )

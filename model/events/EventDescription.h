@@ -22,9 +22,9 @@
 //   outgoing-call text ends at "ΚΛΗΣΗ"); any other number than 5 is named as
 //   it is, 0 and negatives included. b other than 1, missing or unreadable, adds
 //   nothing. Fields after the second are ignored.
-// - Bypass (25): o other than 0 or 1, missing or unreadable, is this console
-//   (the text's "any other value"). An unreadable or missing p or h is shown as
-//   stored (possibly empty); a p outside 1 to 20 has no name. Extra fields are ignored.
+// - Bypass (25): o other than 0 or 1, missing or unreadable, is this console.
+//   An unreadable or missing p or h is shown as stored (possibly empty); a p
+//   outside 1 to 20 has no name. Extra fields are ignored.
 // - Mains power (21): only the low eight bits of the condition are read.
 // - A source outside 1 to 25 gives the empty text in the normal colour.
 namespace sx::events {

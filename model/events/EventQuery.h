@@ -4,9 +4,9 @@
 
 #include <QString>
 
-// The queries of the events archive. Access and Oracle get the historical
-// texts character for character; SQLite and PostgreSQL the same SQL, with the
-// date range in their stored form (sqlDateRange).
+// The queries of the events archive. Access and Oracle get exactly the texts
+// their drivers were written against; SQLite and PostgreSQL the same SQL, with
+// the date range in their stored form (sqlDateRange).
 namespace sx::events {
 
 // Source codes of the source list besides Event_EventSource 1 to 25.

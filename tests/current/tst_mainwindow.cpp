@@ -5,6 +5,7 @@
 #include "app/Twips.h"
 #include "app/UnitList.h"
 #include "model/Formatting.h"
+#include "views/SecondaryViews.h"
 #include "views/current/CurrentCondition.h"
 #include "views/current/MainWindow.h"
 

@@ -101,7 +101,11 @@ private slots:
             << point(10, u"Α"_s, 17, -0.04, 0, 0) << u"[10] Α    0.0 ppm"_s;
         QTest::newRow("unknown type, no unit")
             << point(11, u"Α"_s, 21, 12.25, 0, 0) << u"[11] Α    12.3"_s;
-        QTest::newRow("missing type") << point(12, u"Α"_s, none, 7.0, 0, 0) << u"[12] Α    7.0"_s;
+        // As on screen: a missing type is type 0.
+        QTest::newRow("missing type")
+            << point(12, u"Α"_s, none, 7.0, 0, 0) << u"[12] Α    7.0 \u00B0C"_s;
+        QTest::newRow("type beyond 16 bits, no unit")
+            << point(12, u"Α"_s, 65536, 7.0, 0, 0) << u"[12] Α    7.0"_s;
         QTest::newRow("missing analogue value")
             << point(13, u"Α"_s, 0, OptReal(), 1, 0) << u"[13] Α     !"_s;
         PointLine renumbered = point(2, u"Α"_s, 0, 1.0, 0, 0);

@@ -3,6 +3,7 @@
 #include "app/Colors.h"
 #include "app/UnitList.h"
 #include "app/WaitWindow.h"
+#include "views/SecondaryViews.h"
 #include "views/events/EventsModel.h"
 #include "views/events/EventsWindow.h"
 #include "views/records/RecordsWindow.h"

@@ -144,6 +144,32 @@ private slots:
         QCOMPARE(sx::formatRecordTime(QDateTime()), QString());
     }
 
+    void recordTimeTakesTheLocalesSeparators_data()
+    {
+        QTest::addColumn<QLocale>("locale");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("Greek keeps / and :")
+            << QLocale(QLocale::Greek, QLocale::Greece) << u"16/11/2026 - 22:05"_s;
+        QTest::newRow("German dots")
+            << QLocale(QLocale::German, QLocale::Germany) << u"16.11.2026 - 22:05"_s;
+        QTest::newRow("Finnish dots in the time too")
+            << QLocale(QLocale::Finnish, QLocale::Finland) << u"16.11.2026 - 22.05"_s;
+        QTest::newRow("Swedish hyphens")
+            << QLocale(QLocale::Swedish, QLocale::Sweden) << u"16-11-2026 - 22:05"_s;
+    }
+    void recordTimeTakesTheLocalesSeparators()
+    {
+        QFETCH(QLocale, locale);
+        QFETCH(QString, expected);
+        QCOMPARE(sx::formatRecordTime(2026, 11, 16, 22, 5, sx::timeSeparators(locale)), expected);
+        // Grids and reports follow the default locale, also when it changes.
+        const QLocale before;
+        QLocale::setDefault(locale);
+        const QString got = sx::formatRecordTime(at(2026, 11, 16, 22, 5));
+        QLocale::setDefault(before);
+        QCOMPARE(got, expected);
+    }
+
     void unitVersionNumber()
     {
         const QStringList texts{QString(),        u"1"_s,           u"1.2.3"_s,

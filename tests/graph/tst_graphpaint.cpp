@@ -134,6 +134,28 @@ private slots:
             QCOMPARE(plan.pages, c.pages);
         }
     }
+    void chartPageStartsAtTheTopLeft()
+    {
+        // A page much wider than the layout: the chart stays at the left edge.
+        const std::vector<RecordPoint> none;
+        ChartPrintInput in;
+        in.data = {&none, 0, 0, GraphView{0, 100, 0.0f, 10.0f}, {}, {}};
+        in.unitRect = QRect(0, 0, 60, 418);
+        in.chartRect = QRect(60, 9, 800, 400);
+        in.timeRect = QRect(51, 410, 818, 130);
+        in.details = {{u"Mονάδα μέτρησης: °C"_s, Qt::black}};
+        QImage page = whiteImage(4000, 700);
+        double scale = 0;
+        {
+            QPainter p(&page);
+            scale = paintChartPage(p, page.size(), in);
+        }
+        const QRect box = inkBox(page);
+        QVERIFY(scale > 0.5 && scale < 1.5);
+        QVERIFY2(box.left() < 60 * scale && box.top() < 20 * scale,
+                 qPrintable(u"%1,%2"_s.arg(box.left()).arg(box.top())));
+        QVERIFY2(box.right() <= 869 * scale + 2, qPrintable(QString::number(box.right())));
+    }
     void plainNumbers()
     {
         QCOMPARE(plainNumber(23.5), u"23.5"_s);

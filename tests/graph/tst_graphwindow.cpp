@@ -1,5 +1,7 @@
+#include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "RecordsSeed.h"
+#include "ScrollBarPart.h"
 #include "app/UnitList.h"
 #include "model/graph/GraphRules.h"
 #include "views/graph/GraphWindow.h"
@@ -326,15 +328,36 @@ private slots:
                  full.startSecs + qint64(full.spanMinutes) * 60);
 
         // Values 1 to 5 in a range of 0 to 10, zoomed to 1 to 5: the bar's top is
-        // the top of the values, one step up lifts the view by one.
-        QCOMPARE(g->vScroll()->maximum(), 6);
-        QCOMPARE(g->vScroll()->value(), 1);
-        g->vScroll()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
-        QCOMPARE(g->state().view.bottom, 2.0f);
-        QCOMPARE(g->state().view.top, 6.0f);
-        g->vScroll()->triggerAction(QAbstractSlider::SliderToMinimum);
-        QCOMPARE(g->state().view.bottom, 0.0f);
-        QCOMPARE(g->state().view.top, 4.0f);
+        // the top of the values; the top arrow and the trough above the handle
+        // lift the view, the bottom arrow and the trough below lower it.
+        QScrollBar* bar = g->vScroll();
+        QCOMPARE(bar->maximum(), 6);
+        QCOMPARE(bar->value(), 5);
+        const struct {
+            QStyle::SubControl part;
+            float bottom;
+        } presses[] = {{QStyle::SC_ScrollBarSubLine, 2}, {QStyle::SC_ScrollBarSubPage, 3},
+                       {QStyle::SC_ScrollBarAddLine, 2}, {QStyle::SC_ScrollBarAddPage, 1},
+                       {QStyle::SC_ScrollBarAddLine, 0}, {QStyle::SC_ScrollBarAddLine, 0}};
+        for (const auto& press : presses) {
+            QTest::mouseClick(bar, Qt::LeftButton, {}, scrollBarPart(bar, press.part).center());
+            QCOMPARE(g->state().view.bottom, press.bottom);
+            QCOMPARE(g->state().view.top, press.bottom + 4.0f);
+        }
+    }
+    void doubleClickMarksOnePoint()
+    {
+        GraphWindow* g = openSeries();
+        QVERIFY(g);
+        const QPoint p = g->pixelOf({40.0, 15}).toPoint();
+        sendMove(g->chart(), p);
+        // Through the window, so the platform makes the double-click of two clicks.
+        QTest::mouseDClick(g->windowHandle(), Qt::LeftButton, {}, g->chart()->mapTo(g, p));
+        QCOMPARE(g->state().markers.size(), size_t(1));
+        QTest::mouseDClick(g->windowHandle(), Qt::LeftButton, {}, g->chart()->mapTo(g, p));
+        QCOMPARE(g->state().markers.size(), size_t(2));
+        QVERIFY(
+            g->markerList().startsWith(u"Χρόνος μαρκαρισμένου σημείου 2: 03/03/2026 - 06:40"_s));
     }
     void markersCycleColoursStopAt255AndAreDeleted()
     {
@@ -468,8 +491,8 @@ private:
         m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
         m_w->show();
         fillSystemSelect(*m_w, 0, false);
-        m_w->sensorSelect()->setCurrentIndex(zone);
-        m_w->monthSelect()->setCurrentIndex(month);
+        chooseItem(m_w->sensorSelect(), zone);
+        chooseItem(m_w->monthSelect(), month);
     }
     GraphWindow* openGraphOn(int first, int last)
     {

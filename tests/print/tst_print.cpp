@@ -147,6 +147,16 @@ private slots:
         QTest::newRow("character wider than the width still advances")
             << u"WWW"_s << QString() << u"W\r\nW\r\nW"_s << 3;
         QTest::newRow("empty") << QString() << QString() << QString() << 1;
+        QTest::newRow("two blanks stay inside a line")
+            << u"aaaa  aaaa aaaa"_s << u"aaaa  aaaa"_s << u"aaaa  aaaa\r\naaaa"_s << 2;
+        QTest::newRow("leading blank of a full line gives an empty line")
+            << u" xxxxxxxxxxxxxxx"_s << u"xxxxxxxxxx"_s << u"\r\nxxxxxxxxxx\r\nxxxxx"_s << 3;
+        QStringList many(300, u"aaaa"_s);
+        QStringList rows;
+        for (int i = 0; i < 300; i += 3)
+            rows << QStringList(many.mid(i, 3)).join(u' ');
+        QTest::newRow("a long paragraph, line after line")
+            << many.join(u' ') << u"aaaa aaaa aaaa"_s << rows.join(u"\r\n"_s) << 100;
     }
     void wrapToWidth()
     {

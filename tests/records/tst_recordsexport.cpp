@@ -1,3 +1,4 @@
+#include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "RecordsSeed.h"
 #include "app/UnitList.h"
@@ -308,10 +309,44 @@ private slots:
         QVERIFY(m_fx->dialogs.messages().isEmpty());
     }
 
+    void exportStopsAtTheSheetsLastRowAndSaysHowManyWereLeftOut_data()
+    {
+        QTest::addColumn<int>("sheetRows");
+        QTest::addColumn<int>("written");
+        QTest::newRow("four rows left out") << 3 << 2;
+        QTest::newRow("one left out") << 6 << 5;
+        QTest::newRow("all fit exactly") << 7 << 6;
+        QTest::newRow("a real sheet") << xlsx::kSheetRows << 6;
+    }
+    void exportStopsAtTheSheetsLastRowAndSaysHowManyWereLeftOut()
+    {
+        QFETCH(int, sheetRows);
+        QFETCH(int, written);
+        open();
+        m_w->setSheetRows(sheetRows);
+        m_w->selectRows(0, 5, 0);
+        const QString target = m_fx->scratch.folder() + u"/limit.xlsx"_s;
+        m_fx->dialogs.answerFile(target);
+        m_w->saveRecords();
+        const QJsonObject cells = readBack(target)[u"cells"].toObject();
+        const QString last = u"A%1"_s.arg(written + 1);
+        QCOMPARE(cells[last].toArray().at(0).toString(), m_w->model()->dateText(written - 1));
+        QVERIFY(!cells.contains(u"A%1"_s.arg(written + 2)));
+        const auto shown = m_fx->dialogs.messages();
+        QCOMPARE(shown.size(), written < 6 ? 1 : 0);
+        if (written < 6) {
+            QCOMPARE(shown[0].icon, DialogService::Icon::Exclamation);
+            QCOMPARE(shown[0].text, xlsx::leftOutMessage(written, 6 - written));
+            QVERIFY(shown[0].text.contains(u"οι υπόλοιπες %1 δεν"_s.arg(6 - written)));
+        }
+        // The real sheet: one more than its rows less the heading does not fit.
+        QCOMPARE(xlsx::recordsThatFit(1'048'576), 1'048'575);
+    }
+
     void contactZoneLeavesTheLimitCellsEmpty()
     {
         open();
-        m_w->sensorSelect()->setCurrentIndex(1);
+        chooseItem(m_w->sensorSelect(), 1);
         QCOMPARE(m_w->model()->rowCount(), 1);
         const QString target = m_fx->scratch.folder() + u"/contact.xlsx"_s;
         m_fx->dialogs.answerFile(target);

@@ -1,3 +1,4 @@
+#include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "RecordsSeed.h"
 #include "app/Colors.h"
@@ -180,7 +181,7 @@ private slots:
 
         fillSystemSelect(*m_w, 0, false);
         QCOMPARE(m_w->queriesRun(), 2); // the zone list, then the first zone's records
-        m_w->monthSelect()->setCurrentIndex(1);
+        chooseItem(m_w->monthSelect(), 1);
         QCOMPARE(m_w->queriesRun(), 3);
         QVERIFY(m_fx->dialogs.shown().isEmpty());
     }
@@ -235,7 +236,7 @@ private slots:
     void contactZoneShowsStatesAndNoLimits()
     {
         open();
-        m_w->sensorSelect()->setCurrentIndex(1);
+        chooseItem(m_w->sensorSelect(), 1);
         RecordsModel* model = m_w->model();
         QCOMPARE(model->rowCount(), 3);
         for (int r = 0; r < 3; ++r) {
@@ -247,6 +248,26 @@ private slots:
         const auto shared = m_fx->ctx.loadedRecords;
         QVERIFY(shared->minLimitText.isEmpty() && shared->maxLimitText.isEmpty());
         QCOMPARE(shared->records.size(), size_t(3));
+    }
+
+    void choosingTheShownEntryAgainFetchesNewRecords_data()
+    {
+        QTest::addColumn<int>("list"); // 0 zone, 1 month, 2 year
+        QTest::newRow("zone") << 0;
+        QTest::newRow("month") << 1;
+        QTest::newRow("year") << 2;
+    }
+    void choosingTheShownEntryAgainFetchesNewRecords()
+    {
+        QFETCH(int, list);
+        open();
+        QCOMPARE(m_w->model()->rowCount(), 6);
+        RecordsSeed s(m_fx->db);
+        QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 14:00:00"_s, 21, 0, 106));
+        QComboBox* lists[] = {m_w->sensorSelect(), m_w->monthSelect(), m_w->yearSelect()};
+        chooseItem(lists[list], lists[list]->currentIndex());
+        QCOMPARE(m_w->model()->rowCount(), 7);
+        QCOMPARE(m_w->model()->dateText(0), u"02/03/2026 - 14:00"_s);
     }
 
     void unitWithoutZonesDisablesTheListsSilently()
@@ -275,13 +296,13 @@ private slots:
         open();
         const auto before = m_fx->ctx.loadedRecords;
         QCOMPARE(before->records.size(), size_t(6));
-        m_w->monthSelect()->setCurrentIndex(1);
+        chooseItem(m_w->monthSelect(), 1);
         QCOMPARE(m_w->model()->rowCount(), 0);
         QCOMPARE(commandsOn(*m_w), 0);
         QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
         QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(6));
         QVERIFY(m_fx->dialogs.shown().isEmpty());
-        m_w->monthSelect()->setCurrentIndex(2);
+        chooseItem(m_w->monthSelect(), 2);
         QCOMPARE(m_w->model()->rowCount(), 6);
         QVERIFY(m_w->saveAction()->isEnabled());
     }
@@ -298,12 +319,12 @@ private slots:
             QVERIFY(s.record(u"C-300"_s, 3, times[i], i, 0, i + 1));
         open(2);
         QCOMPARE(m_w->sensorSelect()->currentText(), u"[3] Γ"_s);
-        m_w->yearSelect()->setCurrentIndex(25);
-        m_w->monthSelect()->setCurrentIndex(11);
+        chooseItem(m_w->yearSelect(), 25);
+        chooseItem(m_w->monthSelect(), 11);
         QCOMPARE(m_w->model()->rowCount(), 2);
         QCOMPARE(m_w->model()->dateText(0), u"31/12/2025 - 23:59"_s);
         QCOMPARE(m_w->model()->dateText(1), u"01/12/2025 - 00:00"_s);
-        m_w->monthSelect()->setCurrentIndex(12);
+        chooseItem(m_w->monthSelect(), 12);
         QCOMPARE(m_w->model()->rowCount(), 4);
         QCOMPARE(m_w->model()->dateText(3), u"01/01/2025 - 00:00"_s);
     }
@@ -327,7 +348,7 @@ private slots:
         QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
 
         // Nothing shown: the action selects nothing.
-        m_w->monthSelect()->setCurrentIndex(1);
+        chooseItem(m_w->monthSelect(), 1);
         QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
         QTest::mouseClick(corner, Qt::LeftButton);
         QVERIFY(grid->selectionModel()->selection().isEmpty());
@@ -393,7 +414,7 @@ private slots:
         m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
         m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
         QVERIFY(m_fx->exec(u"ALTER TABLE Records RENAME TO Records_away"_s));
-        m_w->monthSelect()->setCurrentIndex(12);
+        chooseItem(m_w->monthSelect(), 12);
         QCOMPARE(m_fx->dialogs.messages().size(), 1);
         QCOMPARE(m_fx->dialogs.messages()[0].icon, DialogService::Icon::Critical);
         QVERIFY(m_w->isEnabled() && !waitWindowShown());
@@ -403,7 +424,7 @@ private slots:
 
         // The table is back: the next selection loads, and a later failure is news again.
         QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
-        m_w->monthSelect()->setCurrentIndex(2);
+        chooseItem(m_w->monthSelect(), 2);
         QCOMPARE(m_w->model()->rowCount(), 6);
         QVERIFY(m_w->saveAction()->isEnabled());
         QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));

@@ -57,7 +57,7 @@ DbError readPoints(Database& db, const QString& serial, const QLocale& locale, Q
         const bool found = detail.next();
         if (!detail.ok())
             return detail.error();
-        const int type = static_cast<int>(list.integer(cType).value_or(0));
+        const int type = sensorTypeCode(list.integer(cType));
         PointRow row;
         // Without a current-condition row every field of it is missing, so the
         // point reads as not powered ("ΕΚΤΟΣ Λ.") and the label keeps its own number.

@@ -5,7 +5,6 @@
 #include "model/Formatting.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -49,10 +48,7 @@ QString pointText(const PointLine& p)
     if (p.notPowered.value_or(1) != 0)
         return label + u"ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s;
     QString reading;
-    const int type = p.type && *p.type >= std::numeric_limits<int>::min() &&
-                             *p.type <= std::numeric_limits<int>::max()
-                         ? static_cast<int>(*p.type)
-                         : -1;
+    const int type = sensorTypeCode(p.type);
     if (type == ContactSensorType)
         reading = p.value.value_or(0) > 0 ? u"ΚΛΕΙΣΤΗ"_s : u"ΑΝΟΙΧΤΗ"_s;
     else if (p.value)

@@ -13,7 +13,7 @@ namespace sx {
 
 struct CurrentCondition;
 
-// Mainfrm, the current condition of one unit: the points and power grids, the
+// The current condition of one unit: the points and power grids, the
 // connection, fault and clock labels, the three command buttons, refreshed on
 // selection and then 10 s after the end of each refresh (also while hidden).
 class MainWindow : public ViewWindow, public CommandHost {

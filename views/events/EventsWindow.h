@@ -18,7 +18,7 @@ namespace sx {
 class EventsModel;
 class RecordsGrid;
 
-// Eventsfrm, "Αρχείο συμβάντων": the events of a unit (or of all units) by
+// "Αρχείο συμβάντων": the events of a unit (or of all units) by
 // source, alarm or restoration, new or all, month or year; newest first, with
 // read/new marking of the selected rows and the printed report.
 class EventsWindow : public ViewWindow {

@@ -43,8 +43,8 @@ double paintChartPage(QPainter& p, QSizeF printable, const ChartPrintInput& in)
         std::min(printable.width() / layout.width(), printable.height() / layout.height());
 
     p.save();
-    // Centred across the page, from its top.
-    p.translate((printable.width() - layout.width() * scale) / 2.0, 0.0);
+    // Every picture keeps its place relative to the top left of the layout,
+    // which is the top left of the printable area.
     p.scale(scale, scale);
     p.translate(-layout.topLeft());
     inPicture(p, in.unitRect, [&] { paintValueLabels(p, in.unitRect.size(), in.data.view); });

@@ -197,8 +197,16 @@ void ChartView::mouseMoveEvent(QMouseEvent* event)
 
 void ChartView::mouseReleaseEvent(QMouseEvent* event)
 {
+    const bool click = !m_doubleClicked && rect().contains(event->position().toPoint());
+    m_doubleClicked = false;
     if (onRelease)
-        onRelease(event->button(), event->position(), rect().contains(event->position().toPoint()));
+        onRelease(event->button(), event->position(), click);
+}
+
+void ChartView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    m_doubleClicked = true;
+    event->accept();
 }
 
 } // namespace graph
@@ -260,16 +268,13 @@ void GraphWindow::build()
     m_hScroll->setObjectName(u"HScroll1"_s);
     m_vScroll = new QScrollBar(Qt::Vertical, area);
     m_vScroll->setObjectName(u"VScroll1"_s);
-    // The top of the bar is the top of the value range.
-    m_vScroll->setInvertedAppearance(true);
-    m_vScroll->setInvertedControls(false);
     connect(m_hScroll, &QScrollBar::valueChanged, this, &GraphWindow::hScrolled);
     connect(m_vScroll, &QScrollBar::valueChanged, this, &GraphWindow::vScrolled);
     m_chart->onPress = [this](Qt::MouseButton b, QPointF px) { mouseDown(b, chartPoint(px)); };
     m_chart->onMove = [this](QPointF px) { mouseMove(chartPoint(px)); };
-    m_chart->onRelease = [this](Qt::MouseButton b, QPointF px, bool inside) {
+    m_chart->onRelease = [this](Qt::MouseButton b, QPointF px, bool isClick) {
         mouseUp(b, chartPoint(px));
-        if (inside)
+        if (isClick)
             click();
     };
     top->addWidget(area, 1);
@@ -435,11 +440,14 @@ void GraphWindow::updateScrollBars()
     m_hScroll->setValue(h.value);
     m_state.scrollFactor = h.factor;
     m_state.hScrollLast = static_cast<qint16>(m_hScroll->value());
+    // The top of the bar is the top of the value range. Qt's top arrow and the
+    // trough above the handle always lower the value, so the bar holds the
+    // distance from the top: its value is the range less the view's bottom.
     const VScrollBar v = verticalScrollBar(m_state);
-    m_vScroll->setRange(v.maximum, v.minimum);
+    m_vScroll->setRange(0, v.minimum - v.maximum);
     m_vScroll->setPageStep(v.largeChange);
     m_vScroll->setSingleStep(1);
-    m_vScroll->setValue(v.value);
+    m_vScroll->setValue(v.minimum - v.value);
     m_state.scrollUpdating = false;
 }
 
@@ -462,7 +470,7 @@ void GraphWindow::vScrolled(int value)
 {
     if (m_state.scrollUpdating)
         return;
-    showView(scrolledVertically(m_state, value));
+    showView(scrolledVertically(m_state, m_vScroll->maximum() - value));
 }
 
 void GraphWindow::readoutAt(double x)

@@ -54,13 +54,17 @@ public:
 
     std::function<void(Qt::MouseButton, QPointF)> onPress;
     std::function<void(QPointF)> onMove;
-    std::function<void(Qt::MouseButton, QPointF, bool inside)> onRelease;
+    // `click`: released over the chart, and not the end of a double-click.
+    std::function<void(Qt::MouseButton, QPointF, bool click)> onRelease;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    // The second press of a double-click has already been handled as a press;
+    // its release is no click, so a double-click marks one point, not two.
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
     [[nodiscard]] QRect cursorRect() const;
@@ -70,11 +74,12 @@ private:
     double m_cursorTop = 0;
     double m_cursorBottom = 0;
     std::optional<QRectF> m_band;
+    bool m_doubleClicked = false;
 };
 
 } // namespace graph
 
-// GraphFrm: the selected records as a time/value chart, with a cursor
+// The selected records as a time/value chart, with a cursor
 // readout, drag zoom and right-button zoom-out, scrolling, numbered markers
 // and printing of the chart or of the marked points. Modal over the records
 // window; the records it shows are shared with that window, never copied.

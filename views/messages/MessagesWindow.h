@@ -9,7 +9,7 @@ class QPushButton;
 
 namespace sx {
 
-// Msgsfrm: the new messages or the message archive of every unit, as one
+// The new messages or the message archive of every unit, as one
 // read-only text. Opens on the new messages; the text is rebuilt only on
 // opening, by the two list buttons and before printing.
 class MessagesWindow : public ViewWindow {

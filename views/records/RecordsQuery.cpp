@@ -58,7 +58,7 @@ QList<ZoneEntry> readZones(Database& db, const QString& serial, DbError* error)
     }
     if (error)
         *error = r.error();
-    // Ordered here, as the original record set was sorted on the client.
+    // Ordered here rather than in SQL, so every database kind gives the same order.
     std::stable_sort(zones.begin(), zones.end(),
                      [](const ZoneEntry& a, const ZoneEntry& b) { return a.number < b.number; });
     return zones;
@@ -89,7 +89,7 @@ ZoneLimits zoneLimits(const ZoneEntry& zone, const QLocale& locale)
 
 QStringList monthNames()
 {
-    // The third without its accent, as the console has always listed it.
+    // The third is written without its accent: workbooks and reports carry this text.
     return {u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s,   u"Απρίλιος"_s,    u"Μάιος"_s,
             u"Ιούνιος"_s,    u"Ιούλιος"_s,     u"Αύγουστος"_s, u"Σεπτέμβριος"_s, u"Οκτώβριος"_s,
             u"Νοέμβριος"_s,  u"Δεκέμβριος"_s,  u"ΟΛΟΙ"_s};

@@ -281,9 +281,11 @@ void RecordsWindow::buildRecordsFrame(QWidget* central)
     m_baseFrame = m_recordsFrame->size();
     m_baseGrid = m_grid->size();
 
-    connect(m_sensorSelect, &QComboBox::currentIndexChanged, this, [this] { zoneSelected(); });
-    connect(m_monthSelect, &QComboBox::currentIndexChanged, this, [this] { periodSelected(); });
-    connect(m_yearSelect, &QComboBox::currentIndexChanged, this, [this] { periodSelected(); });
+    // Every choice reloads, the one already shown too: operators pick it again
+    // to fetch what was logged since. Where the program sets a list it loads itself.
+    connect(m_sensorSelect, &QComboBox::activated, this, [this] { zoneSelected(); });
+    connect(m_monthSelect, &QComboBox::activated, this, [this] { periodSelected(); });
+    connect(m_yearSelect, &QComboBox::activated, this, [this] { periodSelected(); });
 }
 
 void RecordsWindow::resizeEvent(QResizeEvent* event)
@@ -556,7 +558,8 @@ void RecordsWindow::saveRecords()
     xlsx::SheetFill fill;
     fill.heading = {unitText(), zoneText(), monthText() + u'/' + yearText(), maxLimitCaption(),
                     minLimitCaption()};
-    fill.rowCount = first < 0 ? 0 : last - first + 1;
+    const int selected = first < 0 ? 0 : last - first + 1;
+    fill.rowCount = xlsx::recordsThatFit(selected, m_sheetRows);
     fill.dateText = [this, row = first](int i) { return m_model->dateText(row + i); };
     fill.readingText = [this, row = first](int i) { return m_model->readingText(row + i); };
 
@@ -569,6 +572,9 @@ void RecordsWindow::saveRecords()
     const QString message = xlsx::statusMessage(status, m_templatePath);
     if (!message.isEmpty())
         ctx.dialogs->message(this, DialogService::Icon::Critical, appTitle(), message);
+    else if (status == xlsx::ExportStatus::Written && fill.rowCount < selected)
+        ctx.dialogs->message(this, DialogService::Icon::Exclamation, appTitle(),
+                             xlsx::leftOutMessage(fill.rowCount, selected - fill.rowCount));
 }
 
 void RecordsWindow::printRecords()

@@ -2,6 +2,7 @@
 
 #include "app/ViewWindow.h"
 #include "views/records/RecordsQuery.h"
+#include "views/records/XlsxExport.h"
 
 #include <QHeaderView>
 #include <QTableView>
@@ -42,7 +43,7 @@ private:
     bool m_highlight = false;
 };
 
-// Recordsfrm, "Αρχείο καταγραφών": the values one zone of a unit logged in a
+// "Αρχείο καταγραφών": the values one zone of a unit logged in a
 // month or a year, newest first, coloured by the zone's limits; the limits;
 // the graph button; save to a workbook and print from the management menu.
 class RecordsWindow : public ViewWindow {
@@ -94,6 +95,8 @@ public:
     // TEMPLATEv2.xlsx beside the program unless set otherwise.
     [[nodiscard]] QString templatePath() const { return m_templatePath; }
     void setTemplatePath(const QString& path) { m_templatePath = path; }
+    // The rows of a worksheet; smaller in tests, so the limit is reached quickly.
+    void setSheetRows(int rows) { m_sheetRows = rows; }
 
 signals:
     // GraphBut pressed: the graph view takes the selected rows from here.
@@ -127,6 +130,7 @@ private:
     QSize m_baseGrid;
     QList<records::ZoneEntry> m_zones;
     QString m_templatePath;
+    int m_sheetRows = xlsx::kSheetRows;
     bool m_loading = false;
     int m_queries = 0;
 };

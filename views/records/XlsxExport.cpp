@@ -253,7 +253,7 @@ struct GeneratedCell {
 class SheetWriter {
 public:
     SheetWriter(QIODevice& out, const SheetFill& fill)
-        : m_out(out), m_fill(fill), m_lastDataRow(kFirstDataRow - 1 + std::max(0, fill.rowCount))
+        : m_out(out), m_fill(fill), m_lastDataRow(kFirstDataRow - 1 + recordsThatFit(fill.rowCount))
     {
         m_buffer.open(QIODevice::WriteOnly);
         m_w.setDevice(&m_buffer);
@@ -515,6 +515,19 @@ bool fillSheetXml(const QByteArray& templateSheet, QIODevice& out, const SheetFi
         return false;
     SheetWriter writer(out, fill);
     return writer.run(templateSheet, maxRow, maxCol);
+}
+
+int recordsThatFit(int rowCount, int sheetRows)
+{
+    return std::clamp(rowCount, 0, std::max(0, sheetRows - kFirstDataRow + 1));
+}
+
+QString leftOutMessage(int written, int leftOut)
+{
+    return u"Ένα φύλλο εργασίας του Excel χωράει έως "_s + QString::number(written) +
+           u" καταγραφές.\r\nΑποθηκεύτηκαν οι πρώτες "_s + QString::number(written) +
+           u" καταγραφές της επιλογής· οι υπόλοιπες "_s + QString::number(leftOut) +
+           u" δεν αποθηκεύτηκαν."_s;
 }
 
 QString statusMessage(ExportStatus status, const QString& templatePath)

@@ -34,6 +34,16 @@ struct SheetFill {
     std::function<QString(int)> readingText;
 };
 
+// A worksheet has 1,048,576 rows and the records start at row 2. An export of
+// more records than fit stops at the sheet's last row and the user hears how
+// many were left out: one sheet keeps the workbook as the template shapes it
+// (its heading beside the first rows), which a second sheet would not.
+inline constexpr int kSheetRows = 1048576;
+// How many of rowCount records a sheet of sheetRows rows takes.
+[[nodiscard]] int recordsThatFit(int rowCount, int sheetRows = kSheetRows);
+// The notice after an export that left records out.
+[[nodiscard]] QString leftOutMessage(int written, int leftOut);
+
 // Copies the template's first worksheet XML to `out` with the fill merged in:
 // every other cell, row attribute and element of the template stays as it was.
 // false when the XML cannot be read as a worksheet.
