@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QPrinter>
 
 #include <algorithm>
 #include <cstdio>
