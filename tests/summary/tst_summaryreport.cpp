@@ -98,10 +98,14 @@ private slots:
     void previewShowsThePagesPrinted()
     {
         int previewPages = -1;
-        QTimer::singleShot(0, this, [&] {
+        QTimer::singleShot(200, this, [&] {
             for (QWidget* w : QApplication::topLevelWidgets()) {
                 if (auto* dialog = qobject_cast<QPrintPreviewDialog*>(w)) {
                     previewPages = dialog->findChild<QPrintPreviewWidget*>()->pageCount();
+                    // For a look by eye: SX_PREVIEW_SHOT=file.png keeps a picture of it.
+                    if (const QString shot = qEnvironmentVariable("SX_PREVIEW_SHOT");
+                        !shot.isEmpty())
+                        dialog->grab().save(shot);
                     dialog->reject();
                 }
             }
