@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class QWidget;
@@ -30,8 +31,7 @@ public:
 
     // A one-line input box; nothing when cancelled.
     virtual std::optional<QString> inputText(QWidget* parent, const QString& title,
-                                             const QString& prompt,
-                                             const QString& defaultText) = 0;
+                                             const QString& prompt, const QString& defaultText) = 0;
 
     // The masked code prompt (Passwordfrm); nothing when cancelled or closed.
     virtual std::optional<QString> codePrompt(QWidget* parent, const QString& title,
@@ -51,6 +51,11 @@ public:
 
     // The system print dialog on `printer`; false when cancelled.
     virtual bool printDialog(QWidget* parent, QPrinter& printer) = 0;
+
+    // The print preview of a report on `printer`: `paint` draws the pages whenever the
+    // preview asks, and again on the printer chosen when the user prints from it.
+    virtual void printPreview(QWidget* parent, QPrinter& printer,
+                              const std::function<void(QPrinter&)>& paint) = 0;
 
     // The settings dialog (GeneralSettingsFrm); true when its values were accepted and saved.
     virtual bool settingsDialog(QWidget* parent) = 0;

@@ -8,6 +8,8 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -121,6 +123,18 @@ bool WidgetDialogService::printDialog(QWidget* parent, QPrinter& printer)
 {
     QPrintDialog dialog(&printer, parent);
     return dialog.exec() == QDialog::Accepted;
+}
+
+void WidgetDialogService::printPreview(QWidget* parent, QPrinter& printer,
+                                       const std::function<void(QPrinter&)>& paint)
+{
+    QPrintPreviewDialog dialog(&printer, parent);
+    dialog.setWindowTitle(u"Προεπισκόπηση εκτύπωσης"_s);
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+                     [&paint](QPrinter* target) { paint(*target); });
+    // Large enough to read a whole A4 page.
+    dialog.resize(900, 1000);
+    dialog.exec();
 }
 
 bool WidgetDialogService::settingsDialog(QWidget* parent)

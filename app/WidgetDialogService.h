@@ -29,6 +29,8 @@ public:
     QString saveFileName(QWidget* parent, const QString& title, const QString& filter,
                          const QString& proposed) override;
     bool printDialog(QWidget* parent, QPrinter& printer) override;
+    void printPreview(QWidget* parent, QPrinter& printer,
+                      const std::function<void(QPrinter&)>& paint) override;
     bool settingsDialog(QWidget* parent) override;
 
 private:

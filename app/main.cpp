@@ -5,6 +5,7 @@
 #include "app/Startup.h"
 #include "app/Twips.h"
 #include "app/WidgetDialogService.h"
+#include "app/cli/ReportCommand.h"
 #include "model/Database.h"
 #include "views/SecondaryViews.h"
 #include "views/current/MainWindow.h"
@@ -14,6 +15,10 @@
 int main(int argc, char** argv)
 {
     using namespace sx;
+
+    // A report from the command line: no window, no single-copy lock.
+    if (cli::isReportCommand(argc, argv))
+        return cli::reportMain(argc, argv);
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(appTitle());

@@ -15,4 +15,10 @@ target_sources(sxgui PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/AppActions.h
     ${CMAKE_CURRENT_LIST_DIR}/ChoosePrinter.h ${CMAKE_CURRENT_LIST_DIR}/ChoosePrinter.cpp
     ${CMAKE_CURRENT_LIST_DIR}/GeneralDelay.h ${CMAKE_CURRENT_LIST_DIR}/GeneralDelay.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/PrintPreview.h ${CMAKE_CURRENT_LIST_DIR}/PrintPreview.cpp
+)
+# `sentorax-monitor report ...`: reports without a window.
+target_sources(sxgui PRIVATE
+    ${CMAKE_CURRENT_LIST_DIR}/cli/ReportOptions.h ${CMAKE_CURRENT_LIST_DIR}/cli/ReportOptions.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/cli/ReportCommand.h ${CMAKE_CURRENT_LIST_DIR}/cli/ReportCommand.cpp
 )

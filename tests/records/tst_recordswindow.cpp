@@ -136,7 +136,9 @@ private slots:
         for (QAction* a : manage->actions())
             items << (a->isSeparator() ? u"-"_s : a->text());
         QCOMPARE(items, (QStringList{u"Αποθήκευση αρχείου καταγραφών"_s,
-                                     u"Εκτύπωση αρχείου καταγραφών"_s, u"-"_s, u"Έξοδος"_s}));
+                                     u"Εκτύπωση αρχείου καταγραφών"_s, u"-"_s, u"Έξοδος"_s, u"-"_s,
+                                     u"Σύνοψη μήνα"_s, u"Προεπισκόπηση αρχείου καταγραφών"_s,
+                                     u"Προεπισκόπηση σύνοψης μήνα"_s}));
 
         // The header texts with their blanks size the columns; both fit side by side.
         RecordsGrid* grid = m_w->grid();

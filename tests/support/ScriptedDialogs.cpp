@@ -37,14 +37,14 @@ int ScriptedDialogs::pendingAnswers() const
 {
     return static_cast<int>(m_messages.size() + m_inputs.size() + m_codes.size() +
                             m_selections.size() + m_files.size() + m_prints.size() +
-                            m_settings.size());
+                            m_settings.size() + m_previews.size());
 }
 
 DialogService::Answer ScriptedDialogs::message(QWidget*, Icon icon, const QString& title,
                                                const QString& text, Buttons buttons)
 {
     Shown s{u"message"_s, icon, buttons, title, text, {}, false};
-    Answer a = buttons == Buttons::Ok ? Answer::Ok
+    Answer a = buttons == Buttons::Ok      ? Answer::Ok
                : buttons == Buttons::YesNo ? Answer::No
                                            : Answer::Cancel;
     // A box with only OK needs no script.
@@ -84,9 +84,10 @@ std::optional<QString> ScriptedDialogs::codePrompt(QWidget*, const QString& titl
     return a;
 }
 
-std::optional<DialogService::Selection>
-ScriptedDialogs::selection(QWidget*, const QString& caption, const QString& label,
-                           const QStringList& first, const QStringList& second)
+std::optional<DialogService::Selection> ScriptedDialogs::selection(QWidget*, const QString& caption,
+                                                                   const QString& label,
+                                                                   const QStringList& first,
+                                                                   const QStringList& second)
 {
     QStringList items = first;
     if (!second.isEmpty())
@@ -141,6 +142,15 @@ bool ScriptedDialogs::printDialog(QWidget*, QPrinter& printer)
     }
     record(s);
     return accept;
+}
+
+void ScriptedDialogs::printPreview(QWidget*, QPrinter& printer,
+                                   const std::function<void(QPrinter&)>& paint)
+{
+    Shown s{u"preview"_s, Icon::None, Buttons::Ok, {}, {}, {}, m_previews.isEmpty()};
+    record(s);
+    if (!m_previews.isEmpty())
+        m_previews.takeFirst()(printer, paint);
 }
 
 bool ScriptedDialogs::settingsDialog(QWidget*)

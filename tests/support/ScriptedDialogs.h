@@ -16,7 +16,8 @@ namespace sx::test {
 class ScriptedDialogs : public DialogService {
 public:
     struct Shown {
-        QString kind; // "message", "input", "code", "selection", "open", "save", "print", "settings"
+        // "message", "input", "code", "selection", "open", "save", "print", "preview", "settings"
+        QString kind;
         Icon icon = Icon::None;
         Buttons buttons = Buttons::Ok;
         QString title;
@@ -37,6 +38,10 @@ public:
     {
         m_prints.append({accept, std::move(setup)});
     }
+    // The print preview: the hook plays the user's part with the printer and
+    // the drawing (e.g. draws into a PDF to count the pages).
+    using PreviewHook = std::function<void(QPrinter&, const std::function<void(QPrinter&)>&)>;
+    void answerPreview(PreviewHook hook) { m_previews << std::move(hook); }
     // The settings dialog: the hook plays the user's part and returns accepted.
     void answerSettings(std::function<bool()> hook) { m_settings << std::move(hook); }
 
@@ -63,6 +68,8 @@ public:
     QString saveFileName(QWidget* parent, const QString& title, const QString& filter,
                          const QString& proposed) override;
     bool printDialog(QWidget* parent, QPrinter& printer) override;
+    void printPreview(QWidget* parent, QPrinter& printer,
+                      const std::function<void(QPrinter&)>& paint) override;
     bool settingsDialog(QWidget* parent) override;
 
 private:
@@ -75,6 +82,7 @@ private:
     QStringList m_files;
     QList<QPair<bool, std::function<void(QPrinter&)>>> m_prints;
     QList<std::function<bool()>> m_settings;
+    QList<PreviewHook> m_previews;
     QList<Shown> m_shown;
 };
 

@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/DialogService.h"
+#include "app/PrintPreview.h"
 #include "app/QueryFailureReporter.h"
 #include "model/Dialect.h"
 #include "model/QueryHelpers.h"
@@ -160,29 +161,17 @@ DbError readReport(AppContext& ctx, const QString& serial, report::ReportData& d
 
 } // namespace
 
-void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& serial)
+DbError readCurrentReport(AppContext& ctx, const QString& serial, report::ReportData& data)
 {
-    if (!ctx.db)
-        return;
-    QPrinter printer(QPrinter::HighResolution);
-    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
-        return;
-
-    if (ctx.failures)
-        (void)ctx.failures->ensureConnection(FailureOrigin::User);
-    report::ReportData data;
     data.printedAt = ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime();
-    if (const DbError e = readReport(ctx, serial, data); e.isError()) {
-        if (ctx.failures)
-            ctx.failures->reportAction(e, parent);
-        return;
-    }
+    return readReport(ctx, serial, data);
+}
 
+bool drawCurrentReport(QPrinter& printer, const report::ReportData& data)
+{
     ReportPainter painter(printer);
-    if (!painter.isActive()) {
-        reportPrintFailed(ctx, parent);
-        return;
-    }
+    if (!painter.isActive())
+        return false;
     printBanner(painter, kBannerMm, kBannerMm, report::titleText());
     const report::PageLayout layout =
         report::placeLines(report::itemLines(report::bodyItems(data)), painter.currentY(),
@@ -197,23 +186,46 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
         return true;
     };
     for (const report::PlacedLine& line : layout.lines) {
-        if (!turnTo(line.page)) {
-            printer.abort();
-            reportPrintFailed(ctx, parent);
-            return;
-        }
+        if (!turnTo(line.page))
+            return false;
         painter.setCurrentX(kBodyOriginMm);
         painter.setCurrentY(line.y);
         painter.print(line.text);
     }
-    if (!turnTo(layout.endPage)) {
-        printer.abort();
-        reportPrintFailed(ctx, parent);
+    if (!turnTo(layout.endPage))
+        return false;
+    printBanner(painter, kBannerMm, layout.endY, report::endText());
+    return painter.end();
+}
+
+void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& serial,
+                           ReportOutput output)
+{
+    if (!ctx.db)
+        return;
+    report::ReportData data;
+    const auto read = [&] {
+        if (ctx.failures)
+            (void)ctx.failures->ensureConnection(FailureOrigin::User);
+        const DbError e = readCurrentReport(ctx, serial, data);
+        if (e.isError() && ctx.failures)
+            ctx.failures->reportAction(e, parent);
+        return !e.isError();
+    };
+    if (output == ReportOutput::Preview) {
+        // Read once: the preview draws its pages again whenever it is resized.
+        if (read())
+            runReport(ctx, parent, QPageLayout::Portrait, output,
+                      [&](QPrinter& printer) { return drawCurrentReport(printer, data); });
         return;
     }
-    printBanner(painter, kBannerMm, layout.endY, report::endText());
-    if (!painter.end())
+    QPrinter printer(QPrinter::HighResolution);
+    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait) || !read())
+        return;
+    if (!drawCurrentReport(printer, data)) {
+        printer.abort();
         reportPrintFailed(ctx, parent);
+    }
 }
 
 } // namespace sx

@@ -177,6 +177,12 @@ void MainWindow::buildMenus()
             [this] { printCurrentCondition(context(), this, selectedSerial()); });
     manage->addSeparator();
     addExitItem(manage);
+    manage->addSeparator();
+    QAction* preview = manage->addAction(u"Προεπισκόπηση τρέχουσας κατάστασης"_s);
+    preview->setObjectName(u"Previewcurrent"_s);
+    connect(preview, &QAction::triggered, this, [this] {
+        printCurrentCondition(context(), this, selectedSerial(), ReportOutput::Preview);
+    });
 
     QMenu* misc = menuBar()->addMenu(u"Διάφορα"_s);
     misc->setObjectName(u"Diafora"_s);

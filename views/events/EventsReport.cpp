@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
+#include "app/PrintPreview.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
 
@@ -105,19 +106,12 @@ void printPageHead(ReportPainter& painter, const QString& choices, int page, int
 
 } // namespace
 
-void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in)
+bool drawEventsReport(QPrinter& printer, const EventsReportInput& in)
 {
     using namespace events_report;
-    QPrinter printer(QPrinter::HighResolution);
-    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
-        return;
-
     ReportPainter painter(printer);
-    if (!painter.isActive()) {
-        reportPrintFailed(ctx, parent);
-        return;
-    }
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    if (!painter.isActive())
+        return false;
     const double w = painter.pageWidth();
     QString choices = in.choices;
     wrapToWidth(choices, w - 2 * kMarginMm, painter);
@@ -138,32 +132,32 @@ void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput
     }
     const Layout layout = layoutEntries(heights, painter.pageHeight());
 
-    bool ok = true;
     int page = -1;
-    for (int i = 0; i < entries.size() && ok; ++i) {
+    for (int i = 0; i < entries.size(); ++i) {
         const Placement& at = layout.entries.at(i);
         if (at.page != page) {
-            if (page >= 0) {
-                ok = painter.newPage();
-                if (!ok)
-                    break;
-            }
+            if (page >= 0 && !painter.newPage())
+                return false;
             page = at.page;
             printPageHead(painter, choices, page + 1, layout.pages);
         }
         painter.setCurrentY(at.y);
         printLinesAt(painter, entries.at(i), columnTextLeft(at.column, w));
     }
-    if (ok && entries.isEmpty())
+    if (entries.isEmpty())
         printPageHead(painter, choices, 1, 1);
-    QGuiApplication::restoreOverrideCursor();
-    if (!ok) {
-        printer.abort();
-        reportPrintFailed(ctx, parent);
-        return;
-    }
-    if (!painter.end())
-        reportPrintFailed(ctx, parent);
+    return painter.end();
+}
+
+void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in,
+                       ReportOutput output)
+{
+    runReport(ctx, parent, QPageLayout::Portrait, output, [&](QPrinter& printer) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        const bool ok = drawEventsReport(printer, in);
+        QGuiApplication::restoreOverrideCursor();
+        return ok;
+    });
 }
 
 } // namespace sx

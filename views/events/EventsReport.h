@@ -1,10 +1,13 @@
 #pragma once
 
+#include "app/PrintPreview.h"
+
 #include <QList>
 #include <QString>
 
 #include <functional>
 
+class QPrinter;
 class QWidget;
 
 namespace sx {
@@ -68,6 +71,9 @@ struct Layout {
 
 // "Εκτύπωση αρχείου συμβάντων": the printer dialog, then the report.
 // Cancelling prints nothing.
-void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in);
+void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in,
+                       ReportOutput output = ReportOutput::Print);
+// The whole report on `printer` (A4 portrait); false when a page failed.
+bool drawEventsReport(QPrinter& printer, const EventsReportInput& in);
 
 } // namespace sx

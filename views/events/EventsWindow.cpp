@@ -179,10 +179,14 @@ void EventsWindow::buildMenus()
     manage->setObjectName(u"Diahirisi"_s);
     m_print = manage->addAction(u"Εκτύπωση αρχείου συμβάντων"_s);
     m_print->setObjectName(u"Printrecords"_s);
-    connect(m_print, &QAction::triggered, this, &EventsWindow::printEvents);
+    connect(m_print, &QAction::triggered, this, [this] { printEvents(); });
     QAction* separator = manage->addSeparator();
     separator->setObjectName(u"l2"_s);
     addExitItem(manage);
+    manage->addSeparator();
+    m_preview = manage->addAction(u"Προεπισκόπηση αρχείου συμβάντων"_s);
+    m_preview->setObjectName(u"Previewevents"_s);
+    connect(m_preview, &QAction::triggered, this, [this] { printEvents(ReportOutput::Preview); });
 }
 
 void EventsWindow::buildSourceFrame(QWidget* central)
@@ -293,6 +297,7 @@ void EventsWindow::setEventCommandsEnabled(bool on)
 {
     m_mark->setEnabled(on);
     m_print->setEnabled(on);
+    m_preview->setEnabled(on);
 }
 
 void EventsWindow::showNoEvents()
@@ -536,7 +541,7 @@ QString EventsWindow::choicesText() const
     return events_report::choicesLine(c);
 }
 
-void EventsWindow::printEvents()
+void EventsWindow::printEvents(ReportOutput output)
 {
     if (!m_print->isEnabled())
         return;
@@ -546,7 +551,7 @@ void EventsWindow::printEvents()
     in.rowCount = first < 0 ? 0 : last - first + 1;
     in.dateText = [this, row = first](int i) { return m_model->dateText(row + i); };
     in.descriptionText = [this, row = first](int i) { return m_model->descriptionText(row + i); };
-    printEventsReport(context(), this, in);
+    printEventsReport(context(), this, in, output);
 }
 
 } // namespace sx

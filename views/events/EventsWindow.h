@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PrintPreview.h"
 #include "app/ViewWindow.h"
 #include "views/events/EventsData.h"
 
@@ -34,7 +35,7 @@ public:
     // EventsMarkCmd: marks the selected rows, then refills.
     void markSelected();
     // Printrecords.
-    void printEvents();
+    void printEvents(ReportOutput output = ReportOutput::Print);
 
     // Grid select-all: every data row, while marking is possible.
     void selectAllEvents();
@@ -82,6 +83,7 @@ private:
     [[nodiscard]] events::LineCounter lineCounter() const;
 
     QAction* m_print = nullptr;
+    QAction* m_preview = nullptr;
     QGroupBox* m_sourceFrame = nullptr;
     QComboBox* m_sensorSelect = nullptr;
     QRadioButton* m_kind[3] = {};

@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/DialogService.h"
+#include "app/PrintPreview.h"
 #include "app/QueryFailureReporter.h"
 #include "model/Formatting.h"
 #include "model/print/PrintRoutines.h"
@@ -129,7 +130,7 @@ bool drawMessagesReport(ReportPainter& painter, MessageKind kind, const QString&
 }
 
 void printMessages(AppContext& ctx, QWidget* parent, MessageKind kind,
-                   const std::function<std::optional<QString>()>& rebuild)
+                   const std::function<std::optional<QString>()>& rebuild, ReportOutput output)
 {
     if (!ctx.db)
         return;
@@ -152,23 +153,18 @@ void printMessages(AppContext& ctx, QWidget* parent, MessageKind kind,
     if (!text)
         return;
 
-    QPrinter printer(QPrinter::HighResolution);
-    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
-        return;
-
-    ReportPainter painter(printer);
-    if (!painter.isActive()) {
-        reportPrintFailed(ctx, parent);
-        return;
-    }
     const QDateTime printedAt = ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime();
-    if (!drawMessagesReport(painter, kind, *text, printedAt)) {
-        printer.abort();
-        reportPrintFailed(ctx, parent);
-        return;
-    }
-    if (!painter.end())
-        reportPrintFailed(ctx, parent);
+    runReport(ctx, parent, QPageLayout::Portrait, output, [&](QPrinter& printer) {
+        return drawMessagesReport(printer, kind, *text, printedAt);
+    });
+}
+
+bool drawMessagesReport(QPrinter& printer, MessageKind kind, const QString& text,
+                        const QDateTime& printedAt)
+{
+    ReportPainter painter(printer);
+    return painter.isActive() && drawMessagesReport(painter, kind, text, printedAt) &&
+           painter.end();
 }
 
 } // namespace sx

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PrintPreview.h"
 #include "model/QueryHelpers.h"
 
 #include <QDateTime>
@@ -10,6 +11,7 @@
 #include <functional>
 #include <optional>
 
+class QPrinter;
 class QWidget;
 
 namespace sx {
@@ -60,6 +62,10 @@ bool drawMessagesReport(ReportPainter& painter, MessageKind kind, const QString&
 // it failed; the failure is already reported), the printer choice, the
 // printout. Cancelling the printer choice prints nothing.
 void printMessages(AppContext& ctx, QWidget* parent, MessageKind kind,
-                   const std::function<std::optional<QString>()>& rebuild);
+                   const std::function<std::optional<QString>()>& rebuild,
+                   ReportOutput output = ReportOutput::Print);
+// The whole report on `printer` (A4 portrait); false when a page failed.
+bool drawMessagesReport(QPrinter& printer, MessageKind kind, const QString& text,
+                        const QDateTime& printedAt);
 
 } // namespace sx

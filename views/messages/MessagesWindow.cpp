@@ -88,10 +88,14 @@ void MessagesWindow::buildMenus()
     manage->setObjectName(u"Diahirisi"_s);
     QAction* print = manage->addAction(u"Εκτύπωση μηνυμάτων"_s);
     print->setObjectName(u"Printmsgs"_s);
-    connect(print, &QAction::triggered, this, &MessagesWindow::printList);
+    connect(print, &QAction::triggered, this, [this] { printList(); });
     QAction* separator = manage->addSeparator();
     separator->setObjectName(u"l1"_s);
     addExitItem(manage);
+    manage->addSeparator();
+    QAction* preview = manage->addAction(u"Προεπισκόπηση μηνυμάτων"_s);
+    preview->setObjectName(u"Previewmsgs"_s);
+    connect(preview, &QAction::triggered, this, [this] { printList(ReportOutput::Preview); });
 }
 
 void MessagesWindow::unitSelected(int) {}
@@ -147,14 +151,17 @@ void MessagesWindow::setText(const QString& text, bool centred)
     m_textBox->setPlainText(shown);
 }
 
-void MessagesWindow::printList()
+void MessagesWindow::printList(ReportOutput output)
 {
     const MessageKind kind = shownList();
-    printMessages(context(), this, kind, [this, kind]() -> std::optional<QString> {
-        if (!showList(kind))
-            return std::nullopt;
-        return m_text;
-    });
+    printMessages(
+        context(), this, kind,
+        [this, kind]() -> std::optional<QString> {
+            if (!showList(kind))
+                return std::nullopt;
+            return m_text;
+        },
+        output);
 }
 
 void MessagesWindow::resizeEvent(QResizeEvent* event)

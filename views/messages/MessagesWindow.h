@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PrintPreview.h"
 #include "app/ViewWindow.h"
 #include "model/QueryHelpers.h"
 
@@ -35,7 +36,7 @@ public:
     [[nodiscard]] QPushButton* archiveButton() const { return m_archiveButton; }
 
     // Printmsgs.
-    void printList();
+    void printList(ReportOutput output = ReportOutput::Print);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

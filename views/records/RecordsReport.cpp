@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/DialogService.h"
+#include "app/PrintPreview.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
 
@@ -93,35 +94,27 @@ void printPageLine(ReportPainter& painter, int page, int pages)
 
 } // namespace
 
-void printRecordsReport(AppContext& ctx, QWidget* parent, const RecordsReportInput& in)
+bool drawRecordsReport(QPrinter& printer, const RecordsReportInput& in)
 {
     using namespace records_report;
-    QPrinter printer(QPrinter::HighResolution);
-    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
-        return;
-
     ReportPainter painter(printer);
-    if (!painter.isActive()) {
-        reportPrintFailed(ctx, parent);
-        return;
-    }
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    if (!painter.isActive())
+        return false;
     const double w = painter.pageWidth();
     const double lineHeight = painter.textHeight();
     QString heading = headingText(in);
     wrapToWidth(heading, w - 2 * kMarginMm, painter);
     const Layout layout = layoutRows(in.rowCount, painter.pageHeight(), lineHeight);
 
-    bool ok = true;
     int page = 0;
     printPageFrame(painter, heading);
-    for (int row = 0; row < in.rowCount && ok; ++row) {
+    for (int row = 0; row < in.rowCount; ++row) {
         if (layout.pageOf(row) != page) {
             printPageLine(painter, page + 1, layout.pages);
-            ok = painter.newPage();
+            if (!painter.newPage())
+                return false;
             ++page;
-            if (ok)
-                printPageFrame(painter, heading);
+            printPageFrame(painter, heading);
         }
         const int column = layout.columnOf(row);
         const double y = kFirstLineMm + layout.lineOf(row) * lineHeight;
@@ -133,16 +126,19 @@ void printRecordsReport(AppContext& ctx, QWidget* parent, const RecordsReportInp
         painter.setCurrentY(y);
         painter.print(reading);
     }
-    if (ok)
-        printPageLine(painter, page + 1, layout.pages);
-    QGuiApplication::restoreOverrideCursor();
-    if (!ok) {
-        printer.abort();
-        reportPrintFailed(ctx, parent);
-        return;
-    }
-    if (!painter.end())
-        reportPrintFailed(ctx, parent);
+    printPageLine(painter, page + 1, layout.pages);
+    return painter.end();
+}
+
+void printRecordsReport(AppContext& ctx, QWidget* parent, const RecordsReportInput& in,
+                        ReportOutput output)
+{
+    runReport(ctx, parent, QPageLayout::Portrait, output, [&](QPrinter& printer) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        const bool ok = drawRecordsReport(printer, in);
+        QGuiApplication::restoreOverrideCursor();
+        return ok;
+    });
 }
 
 } // namespace sx

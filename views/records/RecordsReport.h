@@ -1,9 +1,12 @@
 #pragma once
 
+#include "app/PrintPreview.h"
+
 #include <QString>
 
 #include <functional>
 
+class QPrinter;
 class QWidget;
 
 namespace sx {
@@ -55,8 +58,12 @@ struct Layout {
 
 } // namespace records_report
 
-// "Εκτύπωση αρχείου καταγραφών": the printer dialog, then the report. Cancelling
-// prints nothing.
-void printRecordsReport(AppContext& ctx, QWidget* parent, const RecordsReportInput& in);
+// The whole report on `printer` (A4 portrait); false when a page failed.
+bool drawRecordsReport(QPrinter& printer, const RecordsReportInput& in);
+
+// "Εκτύπωση αρχείου καταγραφών": the printer dialog, then the report, or its
+// preview. Cancelling prints nothing.
+void printRecordsReport(AppContext& ctx, QWidget* parent, const RecordsReportInput& in,
+                        ReportOutput output = ReportOutput::Print);
 
 } // namespace sx

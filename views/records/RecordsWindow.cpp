@@ -10,6 +10,7 @@
 #include "views/records/RecordsModel.h"
 #include "views/records/RecordsReport.h"
 #include "views/records/XlsxExport.h"
+#include "views/records/summary/SummaryReport.h"
 
 #include <QComboBox>
 #include <QFontMetricsF>
@@ -218,9 +219,22 @@ void RecordsWindow::buildMenus()
     connect(m_save, &QAction::triggered, this, &RecordsWindow::saveRecords);
     m_print = manage->addAction(u"Εκτύπωση αρχείου καταγραφών"_s);
     m_print->setObjectName(u"Printrecords"_s);
-    connect(m_print, &QAction::triggered, this, &RecordsWindow::printRecords);
+    connect(m_print, &QAction::triggered, this, [this] { printRecords(ReportOutput::Print); });
     manage->addSeparator();
     addExitItem(manage);
+    manage->addSeparator();
+    m_summary = manage->addAction(u"Σύνοψη μήνα"_s);
+    m_summary->setObjectName(u"Summaryrecords"_s);
+    connect(m_summary, &QAction::triggered, this,
+            [this] { printMonthSummary(ReportOutput::Print); });
+    m_previewRecords = manage->addAction(u"Προεπισκόπηση αρχείου καταγραφών"_s);
+    m_previewRecords->setObjectName(u"Previewrecords"_s);
+    connect(m_previewRecords, &QAction::triggered, this,
+            [this] { printRecords(ReportOutput::Preview); });
+    m_previewSummary = manage->addAction(u"Προεπισκόπηση σύνοψης μήνα"_s);
+    m_previewSummary->setObjectName(u"Previewsummary"_s);
+    connect(m_previewSummary, &QAction::triggered, this,
+            [this] { printMonthSummary(ReportOutput::Preview); });
 }
 
 void RecordsWindow::buildRecordsFrame(QWidget* central)
@@ -309,6 +323,9 @@ void RecordsWindow::setRecordCommandsEnabled(bool on)
     m_graphBut->setEnabled(on);
     m_save->setEnabled(on);
     m_print->setEnabled(on);
+    m_summary->setEnabled(on);
+    m_previewRecords->setEnabled(on);
+    m_previewSummary->setEnabled(on);
 }
 
 void RecordsWindow::showNoRecords()
@@ -577,7 +594,7 @@ void RecordsWindow::saveRecords()
                              xlsx::leftOutMessage(fill.rowCount, selected - fill.rowCount));
 }
 
-void RecordsWindow::printRecords()
+void RecordsWindow::printRecords(ReportOutput output)
 {
     if (!m_print->isEnabled())
         return;
@@ -590,7 +607,19 @@ void RecordsWindow::printRecords()
     in.rowCount = first < 0 ? 0 : last - first + 1;
     in.dateText = [this, row = first](int i) { return m_model->dateText(row + i); };
     in.readingText = [this, row = first](int i) { return m_model->readingText(row + i); };
-    printRecordsReport(context(), this, in);
+    printRecordsReport(context(), this, in, output);
+}
+
+void RecordsWindow::printMonthSummary(ReportOutput output)
+{
+    const auto zone = selectedZone();
+    if (!m_summary->isEnabled() || !zone)
+        return;
+    const int month = m_monthSelect->currentIndex();
+    const summary::SummaryPeriod period{records::kFirstYear + m_yearSelect->currentIndex(),
+                                        month >= 0 && month < records::kWholeYearIndex ? month + 1
+                                                                                       : 0};
+    printSummary(context(), this, zone->serial, zone->number, period, output);
 }
 
 } // namespace sx

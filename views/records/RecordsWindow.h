@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PrintPreview.h"
 #include "app/ViewWindow.h"
 #include "views/records/RecordsQuery.h"
 #include "views/records/XlsxExport.h"
@@ -68,7 +69,8 @@ public:
 
     // The export and the report of the selected rows.
     void saveRecords();
-    void printRecords();
+    void printRecords(ReportOutput output = ReportOutput::Print);
+    void printMonthSummary(ReportOutput output);
 
     [[nodiscard]] QString unitText() const;
     [[nodiscard]] QString zoneText() const;
@@ -87,6 +89,7 @@ public:
     [[nodiscard]] QPushButton* graphButton() const { return m_graphBut; }
     [[nodiscard]] QAction* saveAction() const { return m_save; }
     [[nodiscard]] QAction* printAction() const { return m_print; }
+    [[nodiscard]] QAction* summaryAction() const { return m_summary; }
     // True only while the window's own start-up sets the month and year.
     [[nodiscard]] bool loading() const { return m_loading; }
     // Queries run so far (zone lists and record loads), for tests.
@@ -117,6 +120,9 @@ private:
 
     QAction* m_save = nullptr;
     QAction* m_print = nullptr;
+    QAction* m_summary = nullptr;
+    QAction* m_previewRecords = nullptr;
+    QAction* m_previewSummary = nullptr;
     QGroupBox* m_recordsFrame = nullptr;
     QComboBox* m_yearSelect = nullptr;
     QComboBox* m_monthSelect = nullptr;

@@ -7,6 +7,12 @@ target_sources(sxgui PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.h ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.cpp
     ${CMAKE_CURRENT_LIST_DIR}/RecordsWindow.h ${CMAKE_CURRENT_LIST_DIR}/RecordsWindow.cpp
 )
+# The monthly summary of a zone: its data, pages and workbook.
+target_sources(sxgui PRIVATE
+    ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryData.h ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryData.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryReport.h ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryReport.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryXlsx.h ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryXlsx.cpp
+)
 # A year of records is read straight from the driver's own handle.
 target_link_libraries(sxgui PRIVATE PkgConfig::SQLITE3 PkgConfig::LIBPQ)
 
@@ -15,7 +21,8 @@ target_link_libraries(sxgui PRIVATE PkgConfig::SQLITE3 PkgConfig::LIBPQ)
 find_package(QuaZip-Qt6 QUIET)
 if(QuaZip-Qt6_FOUND)
     target_link_libraries(sxgui PUBLIC QuaZip::QuaZip)
-    set_property(SOURCE ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.cpp APPEND PROPERTY
+    set_property(SOURCE ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.cpp
+                        ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryXlsx.cpp APPEND PROPERTY
                  COMPILE_DEFINITIONS SX_HAVE_QUAZIP=1)
 
     # TEMPLATEv2.xlsx is made by the build and put beside the program.

@@ -1,0 +1,209 @@
+#include "GuiFixture.h"
+#include "PdfText.h"
+#include "ReportSeed.h"
+#include "app/UnitList.h"
+#include "views/records/RecordsWindow.h"
+#include "views/records/summary/SummaryReport.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDir>
+#include <QProcess>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+using namespace sx::test;
+
+namespace {
+
+struct Run {
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+} // namespace
+
+// `sentorax-monitor report ...` run as a process against the scratch database.
+class TestReportCommand : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_DB(m_fx->scratch);
+        QVERIFY(m_fx->ready());
+        QVERIFY(seedReportUnit(m_fx->db));
+        m_dir = m_fx->scratch.folder();
+    }
+
+    void cleanupTestCase()
+    {
+        m_w.reset();
+        m_fx.reset();
+    }
+
+    void helpListsEveryKind()
+    {
+        const Run r = run({u"--help"_s}, false);
+        QCOMPARE(r.code, 0);
+        for (const QString& line :
+             {u"report current  --unit SERIAL --pdf FILE"_s, u"report records"_s,
+              u"report events"_s, u"report messages [--archive] --pdf FILE"_s, u"report summary"_s,
+              u"--db <url>"_s, u"--year <YYYY>"_s})
+            QVERIFY2(r.out.contains(line), qPrintable(line + u"\n"_s + r.out));
+    }
+
+    void everyFailureHasItsExitCode_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("says");
+        const QString pdf = u"--pdf=OUT"_s;
+        const QStringList cur{u"current"_s, u"--unit=A-100"_s, pdf};
+        QTest::newRow("unknown option")
+            << QStringList{u"records"_s, u"--colour=red"_s} << 2 << u"colour"_s;
+        QTest::newRow("unknown kind") << QStringList{u"weekly"_s, pdf} << 2 << u"weekly"_s;
+        QTest::newRow("option of another kind")
+            << (cur + QStringList{u"--zone=1"_s}) << 2 << u"--zone"_s;
+        QTest::newRow("month not understood")
+            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2026-13"_s, pdf} << 2
+            << u"2026-13"_s;
+        QTest::newRow("no output")
+            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2026-03"_s} << 2
+            << u"--pdf"_s;
+        QTest::newRow("database that cannot be opened")
+            << QStringList{u"current"_s, u"--unit=A-100"_s, pdf, u"--db=sqlite:/nowhere/x.db"_s}
+            << 3 << QString();
+        QTest::newRow("unknown unit")
+            << QStringList{u"current"_s, u"--unit=NOPE"_s, pdf} << 4 << u"NOPE"_s;
+        QTest::newRow("unknown zone") << QStringList{u"records"_s, u"--unit=A-100"_s, u"--zone=9"_s,
+                                                     u"--month=2026-03"_s, pdf}
+                                      << 5 << u"9"_s;
+        QTest::newRow("empty month")
+            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2025-01"_s, pdf} << 6
+            << u"καταγραφές"_s;
+        QTest::newRow("no events")
+            << QStringList{u"events"_s, u"--unit=A-100"_s, u"--year=2025"_s, pdf} << 6
+            << u"συμβάντα"_s;
+        QTest::newRow("unwritable output")
+            << QStringList{u"current"_s, u"--unit=A-100"_s, u"--pdf=/nowhere/x.pdf"_s} << 7
+            << u"/nowhere/x.pdf"_s;
+        // The workbook came out, the PDF could not: neither is left.
+        QTest::newRow("both or neither")
+            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2026-03"_s, u"--xlsx=OUT"_s,
+                           u"--pdf=/nowhere/x.pdf"_s}
+            << 7 << u"/nowhere/x.pdf"_s;
+    }
+
+    void everyFailureHasItsExitCode()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QString, says);
+        const QString out = QDir(m_dir).filePath(u"failed.out"_s);
+        args.replaceInStrings(u"OUT"_s, out);
+        const Run r = run(args, !args.join(u' ').contains(u"--db"));
+        QCOMPARE(r.code, code);
+        QVERIFY2(r.err.trimmed().count(u'\n') == 0 && r.err.contains(says), qPrintable(r.err));
+        QVERIFY(!QFile::exists(out));
+    }
+
+    // Without --db the user's settings name the database: here none is set up.
+    void settingsWithoutADatabaseFail()
+    {
+        const Run r = run({u"current"_s, u"--unit=A-100"_s, u"--pdf=x.pdf"_s}, false);
+        QCOMPARE(r.code, 3);
+    }
+
+    void everyKindWritesItsReport_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("says");
+        QTest::newRow("current") << QStringList{u"current"_s, u"--unit=A-100"_s}
+                                 << u"ΑΝΑΦΟΡΑ ΤΡΕΧΟΥΣΑΣ ΚΑΤΑΣΤΑΣΗΣ"_s;
+        QTest::newRow("records") << QStringList{u"records"_s, u"--unit=A-100"_s, u"--zone=1"_s,
+                                                u"--month=2026-03"_s}
+                                 << u"ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s;
+        QTest::newRow("events") << QStringList{u"events"_s, u"--unit=A-100"_s, u"--kind=all"_s,
+                                               u"--month=2026-03"_s}
+                                << u"ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s;
+        QTest::newRow("messages") << QStringList{u"messages"_s} << u"ΝΕΑ ΜΗΝΥΜΑΤΑ"_s;
+        QTest::newRow("summary of a year")
+            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--year=2026"_s} << u"ΣΥΝΟΨΗ ΕΤΟΥΣ"_s;
+    }
+
+    void everyKindWritesItsReport()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, says);
+        const QString pdf =
+            QDir(m_dir).filePath(QString::fromLatin1(QTest::currentDataTag()) + u".pdf"_s);
+        const Run r = run(args + QStringList{u"--pdf"_s, pdf});
+        QVERIFY2(r.code == 0, qPrintable(r.err));
+        const QStringList pages = pdfPages(pdf);
+        QVERIFY(!pages.isEmpty());
+        QVERIFY2(pages.join(u' ').simplified().contains(says), qPrintable(pages.first()));
+    }
+
+    // The same choices give the same PDF text from the window and from the command.
+    void pdfMatchesTheWindow_data()
+    {
+        QTest::addColumn<bool>("summary");
+        QTest::newRow("records") << false;
+        QTest::newRow("summary") << true;
+    }
+
+    void pdfMatchesTheWindow()
+    {
+        QFETCH(bool, summary);
+        const QString cli = QDir(m_dir).filePath(u"cli.pdf"_s);
+        const QString window = QDir(m_dir).filePath(u"window.pdf"_s);
+        const Run r = run({summary ? u"summary"_s : u"records"_s, u"--unit=A-100"_s, u"--zone=1"_s,
+                           u"--month=2026-03"_s, u"--pdf"_s, cli});
+        QVERIFY2(r.code == 0, qPrintable(r.err));
+
+        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        fillSystemSelect(*m_w, 0, false);
+        m_w->yearSelect()->setCurrentIndex(26);
+        m_w->monthSelect()->setCurrentIndex(2);
+        m_w->selectAllRecords();
+        m_fx->dialogs.answerPrint(true, [&](QPrinter& p) { setUpPdf(p, window); });
+        (summary ? m_w->summaryAction() : m_w->printAction())->trigger();
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
+        const QStringList expected = pdfPages(window);
+        QVERIFY(!expected.isEmpty());
+        QCOMPARE(pdfPages(cli), expected);
+    }
+
+private:
+    Run run(const QStringList& args, bool withDb = true) const
+    {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        // A home of its own: no settings, so only --db names a database.
+        env.insert(u"HOME"_s, m_dir);
+        env.insert(u"XDG_CONFIG_HOME"_s, m_dir + u"/config"_s);
+        env.remove(u"QT_QPA_PLATFORM"_s);
+        env.remove(u"DISPLAY"_s);
+        p.setProcessEnvironment(env);
+        QStringList all = QStringList{u"report"_s} + args;
+        if (withDb)
+            all << u"--db"_s << m_fx->scratch.url();
+        p.start(QStringLiteral(SX_MONITOR_BIN), all);
+        if (!p.waitForFinished(120000))
+            return {};
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+                QString::fromUtf8(p.readAllStandardOutput()),
+                QString::fromUtf8(p.readAllStandardError())};
+    }
+
+    std::unique_ptr<GuiFixture> m_fx;
+    std::unique_ptr<RecordsWindow> m_w;
+    QString m_dir;
+};
+
+QTEST_MAIN(TestReportCommand)
+#include "tst_reportcommand.moc"

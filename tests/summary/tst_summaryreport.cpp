@@ -1,0 +1,127 @@
+#include "../cli/ReportSeed.h"
+#include "PdfText.h"
+#include "ScratchDatabase.h"
+#include "app/WidgetDialogService.h"
+#include "views/records/summary/SummaryReport.h"
+#include "views/records/summary/SummaryXlsx.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
+#include <QTimer>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+using namespace sx;
+using namespace sx::test;
+
+// The summary's pages and workbook for the seeded March: zone 1 measures
+// (limits 10..30), zone 2 is a door contact.
+class TestSummaryReport : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        m_scratch = std::make_unique<ScratchDatabase>();
+        SX_REQUIRE_DB(*m_scratch);
+        QVERIFY(m_scratch->open(m_db));
+        QVERIFY(seedReportUnit(m_db));
+        const summary::SummaryLoad load =
+            summary::loadSummary(m_db, u"A-100"_s, -1, {2026, 3}, secsFromCivil({2027, 1, 1}));
+        QCOMPARE(int(load.problem), int(summary::LoadProblem::None));
+        m_in = load.input;
+        QCOMPARE(m_in.zones.size(), 2);
+        m_pdf = m_scratch->folder() + u"/summary.pdf"_s;
+        QPrinter printer(QPrinter::HighResolution);
+        setUpPdf(printer, m_pdf);
+        QVERIFY(drawSummaryReport(printer, m_in));
+    }
+
+    void pagesShowEachZoneWithItsOwnFigures()
+    {
+        const QStringList pages = pdfPages(m_pdf);
+        QVERIFY(pages.size() >= 2);
+        const QString n = QString::number(pages.size());
+        for (int i = 0; i < pages.size(); ++i)
+            QVERIFY(pages[i].contains(u"Σελίδα %1/%2"_s.arg(i + 1).arg(n)));
+        const QString first = pages.first().simplified();
+        const summary::ZoneSummary& t = m_in.zones[0].summary;
+        QVERIFY2(first.contains(u"SENTORAX Monitor / ΣΥΝΟΨΗ ΜΗΝΑ"_s) &&
+                     first.contains(u"[1] Ψυγείο , ΠΕΡΙΟΔΟΣ:Μαρτιος 2026"_s) &&
+                     first.contains(u"Υπερβάσεις ορίων: "_s + QString::number(t.totals.excursions)),
+                 qPrintable(first));
+        QVERIFY(t.totals.excursions > 4);
+        QVERIFY(t.excursions.first().side == summary::Side::Below ||
+                t.excursions.first().side == summary::Side::Above);
+        // The contact zone starts a page of its own and counts openings instead.
+        const qsizetype door =
+            pages.indexOf(*std::find_if(pages.begin(), pages.end(), [](const QString& p) {
+                return p.contains(u"[2] Πόρτα"_s);
+            }));
+        QVERIFY(door > 0);
+        const summary::ZoneSummary& d = m_in.zones[1].summary;
+        QVERIFY(pages[door].simplified().contains(u"Ανοίγματα: "_s +
+                                                  QString::number(d.totals.excursions)));
+        QVERIFY(pages[door].contains(u"ΑΝΟΙΓΜΑΤΑ"_s) && !pages[door].contains(u"Μέγιστη"_s));
+    }
+
+    void workbookHoldsNumbersAndDates()
+    {
+        const QString book = m_scratch->folder() + u"/summary.xlsx"_s;
+        QCOMPARE(int(summary::writeSummaryWorkbook(book, m_in)), int(xlsx::ExportStatus::Written));
+        QProcess py;
+        // The system Python: openpyxl comes from Debian.
+        py.start(
+            u"/usr/bin/python3"_s,
+            {u"-c"_s,
+             u"import sys, openpyxl\n"
+             "wb = openpyxl.load_workbook(sys.argv[1])\n"
+             "print('|'.join(wb.sheetnames))\n"
+             "for ws in wb:\n"
+             "    print(' '.join(type(ws[c].value).__name__ for c in ('A9','C9','E9','I9','K9')),"
+             " ws['A9'].value.strftime('%d/%m/%Y'), ws['B6'].value, ws['D3'].value)\n"_s,
+             book});
+        QVERIFY(py.waitForFinished(60000));
+        const QStringList lines =
+            QString::fromUtf8(py.readAllStandardOutput()).trimmed().split(u'\n');
+        QVERIFY2(lines.size() == 3, qPrintable(QString::fromUtf8(py.readAllStandardError())));
+        QCOMPARE(lines[0], u"Ζώνη 1|Ζώνη 2"_s);
+        QCOMPARE(lines[1], u"datetime float int datetime int 01/03/2026 %1 30"_s.arg(
+                               m_in.zones[0].summary.totals.excursions));
+        QCOMPARE(lines[2], u"datetime int NoneType datetime int 01/03/2026 %1 None"_s.arg(
+                               m_in.zones[1].summary.totals.excursions));
+    }
+
+    // The preview draws the same pages: its page count is the PDF's.
+    void previewShowsThePagesPrinted()
+    {
+        int previewPages = -1;
+        QTimer::singleShot(200, this, [&] {
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                if (auto* dialog = qobject_cast<QPrintPreviewDialog*>(w)) {
+                    previewPages = dialog->findChild<QPrintPreviewWidget*>()->pageCount();
+                    // For a look by eye: SX_PREVIEW_SHOT=file.png keeps a picture of it.
+                    if (const QString shot = qEnvironmentVariable("SX_PREVIEW_SHOT");
+                        !shot.isEmpty())
+                        dialog->grab().save(shot);
+                    dialog->reject();
+                }
+            }
+        });
+        QPrinter printer(QPrinter::HighResolution);
+        WidgetDialogService dialogs;
+        dialogs.printPreview(nullptr, printer, [&](QPrinter& p) { drawSummaryReport(p, m_in); });
+        QCOMPARE(previewPages, pdfPages(m_pdf).size());
+    }
+
+private:
+    std::unique_ptr<ScratchDatabase> m_scratch;
+    Database m_db;
+    summary::SummaryInput m_in;
+    QString m_pdf;
+};
+
+QTEST_MAIN(TestSummaryReport)
+#include "tst_summaryreport.moc"
