@@ -5,6 +5,7 @@
 
 #include <QMainWindow>
 
+class QAction;
 class QComboBox;
 
 namespace sx {
@@ -36,8 +37,12 @@ public:
     // Closes the window without asking (navigation away from it).
     void unloadByProgram();
 
+    // "Επισκόπηση συστημάτων", last in "Διάφορα" (made when the view has none).
+    [[nodiscard]] QAction* overviewItem();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     // Adds "Έξοδος" (Terminateprg) to a menu.
     void addExitItem(class QMenu* menu);
 
@@ -46,6 +51,7 @@ private:
     ViewId m_id;
     NavigationFrame* m_nav = nullptr;
     bool m_unloading = false;
+    QAction* m_overviewItem = nullptr;
 };
 
 // Asks whether to end the application; on Yes runs the shutdown steps.

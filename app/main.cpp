@@ -9,6 +9,7 @@
 
 #if __has_include("views/current/MainWindow.h")
 #include "views/current/MainWindow.h"
+#include "views/overview/FleetWatch.h"
 #define SX_HAVE_MAIN_WINDOW 1
 #else
 #include "views/PlaceholderView.h"
@@ -66,6 +67,13 @@ int main(int argc, char** argv)
         return *code;
     if (ended)
         return kExitNormal;
+#ifdef SX_HAVE_MAIN_WINDOW
+    // The fleet is read at every refresh tick of the main view, hidden or not.
+    FleetWatch fleet(ctx);
+    if (auto* main = qobject_cast<MainWindow*>(navigator.mainView()))
+        QObject::connect(main->refreshTimer(), &QTimer::timeout, &fleet, &FleetWatch::refresh);
+    fleet.refresh();
+#endif
     const int code = QApplication::exec();
     delete navigator.secondaryView();
     return code;
