@@ -39,6 +39,7 @@ void AlarmNotifier::update(const FleetSummary& fleet)
     const QDateTime now = m_clock.now();
     QHash<QString, UnitSummary> known;
     known.reserve(fleet.units.size());
+    QList<FleetNotice> due;
     for (const UnitSummary& u : fleet.units) {
         const auto it = m_known.constFind(u.serial);
         // A unit taken into use later starts as known, like those at start-up.
@@ -60,9 +61,15 @@ void AlarmNotifier::update(const FleetSummary& fleet)
         }
         m_lastSent.insert(u.serial, now);
         known.insert(u.serial, u);
-        send(*notice);
+        due.append(*notice);
     }
     m_known = std::move(known);
+    if (due.size() > kSingleNotices) {
+        send(fleetDigest(due));
+        return;
+    }
+    for (const FleetNotice& n : std::as_const(due))
+        send(n);
 }
 
 } // namespace sx

@@ -18,6 +18,8 @@ class AlarmNotifier {
 public:
     using Send = std::function<void(const FleetNotice&)>;
     static constexpr qint64 kUnitQuietMs = 60'000;
+    // More units than this changing in one read are told in one digest.
+    static constexpr int kSingleNotices = 3;
 
     AlarmNotifier(const Clock& clock, Send send);
 

@@ -30,7 +30,8 @@ void DesktopNotifications::send(const FleetNotice& notice)
         return;
     QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kService, u"Notify"_s);
     QStringList actions;
-    if (!notice.serial.isEmpty())
+    const bool clickable = !notice.serial.isEmpty() || notice.overview;
+    if (clickable)
         actions << u"default"_s << u"Άνοιγμα"_s;
     QVariantMap hints;
     hints.insert(u"urgency"_s, QVariant::fromValue<uchar>(notice.critical ? 2 : 1));
@@ -40,9 +41,10 @@ void DesktopNotifications::send(const FleetNotice& notice)
          << actions << hints << -1;
     auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, serial = notice.serial](QDBusPendingCallWatcher* w) {
+            [this, clickable, serial = notice.serial](QDBusPendingCallWatcher* w) {
                 const QDBusPendingReply<uint> reply = *w;
-                if (!reply.isError() && !serial.isEmpty())
+                // A digest is kept with an empty serial: it opens the overview.
+                if (!reply.isError() && clickable)
                     m_serials.insert(reply.value(), serial);
                 w->deleteLater();
             });
@@ -51,7 +53,11 @@ void DesktopNotifications::send(const FleetNotice& notice)
 void DesktopNotifications::onActionInvoked(uint id, const QString& action)
 {
     const auto it = m_serials.constFind(id);
-    if (it != m_serials.cend() && action == u"default"_s)
+    if (it == m_serials.cend() || action != u"default"_s)
+        return;
+    if (it->isEmpty())
+        emit overviewRequested();
+    else
         emit unitRequested(*it);
 }
 

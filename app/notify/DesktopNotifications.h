@@ -22,6 +22,8 @@ public:
 signals:
     // The operator clicked the notice of this unit.
     void unitRequested(const QString& serial);
+    // The operator clicked a digest of several units.
+    void overviewRequested();
 
 private slots:
     void onActionInvoked(uint id, const QString& action);

@@ -2,6 +2,8 @@
 
 #include "model/Formatting.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace sx {
@@ -82,6 +84,27 @@ std::optional<FleetNotice> fleetNotice(const UnitSummary& known, const UnitSumma
     if (lines.isEmpty())
         return std::nullopt;
     return FleetNotice{now.serial, now.title(), lines.join(u'\n'), critical};
+}
+
+FleetNotice fleetDigest(QList<FleetNotice> notices, int lines)
+{
+    std::stable_sort(
+        notices.begin(), notices.end(),
+        [](const FleetNotice& a, const FleetNotice& b) { return a.critical && !b.critical; });
+    FleetNotice digest;
+    digest.title =
+        u"SENTORAX Monitor: αλλαγές σε "_s + QString::number(notices.size()) + u" συστήματα"_s;
+    digest.overview = true;
+    QStringList body;
+    for (const FleetNotice& n : std::as_const(notices)) {
+        digest.critical = digest.critical || n.critical;
+        if (body.size() < lines)
+            body << n.title + u": "_s + n.body.section(u'\n', 0, 0);
+    }
+    if (notices.size() > lines)
+        body << u"και "_s + QString::number(notices.size() - lines) + u" ακόμη"_s;
+    digest.body = body.join(u'\n');
+    return digest;
 }
 
 FleetNotice connectionLostNotice()

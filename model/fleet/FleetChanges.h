@@ -12,6 +12,7 @@ struct FleetNotice {
     QString title;
     QString body;          // one line per change
     bool critical = false; // a zone or the power supply in alarm
+    bool overview = false; // a digest of several units: a click opens the overview
 };
 
 // The changes that deserve the operator's attention: a zone newly in alarm
@@ -19,6 +20,10 @@ struct FleetNotice {
 // fault, more new messages. Nothing when only things got better.
 [[nodiscard]] std::optional<FleetNotice> fleetNotice(const UnitSummary& known,
                                                      const UnitSummary& now);
+
+// Several units at once, as one notice: the critical ones first, at most
+// `lines` of them named, the rest counted.
+[[nodiscard]] FleetNotice fleetDigest(QList<FleetNotice> notices, int lines = 5);
 
 // The notices of the database connection.
 [[nodiscard]] FleetNotice connectionLostNotice();

@@ -6,6 +6,7 @@
 #include "app/notify/DesktopNotifications.h"
 #include "views/current/MainWindow.h"
 #include "views/overview/FleetWatch.h"
+#include "views/overview/OverviewWindow.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -60,6 +61,7 @@ private slots:
     void startUpIsSilentAndFlappingIsQuiet();
     void outageAndReturnAreOneNoticeEach();
     void defaultActionOpensTheUnit();
+    void manyUnitsAtOnceAreOneDigest();
     void settingTurnsThemOff();
 
 private:
@@ -103,7 +105,8 @@ void TestNotifications::init()
     QVERIFY(m_fx->ready());
     test::CurrentSeed seed(m_fx->db);
     QVERIFY(seed.unit(u"U1"_s, u"Ψυκτικός θάλαμος"_s, u"1"_s, u"'1.22'"_s, u"'7'"_s));
-    QVERIFY(seed.unit(u"U2"_s, u"Αποθήκη"_s));
+    for (const QString& s : {u"U2"_s, u"U3"_s, u"U4"_s, u"U5"_s})
+        QVERIFY(seed.unit(s, u"Αποθήκη "_s + s));
     for (int p : {1, 2}) {
         QVERIFY(seed.point(u"U1"_s, p, p == 1 ? u"'Κρέατα'"_s : u"NULL"_s, u"0"_s, u"1"_s, u"6"_s,
                            u"-2"_s, u"1"_s, u"1"_s));
@@ -243,6 +246,29 @@ void TestNotifications::defaultActionOpensTheUnit()
     QVERIFY(QDBusConnection(u"desktop%1"_s.arg(m_round)).send(click));
     QTRY_COMPARE(m_main->selectedSerial(), u"U1"_s);
     QVERIFY(m_main->isVisible());
+}
+
+void TestNotifications::manyUnitsAtOnceAreOneDigest()
+{
+    QVERIFY(m_fx->exec(
+        u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=2"_s));
+    test::CurrentSeed seed(m_fx->db);
+    for (const QString& s : {u"U2"_s, u"U3"_s, u"U4"_s, u"U5"_s})
+        QVERIFY(seed.newPointMessage(s));
+    tick();
+    QCOMPARE(m_receiver->sent.size(), 1);
+    const Sent& s = m_receiver->sent.first();
+    QCOMPARE(s.summary, u"SENTORAX Monitor: αλλαγές σε 5 συστήματα"_s);
+    const QStringList lines = s.body.split(u'\n');
+    QCOMPARE(lines.size(), 5);
+    // The alarm first, whatever order the units came in.
+    QCOMPARE(lines.first(),
+             u"Ψυκτικός θάλαμος [7]: Συναγερμός στη ζώνη [2] Ανώνυμη ζώνη: 4.0 °C"_s);
+    QCOMPARE(s.urgency, 2);
+    QDBusMessage click = QDBusMessage::createSignal(kPath, kName, u"ActionInvoked"_s);
+    click << 1u << u"default"_s;
+    QVERIFY(QDBusConnection(u"desktop%1"_s.arg(m_round)).send(click));
+    QTRY_VERIFY(m_watch->overview() && m_watch->overview()->isVisible());
 }
 
 void TestNotifications::settingTurnsThemOff()

@@ -21,6 +21,7 @@ FleetWatch::FleetWatch(AppContext& ctx, const QDBusConnection& bus, QObject* par
 {
     m_notifier.setEnabled(!ctx.settings || ctx.settings->notificationsOn());
     connect(m_desktop, &DesktopNotifications::unitRequested, this, &FleetWatch::openUnit);
+    connect(m_desktop, &DesktopNotifications::overviewRequested, this, &FleetWatch::showOverview);
     connect(m_tray, &FleetTrayIcon::activated, this, &FleetWatch::showOverview);
     m_ctx.showOverview = [this] { showOverview(); };
 }

@@ -29,7 +29,7 @@ OverviewWindow::OverviewWindow(QWidget* parent) : QWidget(parent, Qt::Window)
     m_filter = new QLineEdit(this);
     m_filter->setObjectName(u"filter"_s);
     m_filter->setClearButtonEnabled(true);
-    m_filter->setPlaceholderText(u"όνομα, τοποθεσία, σειριακός αριθμός ή κατάσταση"_s);
+    m_filter->setPlaceholderText(u"όνομα, τοποθεσία, σειριακός αριθμός"_s);
     auto* filterLabel = new QLabel(u"Αναζήτηση:"_s, this);
     filterLabel->setBuddy(m_filter);
 
@@ -52,6 +52,9 @@ OverviewWindow::OverviewWindow(QWidget* parent) : QWidget(parent, Qt::Window)
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setAlternatingRowColors(true);
     m_table->verticalHeader()->hide();
+    // One line per unit: two hundred units should not need much scrolling.
+    m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_table->verticalHeader()->setDefaultSectionSize(m_table->fontMetrics().height() + 6);
     m_table->horizontalHeader()->setStretchLastSection(true);
     m_table->horizontalHeader()->setSectionResizeMode(FleetModel::Name, QHeaderView::Stretch);
     m_table->setWordWrap(false);
