@@ -14,6 +14,7 @@ class DialogService;
 class SettingsStore;
 class QueryFailureReporter;
 class Navigator;
+struct FleetSummary;
 
 inline constexpr char16_t kAppTitle[] = u"SENTORAX Monitor";
 [[nodiscard]] inline QString appTitle()
@@ -44,6 +45,12 @@ struct AppContext {
 
     // The records the records view shows, for the graph; in grid order.
     std::shared_ptr<const LoadedRecords> loadedRecords;
+
+    // The fleet as the last refresh read it (state marks of the unit lists);
+    // empty until the first read.
+    std::shared_ptr<const FleetSummary> fleet;
+    // Opens the overview window ("Επισκόπηση συστημάτων").
+    std::function<void()> showOverview;
 
     // The shutdown steps: close the connection (errors ignored) and end the
     // process. Tests replace it to see that it was reached.

@@ -6,6 +6,7 @@
 #include "app/Twips.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QLabel>
@@ -119,6 +120,10 @@ SettingsDialog::SettingsDialog(SettingsStore& store, DialogService& dialogs, QWi
     placeAt(heading(this, u"Επιβεβαίωση κωδικού"_s, u"Label1_8"_s), 4680, 4200, 4320, 285);
     field(Confirmation, 4680, 4500, true);
 
+    m_notifications = new QCheckBox(u"Ειδοποιήσεις συναγερμών στην επιφάνεια εργασίας"_s, this);
+    m_notifications->setObjectName(u"Notifications"_s);
+    placeAt(m_notifications, 240, 4890, 8880, 300);
+
     auto* ok = new QPushButton(u"OK"_s, this);
     ok->setObjectName(u"cmdOK"_s);
     ok->setDefault(true);
@@ -142,6 +147,7 @@ SettingsForm SettingsDialog::form() const
     f.serverPort = m_fields[ServerPort]->text();
     f.code = m_fields[Code]->text();
     f.confirmation = m_fields[Confirmation]->text();
+    f.notifications = m_notifications->isChecked();
     return f;
 }
 
@@ -154,6 +160,7 @@ void SettingsDialog::setForm(const SettingsForm& form)
     m_fields[DataSource]->setText(form.dataSource);
     m_fields[ServerIp]->setText(form.serverIp);
     m_fields[ServerPort]->setText(form.serverPort);
+    m_notifications->setChecked(form.notifications);
 }
 
 void SettingsDialog::setKind(DbKind kind)

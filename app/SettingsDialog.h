@@ -6,6 +6,7 @@
 
 class QAbstractButton;
 class QButtonGroup;
+class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -54,6 +55,7 @@ private:
     QLabel* m_fileHeading = nullptr;
     QList<QWidget*> m_serverControls;
     QLineEdit* m_fields[5] = {};
+    QCheckBox* m_notifications = nullptr;
 };
 
 } // namespace sx

@@ -38,6 +38,12 @@ public:
     [[nodiscard]] QString protectionCode() const { return value(QStringLiteral("SPS"), QStringLiteral("SP1")); }
     void setProtectionCode(const QString& code) { setValue(QStringLiteral("SPS"), QStringLiteral("SP1"), code); }
 
+    // Desktop alarm notifications (AppSettings/Notifications): on unless "0".
+    [[nodiscard]] bool notificationsOn() const
+    {
+        return app(QStringLiteral("Notifications")) != QStringLiteral("0");
+    }
+
     // DBType as stored; absent or not a number counts as 0.
     [[nodiscard]] int dbType() const;
     // Where the database is, from the stored settings.

@@ -58,6 +58,7 @@ SettingsForm readSettingsForm(const SettingsStore& store)
     form.serverPort = store.app(u"DBServerPORT"_s);
     form.code = store.protectionCode();
     form.confirmation = form.code;
+    form.notifications = store.notificationsOn();
     return form;
 }
 
@@ -69,6 +70,7 @@ void writeSettingsForm(SettingsStore& store, const SettingsForm& form)
     store.setApp(u"DBDataSource"_s, form.dataSource);
     store.setApp(u"DBServerIP"_s, form.serverIp);
     store.setApp(u"DBServerPORT"_s, form.serverPort);
+    store.setApp(u"Notifications"_s, form.notifications ? u"1"_s : u"0"_s);
     store.sync();
 }
 

@@ -19,6 +19,7 @@ struct SettingsForm {
     QString serverPort;
     QString code;
     QString confirmation;
+    bool notifications = true;
 };
 
 [[nodiscard]] inline bool isFileKind(DbKind kind)

@@ -1,6 +1,7 @@
 #include "app/UnitList.h"
 
 #include "app/QueryFailureReporter.h"
+#include "app/UnitMarks.h"
 #include "app/ViewWindow.h"
 
 #include <QComboBox>
@@ -110,6 +111,7 @@ void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll, Failu
         }
         if (!serials.isEmpty())
             ctx.systemSerials = serials;
+        markUnitList(*list, serials, ctx.fleet.get());
         if (list->count() == 0)
             return;
         const int index = initialIndex >= 0 && initialIndex < list->count() ? initialIndex : 0;

@@ -10,6 +10,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QMenu>
+#include <QMenuBar>
 
 using namespace Qt::StringLiterals;
 
@@ -95,6 +96,35 @@ void ViewWindow::addExitItem(QMenu* menu)
     QAction* exit = menu->addAction(u"Έξοδος"_s);
     exit->setObjectName(u"Terminateprg"_s);
     connect(exit, &QAction::triggered, this, [this] { confirmExit(m_ctx, this); });
+}
+
+QAction* ViewWindow::overviewItem()
+{
+    if (m_overviewItem)
+        return m_overviewItem;
+    // Added on first show, after the view has built its own menus, so that it
+    // comes after their items.
+    QMenu* misc = nullptr;
+    for (QAction* a : menuBar()->actions()) {
+        if (a->menu() && a->text() == u"Διάφορα"_s)
+            misc = a->menu();
+    }
+    if (!misc)
+        misc = menuBar()->addMenu(u"Διάφορα"_s);
+    m_overviewItem = misc->addAction(u"Επισκόπηση συστημάτων"_s);
+    m_overviewItem->setObjectName(u"ShowOverview"_s);
+    m_overviewItem->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
+    connect(m_overviewItem, &QAction::triggered, this, [this] {
+        if (m_ctx.showOverview)
+            m_ctx.showOverview();
+    });
+    return m_overviewItem;
+}
+
+void ViewWindow::showEvent(QShowEvent* event)
+{
+    (void)overviewItem();
+    QMainWindow::showEvent(event);
 }
 
 void ViewWindow::closeEvent(QCloseEvent* event)

@@ -5,6 +5,7 @@
 
 #include <QMainWindow>
 
+class QAction;
 class QComboBox;
 
 namespace sx {
@@ -43,9 +44,12 @@ public:
     // The database answers again after an outage: a visible view that failed
     // meanwhile, or whose unit list could not be read, fills itself again.
     virtual void refillAfterOutage();
+    // "Επισκόπηση συστημάτων", last in "Διάφορα" (made when the view has none).
+    [[nodiscard]] QAction* overviewItem();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     // Adds "Έξοδος" (Terminateprg) to a menu.
     void addExitItem(class QMenu* menu);
 
@@ -55,6 +59,7 @@ private:
     NavigationFrame* m_nav = nullptr;
     bool m_unloading = false;
     bool m_unitListStale = false;
+    QAction* m_overviewItem = nullptr;
 };
 
 // Asks whether to end the application; on Yes runs the shutdown steps.

@@ -9,6 +9,7 @@
 #include "model/Database.h"
 #include "views/SecondaryViews.h"
 #include "views/current/MainWindow.h"
+#include "views/overview/FleetWatch.h"
 
 #include <QApplication>
 
@@ -60,6 +61,11 @@ int main(int argc, char** argv)
         return *code;
     if (ended)
         return kExitNormal;
+    // The fleet is read at every refresh tick of the main view, hidden or not.
+    FleetWatch fleet(ctx);
+    if (auto* main = qobject_cast<MainWindow*>(navigator.mainView()))
+        QObject::connect(main->refreshTimer(), &QTimer::timeout, &fleet, &FleetWatch::refresh);
+    fleet.refresh();
     const int code = QApplication::exec();
     delete navigator.secondaryView();
     return code;

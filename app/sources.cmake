@@ -8,6 +8,7 @@ target_sources(sxgui PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/SettingsStore.h ${CMAKE_CURRENT_LIST_DIR}/SettingsStore.cpp
     ${CMAKE_CURRENT_LIST_DIR}/Twips.h ${CMAKE_CURRENT_LIST_DIR}/Twips.cpp
     ${CMAKE_CURRENT_LIST_DIR}/UnitList.h ${CMAKE_CURRENT_LIST_DIR}/UnitList.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/UnitMarks.h ${CMAKE_CURRENT_LIST_DIR}/UnitMarks.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ViewId.h
     ${CMAKE_CURRENT_LIST_DIR}/ViewWindow.h ${CMAKE_CURRENT_LIST_DIR}/ViewWindow.cpp
 )

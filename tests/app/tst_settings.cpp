@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -212,6 +213,36 @@ private slots:
                  QFile::Permissions(QFile::ReadOwner | QFile::WriteOwner));
     }
 
+    void notificationSwitchIsSavedWithTheRest_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<bool>("checked");
+        QTest::newRow("absent: on") << QString() << true;
+        QTest::newRow("1: on") << u"1"_s << true;
+        QTest::newRow("0: off") << u"0"_s << false;
+    }
+    void notificationSwitchIsSavedWithTheRest()
+    {
+        QFETCH(QString, stored);
+        QFETCH(bool, checked);
+        Bench b;
+        if (!stored.isNull())
+            b.store->setApp(u"Notifications"_s, stored);
+        b.store->setApp(u"DBType"_s, u"2"_s);
+        b.store->setApp(u"DBFile"_s, u"/srv/sx/sxdb.db"_s);
+        b.store->setProtectionCode(u"1"_s);
+        SettingsDialog d(*b.store, b.dialogs);
+        d.show();
+        auto* box = child<QCheckBox>(d, u"Notifications"_s);
+        QCOMPARE(box->isChecked(), checked);
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+        QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
+        QCOMPARE(d.result(), int(QDialog::Accepted));
+        SettingsStore reread(b.path());
+        QCOMPARE(reread.app(u"Notifications"_s), checked ? u"0"_s : u"1"_s);
+        QCOMPARE(reread.notificationsOn(), !checked);
+    }
+
     void refusedOkAndCancelSaveNothing()
     {
         Bench b;
@@ -309,7 +340,7 @@ private slots:
             QSKIP("the screen is not at 96 dpi");
         const QRect inside = d.rect();
         const auto widgets = d.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-        QCOMPARE(widgets.size(), 22);
+        QCOMPARE(widgets.size(), 23); // with the notifications switch
         for (QWidget* w : widgets) {
             const QString name = w->objectName();
             QVERIFY2(inside.contains(w->geometry()), qPrintable(name));

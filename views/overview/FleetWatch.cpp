@@ -1,0 +1,114 @@
+#include "views/overview/FleetWatch.h"
+
+#include "app/AppContext.h"
+#include "app/Navigator.h"
+#include "app/SettingsStore.h"
+#include "app/UnitMarks.h"
+#include "app/ViewWindow.h"
+#include "app/notify/DesktopNotifications.h"
+#include "views/overview/FleetTrayIcon.h"
+#include "views/overview/OverviewWindow.h"
+
+#include <QComboBox>
+#include <QSignalBlocker>
+
+namespace sx {
+
+FleetWatch::FleetWatch(AppContext& ctx, const QDBusConnection& bus, QObject* parent)
+    : QObject(parent), m_ctx(ctx), m_desktop(new DesktopNotifications(bus, this)),
+      m_tray(new FleetTrayIcon(this)),
+      m_notifier(*ctx.clock, [this](const FleetNotice& n) { m_desktop->send(n); })
+{
+    m_notifier.setEnabled(!ctx.settings || ctx.settings->notificationsOn());
+    connect(m_desktop, &DesktopNotifications::unitRequested, this, &FleetWatch::openUnit);
+    connect(m_desktop, &DesktopNotifications::overviewRequested, this, &FleetWatch::showOverview);
+    connect(m_tray, &FleetTrayIcon::activated, this, &FleetWatch::showOverview);
+    m_ctx.showOverview = [this] { showOverview(); };
+}
+
+FleetWatch::~FleetWatch()
+{
+    m_ctx.showOverview = nullptr;
+    delete m_overview;
+}
+
+OverviewWindow* FleetWatch::overview() const
+{
+    return m_overview;
+}
+
+void FleetWatch::refresh()
+{
+    DbError error;
+    std::optional<FleetSummary> read = readFleetSummary(*m_ctx.db, &error);
+    if (!read) {
+        // The views report the failure themselves; here it is one notice.
+        m_lost = true;
+        m_notifier.readFailed();
+        m_tray->setDatabaseLost();
+        if (m_overview)
+            m_overview->setDatabaseLost(true);
+        return;
+    }
+    auto fleet = std::make_shared<const FleetSummary>(std::move(*read));
+    m_ctx.fleet = fleet;
+    m_lost = false;
+    m_notifier.update(*fleet);
+    m_tray->setFleet(*fleet);
+    if (m_overview) {
+        m_overview->setDatabaseLost(false);
+        m_overview->setFleet(fleet);
+    }
+    if (Navigator* nav = m_ctx.navigator) {
+        for (ViewWindow* view : {nav->mainView(), nav->secondaryView()}) {
+            if (view)
+                remarkUnitList(*view->systemSelect(), fleet.get());
+        }
+    }
+}
+
+void FleetWatch::showOverview()
+{
+    if (!m_overview) {
+        m_overview = new OverviewWindow;
+        connect(m_overview, &OverviewWindow::unitChosen, this, &FleetWatch::openUnit);
+        m_overview->setFleet(m_ctx.fleet);
+        m_overview->setDatabaseLost(m_lost);
+    }
+    m_overview->show();
+    m_overview->raise();
+    m_overview->activateWindow();
+}
+
+void FleetWatch::openUnit(const QString& serial)
+{
+    Navigator* nav = m_ctx.navigator;
+    ViewWindow* main = nav ? nav->mainView() : nullptr;
+    if (!main || serial.isEmpty())
+        return;
+    bool arrived = false;
+    if (ViewWindow* other = nav->secondaryView(); other && other->isVisible()) {
+        // Leave the other view as its navigation button would, with the unit
+        // already chosen in its list so that the main view arrives on it.
+        if (const int i = other->systemSelect()->findData(serial); i >= 0) {
+            const QSignalBlocker block(other->systemSelect());
+            other->systemSelect()->setCurrentIndex(i);
+        }
+        nav->navigate(*other, ViewId::Current);
+        arrived = true;
+    }
+    QComboBox* list = main->systemSelect();
+    const int index = list->findData(serial);
+    if (index >= 0 && !(arrived && main->selectedSerial() == serial)) {
+        {
+            const QSignalBlocker block(list);
+            list->setCurrentIndex(index);
+        }
+        main->unitSelected(index);
+    }
+    main->show();
+    main->raise();
+    main->activateWindow();
+}
+
+} // namespace sx

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/notify/AlarmNotifier.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+
+namespace sx {
+
+struct AppContext;
+class DesktopNotifications;
+class FleetTrayIcon;
+class OverviewWindow;
+
+// Reads the whole fleet at every refresh tick and passes it on: the overview
+// window, the state marks of the unit lists, the tray and the desktop notices.
+class FleetWatch : public QObject {
+    Q_OBJECT
+public:
+    explicit FleetWatch(AppContext& ctx, const QDBusConnection& bus = QDBusConnection::sessionBus(),
+                        QObject* parent = nullptr);
+    ~FleetWatch() override;
+
+    // One read of the fleet (the first is what start-up found, told to nobody).
+    void refresh();
+    void showOverview();
+    // Brings the main view forward with this unit selected, as if the operator
+    // had picked it in the unit list.
+    void openUnit(const QString& serial);
+
+    [[nodiscard]] OverviewWindow* overview() const;
+    [[nodiscard]] AlarmNotifier& notifier() { return m_notifier; }
+    [[nodiscard]] DesktopNotifications* desktop() const { return m_desktop; }
+
+private:
+    AppContext& m_ctx;
+    DesktopNotifications* m_desktop = nullptr;
+    FleetTrayIcon* m_tray = nullptr;
+    AlarmNotifier m_notifier;
+    QPointer<OverviewWindow> m_overview;
+    bool m_lost = false;
+};
+
+} // namespace sx
