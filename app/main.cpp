@@ -1,4 +1,5 @@
 #include "app/AppContext.h"
+#include "app/AppIcon.h"
 #include "app/Navigator.h"
 #include "app/QueryFailureReporter.h"
 #include "app/SettingsStore.h"
@@ -24,6 +25,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName(appTitle());
     QApplication::setApplicationVersion(QStringLiteral(SX_VERSION));
+    useAppIcon();
     // Every way out goes through the shutdown steps; hiding the main view
     // while another view opens must not end anything.
     QApplication::setQuitOnLastWindowClosed(false);

@@ -6,6 +6,7 @@ SX_PACKAGES=(
     postgresql dbus
     poppler-utils python3 python3-openpyxl
     fonts-liberation2 fontconfig
+    dpkg-dev file lintian desktop-file-utils appstream
 )
 
 sx_install_deps() {

@@ -1,7 +1,8 @@
 // The two items of the "Διάφορα" menu: the version box and the protected
-// settings change.
+// settings change; the application's icon.
 #include "GuiFixture.h"
 #include "app/AppActions.h"
+#include "app/AppIcon.h"
 
 #include <QStandardPaths>
 #include <QTest>
@@ -30,6 +31,14 @@ private slots:
                                                 {u"3"_s, u"V3.00"_s},
                                                 {u""_s, u"V0.00"_s}})
             QCOMPARE(softwareVersionText(version), expected);
+    }
+
+    void iconIsCompiledInAtEverySize()
+    {
+        // The pictures are resources of a static library: lost unless linked in.
+        const QIcon icon = appIcon();
+        for (const int size : {16, 22, 24, 32, 48, 64, 128, 256})
+            QCOMPARE(icon.pixmap(QSize(size, size)).size(), QSize(size, size));
     }
 
     void softInfoBox()

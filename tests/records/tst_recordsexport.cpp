@@ -16,6 +16,7 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QXmlStreamReader>
 
@@ -222,6 +223,37 @@ private slots:
         QVERIFY(!xlsx::fillSheetXml("<workbook><sheets/></workbook>", out, f));
         QVERIFY(!xlsx::fillSheetXml("<worksheet><sheetData><row>", out, f));
         QVERIFY(!xlsx::fillSheetXml("not xml at all", out, f));
+    }
+
+    // A build tree has the template beside the program; an installed copy in
+    // share/sentorax-monitor/, reached from bin/.
+    void templateIsFoundWhereTheProgramLives_data()
+    {
+        QTest::addColumn<QStringList>("present");
+        QTest::addColumn<QString>("expected");
+        const QString beside = u"bin/TEMPLATEv2.xlsx"_s;
+        const QString installed = u"share/sentorax-monitor/TEMPLATEv2.xlsx"_s;
+        QTest::newRow("build tree") << QStringList{beside} << beside;
+        QTest::newRow("installed") << QStringList{installed} << installed;
+        QTest::newRow("beside wins") << QStringList{beside, installed} << beside;
+        QTest::newRow("installed, template removed")
+            << QStringList{u"share/sentorax-monitor/"_s} << installed;
+        QTest::newRow("build tree, template not made") << QStringList{} << beside;
+    }
+
+    void templateIsFoundWhereTheProgramLives()
+    {
+        QFETCH(QStringList, present);
+        QFETCH(QString, expected);
+        QTemporaryDir root;
+        QVERIFY(QDir(root.path()).mkpath(u"bin"_s));
+        for (const QString& path : present) {
+            QVERIFY(QDir(root.path()).mkpath(QFileInfo(root.filePath(path)).path()));
+            if (!path.endsWith(u'/'))
+                QVERIFY(QFile(root.filePath(path)).open(QIODevice::WriteOnly));
+        }
+        QCOMPARE(xlsx::templatePathFor(root.filePath(u"bin"_s), u"../share/sentorax-monitor"_s),
+                 root.filePath(expected));
     }
 
     void init()

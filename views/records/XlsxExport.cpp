@@ -26,10 +26,22 @@ using namespace Qt::StringLiterals;
 
 namespace sx::xlsx {
 
+QString templatePathFor(const QString& programDir, const QString& dataFromBin)
+{
+    const QString name = QString::fromUtf16(kTemplateFileName);
+    const QDir here(programDir);
+    const QString beside = here.filePath(name);
+    if (QFileInfo::exists(beside))
+        return beside;
+    const QFileInfo installed(QDir::cleanPath(here.filePath(dataFromBin + u'/' + name)));
+    // Only an installed copy has the data folder; a build tree keeps naming its own folder.
+    return installed.dir().exists() ? installed.filePath() : beside;
+}
+
 QString defaultTemplatePath()
 {
-    return QDir(QCoreApplication::applicationDirPath())
-        .filePath(QString::fromUtf16(kTemplateFileName));
+    return templatePathFor(QCoreApplication::applicationDirPath(),
+                           QStringLiteral(SX_TEMPLATE_DIR_FROM_BIN));
 }
 
 QString askExcelFileName(DialogService& dialogs, QWidget* parent, const QString& proposed)

@@ -16,8 +16,13 @@ namespace xlsx {
 
 // The file name of the spreadsheet template, kept beside the program.
 inline constexpr char16_t kTemplateFileName[] = u"TEMPLATEv2.xlsx";
-// The template of this installation: the program's folder + TEMPLATEv2.xlsx.
+// The template of this installation: see templatePathFor.
 [[nodiscard]] QString defaultTemplatePath();
+// Where the template of a program in `programDir` is: beside the program (a
+// build tree) or in the installed data folder beside its bin/ (`dataFromBin`,
+// relative to `programDir`). When neither holds it, the installed place if that
+// folder exists, so that the missing-file message names the right place.
+[[nodiscard]] QString templatePathFor(const QString& programDir, const QString& dataFromBin);
 
 // AskExcelFileName: the save dialog for a workbook; ".xlsx" is added to a
 // name without an extension. Empty when cancelled.

@@ -16,6 +16,13 @@ target_sources(sxgui PRIVATE
 # A year of records is read straight from the driver's own handle.
 target_link_libraries(sxgui PRIVATE PkgConfig::SQLITE3 PkgConfig::LIBPQ)
 
+# An installed console finds its template in the data folder, reached from bin/.
+file(RELATIVE_PATH _sx_data_from_bin ${CMAKE_INSTALL_FULL_BINDIR}
+     ${CMAKE_INSTALL_FULL_DATADIR}/sentorax-monitor)
+set_property(SOURCE ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.cpp APPEND PROPERTY
+             COMPILE_DEFINITIONS SX_TEMPLATE_DIR_FROM_BIN="${_sx_data_from_bin}")
+unset(_sx_data_from_bin)
+
 # The export writes the workbook through QuaZip (Debian: libquazip1-qt6-dev).
 # Without it the project still builds; the export then says it is unavailable.
 find_package(QuaZip-Qt6 QUIET)
@@ -36,6 +43,8 @@ if(QuaZip-Qt6_FOUND)
     add_custom_target(sx_records_template ALL DEPENDS ${_sx_template})
     add_dependencies(sxgui sx_records_template)
     set_property(GLOBAL PROPERTY SX_RECORDS_TEMPLATE ${_sx_template})
+    install(FILES ${_sx_template} DESTINATION ${CMAKE_INSTALL_DATADIR}/sentorax-monitor
+            COMPONENT monitor)
     unset(_sx_template)
 else()
     message(WARNING "QuaZip-Qt6 not found: the records export to Excel is left out")
