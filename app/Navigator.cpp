@@ -1,5 +1,6 @@
 #include "app/Navigator.h"
 
+#include "app/QueryFailureReporter.h"
 #include "app/UnitList.h"
 #include "app/ViewWindow.h"
 
@@ -29,6 +30,7 @@ void Navigator::navigate(ViewWindow& from, ViewId to)
 {
     if (from.viewId() == to)
         return;
+    const QueryFailureReporter::Action action(m_ctx.failures);
     const int index = from.unitIndex();
     // Only the events view lists "ΟΛΑ".
     const bool includeAll = to == ViewId::Events;

@@ -32,7 +32,12 @@ void QueryFailureReporter::report(const DbError& error, QWidget* parent, Failure
     if (error.cause == DbFailureCause::Unreachable ||
         (db && (!db->isOpen() || db->connectionLost())))
         noteLost();
+    // A refresh that fails while a user's action waits is explained by that action.
+    if (origin == FailureOrigin::Refresh && m_userWaits > 0)
+        m_outage = true;
     if (origin == FailureOrigin::Quiet || (origin == FailureOrigin::Refresh && m_outage))
+        return;
+    if (m_actionDepth > 0 && std::exchange(m_actionReported, true))
         return;
     // Set before the box: its own event loop lets the refresh run meanwhile.
     m_outage = true;
@@ -82,7 +87,9 @@ bool QueryFailureReporter::ensureConnection(FailureOrigin origin)
     QEventLoop loop;
     connect(probe.get(), &QThread::finished, &loop, &QEventLoop::quit);
     probe->start();
+    ++m_userWaits;
     loop.exec(QEventLoop::ExcludeUserInputEvents);
+    --m_userWaits;
     probe->wait();
     if (!m_lost)
         return true; // the background probe reconnected meanwhile

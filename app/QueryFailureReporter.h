@@ -39,6 +39,27 @@ public:
     {
         report(error, parent, FailureOrigin::User);
     }
+    // One user action (a view change) that runs several queries: the user
+    // hears of its first failure only.
+    class Action {
+    public:
+        explicit Action(QueryFailureReporter* r) : m_r(r)
+        {
+            if (m_r && m_r->m_actionDepth++ == 0)
+                m_r->m_actionReported = false;
+        }
+        ~Action()
+        {
+            if (m_r)
+                --m_r->m_actionDepth;
+        }
+        Action(const Action&) = delete;
+        Action& operator=(const Action&) = delete;
+
+    private:
+        QueryFailureReporter* m_r;
+    };
+
     // A round of queries succeeded: the next failure is news again.
     void clear();
     [[nodiscard]] bool inOutage() const { return m_outage; }
@@ -76,6 +97,9 @@ private:
     bool m_outage = false;
     bool m_lost = false;
     int m_shown = 0;
+    int m_userWaits = 0;
+    int m_actionDepth = 0;
+    bool m_actionReported = false;
     int m_firstDelayMs = 500;
     int m_longestDelayMs = 5000;
     int m_delayMs = 500;
