@@ -1,3 +1,4 @@
+#include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "ReportSeed.h"
@@ -167,8 +168,8 @@ private slots:
 
         m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
         fillSystemSelect(*m_w, 0, false);
-        m_w->yearSelect()->setCurrentIndex(26);
-        m_w->monthSelect()->setCurrentIndex(2);
+        test::chooseItem(m_w->yearSelect(), 26);
+        test::chooseItem(m_w->monthSelect(), 2);
         m_w->selectAllRecords();
         m_fx->dialogs.answerPrint(true, [&](QPrinter& p) { setUpPdf(p, window); });
         (summary ? m_w->summaryAction() : m_w->printAction())->trigger();

@@ -1,3 +1,4 @@
+#include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "app/UnitList.h"
 #include "model/Dialect.h"
@@ -280,7 +281,7 @@ private:
         w.show();
         fillSystemSelect(w, 0, false);
         for (int u = 0; u < units; ++u) {
-            w.systemSelect()->setCurrentIndex(u);
+            test::chooseItem(w.systemSelect(), u);
             w.refresh();
             QVERIFY(!w.databaseLost());
             for (QTableWidget* grid : {w.pointsGrid(), w.powerGrid()}) {
@@ -300,10 +301,10 @@ private:
         w.show();
         fillSystemSelect(w, 0, false);
         for (int u = 0; u < units; ++u) {
-            w.systemSelect()->setCurrentIndex(u);
+            test::chooseItem(w.systemSelect(), u);
             for (int z = 0; z < w.sensorSelect()->count(); ++z) {
-                w.sensorSelect()->setCurrentIndex(z);
-                w.monthSelect()->setCurrentIndex(2);
+                test::chooseItem(w.sensorSelect(), z);
+                test::chooseItem(w.monthSelect(), 2);
                 const int rows = w.model()->rowCount();
                 if (rows == 0)
                     continue;
@@ -363,10 +364,10 @@ private:
         w.kindOption(2)->click();
         w.newOption(1)->click();
         for (int u = 0; u < w.systemSelect()->count(); ++u) {
-            w.systemSelect()->setCurrentIndex(u);
+            test::chooseItem(w.systemSelect(), u);
             bool printed = false;
             for (int s = 0; s < w.sensorSelect()->count(); ++s) {
-                w.sensorSelect()->setCurrentIndex(s);
+                test::chooseItem(w.sensorSelect(), s);
                 w.refreshEvents();
                 if (w.model()->rowCount() == 0)
                     continue;
