@@ -59,6 +59,12 @@ public:
     // Everything with a socket notifier goes in its own thread.
     void shutDown()
     {
+        // A socket deleted with its peer's handlers still wired would have
+        // them reach it half destroyed.
+        for (const QPointer<QTcpSocket>& s : std::as_const(m_sockets)) {
+            if (s)
+                s->disconnect(this);
+        }
         for (const QPointer<QTcpSocket>& s : std::as_const(m_sockets))
             delete s.data();
         m_sockets.clear();
