@@ -2,6 +2,7 @@
 // selected in the records view: opening the window, one full redraw after a
 // zoom, a zoom-out and a scroll step, and one cursor move with its readout.
 // Painted offscreen; each figure is the best of several runs or an average.
+#include "BestTime.h"
 #include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "ScrollBarPart.h"
@@ -33,17 +34,7 @@ namespace {
 
 constexpr qint64 kRows = 525600;
 
-template <typename F> double bestMs(int runs, F&& run)
-{
-    double t = 1e12;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        run();
-        t = std::min(t, timer.nsecsElapsed() / 1e6);
-    }
-    return t;
-}
+using bench::bestMs;
 
 void move(GraphWindow* g, QPointF pixel)
 {

@@ -1,6 +1,7 @@
 // The monthly summary over a year of one-minute records of one zone (525,600
 // rows): read and summarised, then written to PDF with its chart, on SQLite
 // and on PostgreSQL (when SX_TEST_PG names a server). Best of three runs.
+#include "BestTime.h"
 #include "ScratchDatabase.h"
 #include "app/PrintPreview.h"
 #include "model/SqlDateTime.h"
@@ -22,17 +23,7 @@ namespace {
 
 constexpr qint64 kRows = 525600;
 
-template <typename F> double bestMs(int runs, F&& run)
-{
-    double t = 1e12;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        run();
-        t = std::min(t, timer.nsecsElapsed() / 1e6);
-    }
-    return t;
-}
+using bench::bestMs;
 
 int benchKind(const char* kind)
 {
