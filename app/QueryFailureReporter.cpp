@@ -9,6 +9,32 @@
 
 namespace sx {
 
+namespace {
+
+// SQLite's busy and locked codes; its extended codes keep them in the low byte.
+constexpr int kSqliteBusy = 5;
+constexpr int kSqliteLocked = 6;
+
+bool lockedByWriter(const DbError& e, DbKind kind)
+{
+    if (kind != DbKind::SQLite || e.number <= 0)
+        return false;
+    const int primary = e.number & 0xff;
+    return primary == kSqliteBusy || primary == kSqliteLocked;
+}
+
+// Whether a read gets through now: an SQLite file a writer holds opens, but
+// cannot be read.
+bool answersReads(const ConnectionSettings& settings)
+{
+    if (settings.kind != DbKind::SQLite)
+        return Database::reachable(settings);
+    Database probe;
+    return !probe.open(settings).isError();
+}
+
+} // namespace
+
 QueryFailureReporter::QueryFailureReporter(AppContext& ctx, QObject* parent)
     : QObject(parent), m_ctx(ctx)
 {
@@ -29,9 +55,16 @@ void QueryFailureReporter::report(const DbError& error, QWidget* parent, Failure
     if (parent && !m_failedIn.contains(parent))
         m_failedIn.append(parent);
     Database* db = m_ctx.db;
-    if (error.cause == DbFailureCause::Unreachable ||
-        (db && (!db->isOpen() || db->connectionLost())))
+    // While a writer holds the file, a read not tried says "lost" too; it is not.
+    if ((db && (!db->isOpen() || db->connectionLost())) ||
+        (error.cause == DbFailureCause::Unreachable && !m_locked))
         noteLost();
+    else if (m_locked || (db && lockedByWriter(error, db->kind())))
+        noteLocked();
+    // A view that fills again after an outage tries by itself; failing again
+    // is still the outage the user was told of.
+    if (m_refilling && origin == FailureOrigin::User)
+        origin = FailureOrigin::Refresh;
     // A refresh that fails while a user's action waits is explained by that action.
     if (origin == FailureOrigin::Refresh && m_userWaits > 0)
         m_outage = true;
@@ -51,6 +84,14 @@ void QueryFailureReporter::clear()
 {
     if (m_lost)
         return;
+    if (m_locked) {
+        // A read got through: the writer let go before the probe noticed.
+        m_locked = false;
+        m_retry.stop();
+        m_delayMs = m_firstDelayMs;
+        m_refillDue += m_failedIn;
+        announceBack();
+    }
     m_outage = false;
     m_failedIn.clear();
 }
@@ -73,8 +114,14 @@ bool QueryFailureReporter::ensureConnection(FailureOrigin origin)
     if (!db)
         return false;
     if (!m_lost) {
-        if (db->isOpen() && !db->connectionLost())
+        if (db->isOpen() && !db->connectionLost()) {
+            // Each read of a locked file sleeps its busy time-out on this thread:
+            // the refresh leaves it to the probe, and an action that failed
+            // already does not try its remaining reads.
+            if (m_locked)
+                return origin == FailureOrigin::User && !(m_actionDepth > 0 && m_actionReported);
             return true;
+        }
         noteLost();
     }
     if (origin != FailureOrigin::User)
@@ -119,13 +166,25 @@ void QueryFailureReporter::noteLost()
         m_retry.start(m_delayMs);
 }
 
+void QueryFailureReporter::noteLocked()
+{
+    if (m_lost)
+        return;
+    if (!m_locked) {
+        m_locked = true;
+        m_delayMs = m_firstDelayMs;
+    }
+    if (!m_retry.isActive() && !m_probe)
+        m_retry.start(m_delayMs);
+}
+
 void QueryFailureReporter::startProbe()
 {
-    if (m_probe || !m_ctx.db)
+    if (m_probe || !m_ctx.db || !(m_lost || m_locked))
         return;
     auto answered = std::make_shared<bool>(false);
-    m_probe.reset(QThread::create([answered, settings = m_ctx.db->settings()] {
-        *answered = Database::reachable(settings);
+    m_probe.reset(QThread::create([answered, lost = m_lost, settings = m_ctx.db->settings()] {
+        *answered = lost ? Database::reachable(settings) : answersReads(settings);
     }));
     connect(m_probe.get(), &QThread::finished, this, [this, answered] {
         m_probe->wait();
@@ -137,10 +196,19 @@ void QueryFailureReporter::startProbe()
 
 void QueryFailureReporter::probeFinished(bool reachable)
 {
-    if (!m_lost)
+    if (m_lost) {
+        if (reachable && reconnect())
+            return;
+    } else if (m_locked) {
+        if (reachable) {
+            m_locked = false;
+            m_delayMs = m_firstDelayMs;
+            announceBack();
+            return;
+        }
+    } else {
         return;
-    if (reachable && reconnect())
-        return;
+    }
     // A long outage costs one probe every few seconds, not one per refresh.
     m_delayMs = std::min(m_delayMs * 2, m_longestDelayMs);
     m_retry.start(m_delayMs);
@@ -164,16 +232,26 @@ bool QueryFailureReporter::reconnect()
     m_outage = false;
     m_retry.stop();
     m_delayMs = m_firstDelayMs;
+    announceBack();
+    return true;
+}
+
+void QueryFailureReporter::announceBack()
+{
     // Queued: the views refill from the event loop, not from inside the caller.
     QMetaObject::invokeMethod(
         this,
         [this] {
-            m_failedBeforeReturn = std::exchange(m_failedIn, {});
+            // A refill waits in event loops of its own, where the next return may be announced.
+            const auto previous =
+                std::exchange(m_failedBeforeReturn,
+                              std::exchange(m_refillDue, {}) + std::exchange(m_failedIn, {}));
+            const bool wasRefilling = std::exchange(m_refilling, true);
             emit databaseBack();
-            m_failedBeforeReturn.clear();
+            m_refilling = wasRefilling;
+            m_failedBeforeReturn = previous;
         },
         Qt::QueuedConnection);
-    return true;
 }
 
 } // namespace sx

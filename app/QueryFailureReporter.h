@@ -26,7 +26,9 @@ enum class FailureOrigin { Refresh, User, Quiet };
 // reported here, and this is the only place that reconnects. While the
 // connection is lost it asks, away from the GUI thread and less often the
 // longer the outage lasts, whether the database answers again; when it does
-// it reconnects and emits databaseBack() so that the views refill.
+// it reconnects and emits databaseBack() so that the views refill. A file
+// locked by a writer is not a lost connection, but it is watched the same
+// way: once a read gets through again, the views that failed refill.
 class QueryFailureReporter : public QObject {
     Q_OBJECT
 public:
@@ -60,10 +62,33 @@ public:
         QueryFailureReporter* m_r;
     };
 
+    // A user's action waits for a worker: a refresh failing meanwhile leaves
+    // the telling to that action.
+    class UserWait {
+    public:
+        explicit UserWait(QueryFailureReporter* r) : m_r(r)
+        {
+            if (m_r)
+                ++m_r->m_userWaits;
+        }
+        ~UserWait()
+        {
+            if (m_r)
+                --m_r->m_userWaits;
+        }
+        UserWait(const UserWait&) = delete;
+        UserWait& operator=(const UserWait&) = delete;
+
+    private:
+        QueryFailureReporter* m_r;
+    };
+
     // A round of queries succeeded: the next failure is news again.
     void clear();
     [[nodiscard]] bool inOutage() const { return m_outage; }
     [[nodiscard]] bool connectionLost() const { return m_lost; }
+    // A writer held the database when a query failed, and no read got through since.
+    [[nodiscard]] bool lockedOut() const { return m_locked; }
     // Before queries: true when the connection is usable. A lost connection
     // is only reopened once the server has answered a probe; the refresh
     // never waits for that, a user's action waits (events keep flowing).
@@ -84,18 +109,24 @@ public:
     void setRefreshDeadlineMs(int ms) { m_refreshDeadlineMs = ms; }
 
 signals:
-    // The lost connection works again; views refill from whatever state they are in.
+    // The lost connection works again, or a writer's lock ended; views refill
+    // from whatever state they are in. A refill that fails again is a
+    // failure of the refresh, not a new one of the user's.
     void databaseBack();
 
 private:
     void noteLost();
+    void noteLocked();
     void startProbe();
     void probeFinished(bool reachable);
     bool reconnect();
+    void announceBack();
 
     AppContext& m_ctx;
     bool m_outage = false;
     bool m_lost = false;
+    bool m_locked = false;
+    bool m_refilling = false;
     int m_shown = 0;
     int m_userWaits = 0;
     int m_actionDepth = 0;
@@ -108,6 +139,7 @@ private:
     std::unique_ptr<QThread> m_probe;
     QList<QPointer<QWidget>> m_failedIn;
     QList<QPointer<QWidget>> m_failedBeforeReturn;
+    QList<QPointer<QWidget>> m_refillDue;
     QStringList m_pending;
 };
 

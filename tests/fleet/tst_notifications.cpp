@@ -228,8 +228,8 @@ void TestNotifications::outageAndReturnAreOneNoticeEach()
     QCOMPARE(m_receiver->sent.size(), 1);
     QCOMPARE(m_receiver->sent.at(0).body, u"Χάθηκε η σύνδεση με τη βάση δεδομένων"_s);
     QCOMPARE(m_receiver->sent.at(0).urgency, 2);
-    QVERIFY(!m_fx->db.reopen().isError());
-    tick();
+    // The console reopens the connection itself, and reads the fleet again then.
+    QTRY_VERIFY(!m_fx->failures->connectionLost());
     tick();
     QCOMPARE(m_receiver->sent.size(), 2);
     QCOMPARE(m_receiver->sent.at(1).body, u"Η σύνδεση με τη βάση δεδομένων αποκαταστάθηκε"_s);

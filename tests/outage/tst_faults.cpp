@@ -1,18 +1,30 @@
 #include "../current/CurrentSeed.h"
+#include "../events/EventsSeed.h"
+#include "../records/RecordsSeed.h"
+#include "ChooseItem.h"
 #include "FaultProxy.h"
 #include "GuiFixture.h"
 #include "app/UnitList.h"
 #include "views/current/CurrentReport.h"
 #include "views/current/MainWindow.h"
 #include "views/current/UnitCommands.h"
+#include "views/events/EventsModel.h"
+#include "views/events/EventsWindow.h"
 #include "views/messages/MessagesWindow.h"
+#include "views/overview/FleetWatch.h"
+#include "views/records/RecordsModel.h"
+#include "views/records/RecordsWindow.h"
 
 #include <QComboBox>
+#include <QDBusConnection>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QPrinter>
+#include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
+
+#include <map>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
@@ -39,7 +51,16 @@ private:
 };
 
 enum class Fault { ServerGone, BlackHole, SlowPackets, FileLocked, FileGone };
-enum class During { IdleRefresh, ViewChange, Command, Print };
+enum class During {
+    IdleRefresh,
+    ViewChange,
+    Command,
+    Print,
+    Marking,
+    RecordsLoad,
+    EventsLoad,
+    FleetRead
+};
 
 } // namespace
 
@@ -61,7 +82,34 @@ class TestFaults : public QObject {
         for (int n = 1; n <= 4; ++n)
             ok = ok && s.point(u"S-1"_s, n, u"'Ζ'"_s) &&
                  s.pointCondition(u"S-1"_s, n, QString::number(n));
+        // Records of zone 1 and new alarms in March 2026, the views' opening month.
+        ok = ok &&
+             !db.exec(u"UPDATE Sensors_Info SET SeI_RecordsTable_Pagebyteswrit=64"_s).isError() &&
+             !db.exec(u"UPDATE Systems_Info SET SyI_EventsTable_Pagebyteswritt=32"_s).isError();
+        const qint64 from = *parseSqlDateTime(u"2026-03-02 00:00:00");
+        ok = ok && RecordsSeed(db).series(u"S-1"_s, 1, from, 3600, kRecords,
+                                          [](int i) { return 20.0 + i; });
+        EventsSeed e(db);
+        for (int i = 1; i <= kEvents; ++i)
+            ok = ok && e.event(u"S-1"_s, i, u"2026-03-0%1 08:00:00"_s.arg(i), 1, 1);
         return ok;
+    }
+
+    static constexpr int kRecords = 6;
+    static constexpr int kEvents = 3;
+
+    // The view shows what the database holds (not the lost or empty state).
+    static bool filled(ViewWindow* view)
+    {
+        if (auto* v = qobject_cast<MainWindow*>(view))
+            return !v->databaseLost() && v->pointsGrid()->rowCount() == 4;
+        if (auto* v = qobject_cast<RecordsWindow*>(view))
+            return v->model()->rowCount() == kRecords;
+        if (auto* v = qobject_cast<EventsWindow*>(view))
+            return v->model()->rowCount() == kEvents;
+        if (auto* v = qobject_cast<MessagesWindow*>(view))
+            return !v->messageText().isEmpty();
+        return false;
     }
 
     // The explanation boxes of failed queries (not a command's own notices).
@@ -87,14 +135,30 @@ private slots:
                 QTest::addRow("%s, view change", name) << f << During::ViewChange << 1;
                 QTest::addRow("%s, command", name) << f << During::Command << 1;
                 QTest::addRow("%s, print", name) << f << During::Print << 1;
+                QTest::addRow("%s, marking", name) << f << During::Marking << 1;
+                QTest::addRow("%s, records load", name) << f << During::RecordsLoad << 1;
+                QTest::addRow("%s, fleet read", name) << f << During::FleetRead << 1;
             }
+            QTest::newRow("server gone, events load")
+                << Fault::ServerGone << During::EventsLoad << 1;
             QTest::newRow("slow packets, idle refresh")
                 << Fault::SlowPackets << During::IdleRefresh << 0;
             QTest::newRow("slow packets, command") << Fault::SlowPackets << During::Command << 0;
         } else {
+            // The file is in rollback-journal mode here, where a writer keeps readers out too.
             QTest::newRow("file locked, command") << Fault::FileLocked << During::Command << 1;
+            QTest::newRow("file locked, marking") << Fault::FileLocked << During::Marking << 1;
+            QTest::newRow("file locked, records load")
+                << Fault::FileLocked << During::RecordsLoad << 1;
+            QTest::newRow("file locked, events load")
+                << Fault::FileLocked << During::EventsLoad << 1;
+            QTest::newRow("file locked, view change")
+                << Fault::FileLocked << During::ViewChange << 1;
+            QTest::newRow("file locked, fleet read") << Fault::FileLocked << During::FleetRead << 1;
             QTest::newRow("file gone, idle refresh") << Fault::FileGone << During::IdleRefresh << 1;
             QTest::newRow("file gone, view change") << Fault::FileGone << During::ViewChange << 1;
+            QTest::newRow("file gone, records load") << Fault::FileGone << During::RecordsLoad << 1;
+            QTest::newRow("file gone, print") << Fault::FileGone << During::Print << 1;
         }
     }
 
@@ -107,6 +171,10 @@ private slots:
         SX_REQUIRE_DB(fx.scratch);
         QVERIFY(fx.ready());
         QVERIFY(seed(fx.db));
+        if (fault == Fault::FileLocked)
+            QVERIFY(!fx.db.exec(u"PRAGMA journal_mode=DELETE"_s).isError());
+        fx.clock.advance(
+            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
 
         std::unique_ptr<FaultProxy> proxy;
         if (fx.scratch.isPostgres()) {
@@ -125,6 +193,9 @@ private slots:
         fx.failures->setRetryDelays(100, 800);
         fx.navigator->setFactory(ViewId::Messages,
                                  [](AppContext& c) { return new MessagesWindow(c); });
+        fx.navigator->setFactory(ViewId::Records,
+                                 [](AppContext& c) { return new RecordsWindow(c); });
+        fx.navigator->setFactory(ViewId::Events, [](AppContext& c) { return new EventsWindow(c); });
 
         const auto owned = std::make_unique<MainWindow>(fx.ctx);
         MainWindow* main = owned.get();
@@ -133,6 +204,29 @@ private slots:
         fillSystemSelect(*main, 0, false);
         QCOMPARE(main->pointsGrid()->rowCount(), 4);
         main->refreshTimer()->setInterval(300);
+        // Read at every tick of the main view, as the console wires it; left
+        // to itself where it meets the fault alone.
+        FleetWatch fleet(fx.ctx, QDBusConnection(u"sx-no-bus"_s));
+        if (during != During::FleetRead)
+            QObject::connect(main->refreshTimer(), &QTimer::timeout, &fleet, &FleetWatch::refresh);
+        fleet.refresh();
+        QVERIFY(fx.ctx.fleet);
+
+        // The view the fault meets, opened and filled before it starts.
+        ViewWindow* shown = main;
+        const std::map<During, ViewId> opened{{During::Marking, ViewId::Events},
+                                              {During::EventsLoad, ViewId::Events},
+                                              {During::RecordsLoad, ViewId::Records}};
+        if (const auto to = opened.find(during); to != opened.end()) {
+            fx.navigator->navigate(*main, to->second);
+            shown = fx.navigator->visibleView();
+            QVERIFY(shown && shown->viewId() == to->second);
+        }
+        QVERIFY(filled(shown));
+        EventsSeed events(fx.db);
+        const QString acks = events.acks(u"S-1"_s);
+        const QString pdf = fx.scratch.folder() + u"/kept.pdf"_s;
+        const QByteArray kept = "the report printed yesterday";
 
         Database locker;
         const QString file = fx.scratch.settings().file;
@@ -157,7 +251,9 @@ private slots:
             break;
         }
 
-        ViewWindow* shown = main;
+        auto* eventsView = qobject_cast<EventsWindow*>(shown);
+        auto* recordsView = qobject_cast<RecordsWindow*>(shown);
+        const auto faultFleet = fx.ctx.fleet;
         switch (during) {
         case During::IdleRefresh:
             main->refresh();
@@ -175,15 +271,34 @@ private slots:
             runRelayCommand(fx.ctx, *main);
             break;
         case During::Print: {
-            const QString pdf = fx.scratch.folder() + u"/cut.pdf"_s;
+            // Into the file of an earlier report: it stays as it was.
+            QFile old(pdf);
+            QVERIFY(old.open(QIODevice::WriteOnly) && old.write(kept) == kept.size());
+            old.close();
             fx.dialogs.answerPrint(true, [pdf](QPrinter& p) {
                 p.setOutputFormat(QPrinter::PdfFormat);
                 p.setOutputFileName(pdf);
             });
             printCurrentCondition(fx.ctx, main, u"S-1"_s);
-            QCOMPARE(QFile::exists(pdf), boxes == 0);
             break;
         }
+        case During::Marking:
+            eventsView->selectAllEvents();
+            eventsView->markButton()->click();
+            break;
+        case During::RecordsLoad:
+            chooseItem(recordsView->sensorSelect(), 0);
+            QVERIFY(!filled(shown));
+            break;
+        case During::EventsLoad:
+            chooseItem(eventsView->sensorSelect(), eventsView->sensorSelect()->count() - 1);
+            QVERIFY(!filled(shown));
+            break;
+        case During::FleetRead:
+            fleet.refresh(); // alone, then with the main view: one box between them
+            main->refresh();
+            fleet.refresh();
+            break;
         }
         QTRY_COMPARE(failureBoxes(fx.dialogs), boxes);
 
@@ -197,7 +312,8 @@ private slots:
 
         // Refilled by itself within one refresh interval of the console.
         QTRY_VERIFY_WITH_TIMEOUT(shown->systemSelect()->count() == 1 &&
-                                     !fx.failures->connectionLost(),
+                                     !fx.failures->connectionLost() && !fx.failures->lockedOut() &&
+                                     filled(shown) && fx.ctx.fleet != faultFleet,
                                  MainWindow::kRefreshIntervalMs);
         if (shown == main)
             QTRY_VERIFY_WITH_TIMEOUT(!main->databaseLost() && main->pointsGrid()->rowCount() == 4,
@@ -205,6 +321,13 @@ private slots:
         QCOMPARE(failureBoxes(fx.dialogs), boxes);
         QVERIFY2(meter.longestMs() <= 250, qPrintable(QString::number(meter.longestMs())));
         QVERIFY(fx.failures->pendingStatements().isEmpty());
+        // Nothing half marked, and no half-written report over the old one.
+        QCOMPARE(events.acks(u"S-1"_s), acks);
+        if (during == During::Print) {
+            QFile old(pdf);
+            QVERIFY(old.open(QIODevice::ReadOnly));
+            QCOMPARE(old.readAll(), kept);
+        }
         Rows left = fx.db.read(u"SELECT COUNT(*) AS n FROM Terminal_Requests"_s);
         QVERIFY(left.next());
         QCOMPARE(left.intOr(u"n", -1), 0);

@@ -205,9 +205,13 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
         return;
     report::ReportData data;
     const auto read = [&] {
-        if (ctx.failures)
-            (void)ctx.failures->ensureConnection(FailureOrigin::User);
-        const DbError e = readCurrentReport(ctx, serial, data);
+        // A connection that cannot be opened again is not read: a file gone
+        // from under it would still give its old pages.
+        const DbError e =
+            ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User)
+                ? DbError{kProviderErrorNumber, u"The connection to the database is lost."_s,
+                          DbFailureCause::Unreachable}
+                : readCurrentReport(ctx, serial, data);
         if (e.isError() && ctx.failures)
             ctx.failures->reportAction(e, parent);
         return !e.isError();

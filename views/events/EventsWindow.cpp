@@ -350,6 +350,17 @@ void EventsWindow::unitSelected(int index)
     }
 }
 
+void EventsWindow::refillAfterOutage()
+{
+    const AppContext& ctx = context();
+    if (isVisible() && !unitListStale() && !m_sources.isEmpty() && ctx.failures &&
+        ctx.failures->failedIn(this)) {
+        refreshEvents();
+        return;
+    }
+    ViewWindow::refillAfterOutage();
+}
+
 void EventsWindow::sourceSelected()
 {
     const int i = m_sensorSelect->currentIndex();
@@ -427,10 +438,12 @@ void EventsWindow::refreshEvents()
     m_model->clear();
 
     events::EventsLoad load;
-    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
+    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User)) {
         load.error = lostConnection();
-    else
+    } else {
+        const QueryFailureReporter::UserWait waiting(ctx.failures);
         load = events::loadEventsAside(ctx.db->settings(), request(), lineCounter());
+    }
     if (!self)
         return;
     if (load.error.isError()) {

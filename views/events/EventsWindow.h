@@ -30,6 +30,8 @@ public:
 
     // SystemSelect: rebuilds the source list for the unit (or all units).
     void unitSelected(int index) override;
+    // Reads the chosen source and filters again when only the events failed.
+    void refillAfterOutage() override;
     // Refills the grid from the database with the current choices.
     void refreshEvents();
     // EventsMarkCmd: marks the selected rows, then refills.

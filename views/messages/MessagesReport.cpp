@@ -134,10 +134,13 @@ void printMessages(AppContext& ctx, QWidget* parent, MessageKind kind,
 {
     if (!ctx.db)
         return;
-    if (ctx.failures)
-        (void)ctx.failures->ensureConnection(FailureOrigin::User);
     DbError error;
-    const bool any = listHasMessages(*ctx.db, kind, &error);
+    bool any = false;
+    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
+        error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                 DbFailureCause::Unreachable};
+    else
+        any = listHasMessages(*ctx.db, kind, &error);
     if (error.isError()) {
         if (ctx.failures)
             ctx.failures->reportAction(error, parent);

@@ -100,6 +100,15 @@ void MessagesWindow::buildMenus()
 
 void MessagesWindow::unitSelected(int) {}
 
+void MessagesWindow::refillAfterOutage()
+{
+    const AppContext& ctx = context();
+    const bool failed = ctx.failures && ctx.failures->failedIn(this);
+    ViewWindow::refillAfterOutage();
+    if (isVisible() && failed)
+        showList(shownList());
+}
+
 MessageKind MessagesWindow::shownList() const
 {
     return m_frame->title() == listCaption(MessageKind::New) ? MessageKind::New

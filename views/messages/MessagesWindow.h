@@ -20,6 +20,8 @@ public:
 
     // The unit list only travels with navigation; the text is for every unit.
     void unitSelected(int index) override;
+    // Builds the shown list again when it could not be read.
+    void refillAfterOutage() override;
 
     // Builds the list and sets it into the text box in one step. false when a
     // query failed (reported); the box then holds what was built until then.

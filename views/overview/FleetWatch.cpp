@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/Navigator.h"
+#include "app/QueryFailureReporter.h"
 #include "app/SettingsStore.h"
 #include "app/UnitMarks.h"
 #include "app/ViewWindow.h"
@@ -11,6 +12,8 @@
 
 #include <QComboBox>
 #include <QSignalBlocker>
+
+using namespace Qt::StringLiterals;
 
 namespace sx {
 
@@ -24,6 +27,8 @@ FleetWatch::FleetWatch(AppContext& ctx, const QDBusConnection& bus, QObject* par
     connect(m_desktop, &DesktopNotifications::overviewRequested, this, &FleetWatch::showOverview);
     connect(m_tray, &FleetTrayIcon::activated, this, &FleetWatch::showOverview);
     m_ctx.showOverview = [this] { showOverview(); };
+    if (ctx.failures)
+        connect(ctx.failures, &QueryFailureReporter::databaseBack, this, &FleetWatch::refresh);
 }
 
 FleetWatch::~FleetWatch()
@@ -39,15 +44,32 @@ OverviewWindow* FleetWatch::overview() const
 
 void FleetWatch::refresh()
 {
+    // A user's statement waits for the server: the next tick reads the fleet.
+    if (m_ctx.db->busy())
+        return;
+    QueryFailureReporter* failures = m_ctx.failures;
     DbError error;
-    std::optional<FleetSummary> read = readFleetSummary(*m_ctx.db, &error);
+    std::optional<FleetSummary> read;
+    if (failures && !failures->ensureConnection()) {
+        error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                 DbFailureCause::Unreachable};
+    } else {
+        // Part of the refresh: it gives up on a silent server as soon.
+        const DeadlineScope deadline(*m_ctx.db, failures ? failures->refreshDeadlineMs()
+                                                         : m_ctx.db->deadline());
+        read = readFleetSummary(*m_ctx.db, &error);
+    }
     if (!read) {
-        // The views report the failure themselves; here it is one notice.
+        // A failure of the refresh: one box per outage, whoever meets it first,
+        // and not one a round should the fleet alone keep failing.
+        const FailureOrigin origin = m_lost ? FailureOrigin::Quiet : FailureOrigin::Refresh;
         m_lost = true;
         m_notifier.readFailed();
         m_tray->setDatabaseLost();
         if (m_overview)
             m_overview->setDatabaseLost(true);
+        if (failures)
+            failures->report(error, m_overview, origin);
         return;
     }
     auto fleet = std::make_shared<const FleetSummary>(std::move(*read));

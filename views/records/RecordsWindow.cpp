@@ -385,6 +385,17 @@ void RecordsWindow::unitSelected(int index)
     }
 }
 
+void RecordsWindow::refillAfterOutage()
+{
+    const AppContext& ctx = context();
+    if (isVisible() && !unitListStale() && !m_zones.isEmpty() && ctx.failures &&
+        ctx.failures->failedIn(this)) {
+        refreshRecords();
+        return;
+    }
+    ViewWindow::refillAfterOutage();
+}
+
 void RecordsWindow::zoneSelected()
 {
     refreshRecords();
@@ -421,13 +432,15 @@ void RecordsWindow::refreshRecords()
         records::recordsPeriod(m_yearSelect->currentIndex(), m_monthSelect->currentIndex());
     ++m_queries;
     records::RecordsLoad load;
-    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
+    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User)) {
         load.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                       DbFailureCause::Unreachable};
-    else
+    } else {
+        const QueryFailureReporter::UserWait waiting(ctx.failures);
         load = records::loadRecordsAside(ctx.db->settings(),
                                          records::recordsSql(ctx.dbKind(), *zone, period),
                                          records::expectedRows(period));
+    }
     if (!self)
         return;
 

@@ -55,6 +55,8 @@ public:
 
     // SystemSelect: rebuilds the zone list for the unit.
     void unitSelected(int index) override;
+    // Loads the chosen zone and period again when only the records failed.
+    void refillAfterOutage() override;
     // RefreshRecords for the selected zone, month and year.
     void refreshRecords();
 
