@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -157,27 +158,37 @@ bool onGuiThread()
     return app && app->thread() == QThread::currentThread();
 }
 
+// Serves the GUI thread's timers and painting when it has not done so for a
+// few milliseconds. The clock spans statements: a refresh is a run of short
+// queries, each answered before a per-statement slice would run out, so only
+// a shared clock keeps the window live through the whole run. Returns the
+// milliseconds until it is due again.
+int serveEventsWhenDue()
+{
+    constexpr qint64 kServeMs = 4;
+    static QElapsedTimer sinceServed;
+    if (sinceServed.isValid() && sinceServed.elapsed() < kServeMs)
+        return static_cast<int>(kServeMs - sinceServed.elapsed());
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    sinceServed.start();
+    return kServeMs;
+}
+
 // Waits until the server's socket has data or the deadline passes. On the GUI
-// thread it never sleeps longer than a frame and lets timers and painting run
+// thread it sleeps only until events are due and serves timers and painting
 // in between; user input is held back so no second action starts meanwhile.
 bool waitReadable(int fd, const QDeadlineTimer& deadline)
 {
-    constexpr int kSliceMs = 20;
     const bool gui = onGuiThread();
-    QDeadlineTimer sinceEvents(kSliceMs);
     for (;;) {
         const qint64 left = deadline.remainingTime();
         if (left == 0)
             return false;
-        int wait = left < 0 ? kSliceMs * 50 : static_cast<int>(left);
+        int wait = left < 0 ? 1000 : static_cast<int>(left);
         if (gui)
-            wait = std::min(wait, kSliceMs);
+            wait = std::min(wait, serveEventsWhenDue());
         pollfd p{fd, POLLIN, 0};
         const int rc = ::poll(&p, 1, wait);
-        if (gui && (rc <= 0 || sinceEvents.hasExpired())) {
-            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-            sinceEvents.setRemainingTime(kSliceMs);
-        }
         if (rc > 0)
             return true;
         if (rc < 0 && errno != EINTR)
