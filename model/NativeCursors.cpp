@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -17,6 +18,7 @@
 #include <libpq-fe.h>
 #include <poll.h>
 #include <sqlite3.h>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -48,6 +50,7 @@ public:
         const int n = sqlite3_column_count(stmt);
         for (int c = 0; c < n; ++c)
             m_names << QString::fromUtf8(sqlite3_column_name(stmt, c));
+        m_dates.resize(static_cast<size_t>(n));
     }
     ~SqliteBackend() override { sqlite3_finalize(m_stmt); }
 
@@ -65,63 +68,73 @@ public:
     }
     int columnCount() const override { return static_cast<int>(m_names.size()); }
     QString columnName(int c) const override { return m_names.at(c); }
-    bool isNull(int c) const override { return sqlite3_column_type(m_stmt, c) == SQLITE_NULL; }
+    bool isNull(int c) const override { return sqlite3_value_type(value(c)) == SQLITE_NULL; }
 
     std::optional<qint64> integer(int c) const override
     {
-        switch (sqlite3_column_type(m_stmt, c)) {
+        sqlite3_value* v = value(c);
+        switch (sqlite3_value_type(v)) {
         case SQLITE_INTEGER:
-            return sqlite3_column_int64(m_stmt, c);
+            return sqlite3_value_int64(v);
         case SQLITE_FLOAT: {
-            const double v = sqlite3_column_double(m_stmt, c);
-            if (!std::isfinite(v) || std::fabs(v) >= 9.2e18)
+            const double d = sqlite3_value_double(v);
+            if (!std::isfinite(d) || std::fabs(d) >= 9.2e18)
                 return std::nullopt;
-            return static_cast<qint64>(std::llround(v));
+            return static_cast<qint64>(std::llround(d));
         }
         case SQLITE_TEXT:
-            return parseIntegerText(bytes(c));
+            return parseIntegerText(bytes(v));
         default:
             return std::nullopt;
         }
     }
     std::optional<double> real(int c) const override
     {
-        switch (sqlite3_column_type(m_stmt, c)) {
+        sqlite3_value* v = value(c);
+        switch (sqlite3_value_type(v)) {
         case SQLITE_INTEGER:
         case SQLITE_FLOAT:
-            return sqlite3_column_double(m_stmt, c);
+            return sqlite3_value_double(v);
         case SQLITE_TEXT:
-            return parseRealText(bytes(c));
+            return parseRealText(bytes(v));
         default:
             return std::nullopt;
         }
     }
     std::optional<QString> text(int c) const override
     {
-        if (sqlite3_column_type(m_stmt, c) == SQLITE_NULL)
+        sqlite3_value* v = value(c);
+        if (sqlite3_value_type(v) == SQLITE_NULL)
             return std::nullopt;
-        const auto b = bytes(c);
+        const auto b = bytes(v);
         return QString::fromUtf8(b.data(), static_cast<qsizetype>(b.size()));
     }
     std::optional<qint64> dateTime(int c) const override
     {
-        if (sqlite3_column_type(m_stmt, c) != SQLITE_TEXT)
+        sqlite3_value* v = value(c);
+        if (sqlite3_value_type(v) != SQLITE_TEXT)
             return std::nullopt;
-        return usableDate(parseSqlDateTime(bytes(c)));
+        return usableDate(m_dates[static_cast<size_t>(c)](bytes(v)));
     }
     DbError error() const override { return m_error; }
 
 private:
-    std::string_view bytes(int c) const
+    // One call into the statement per field; the value's own accessors are
+    // plain reads. The value lives until the next step, and a connection is
+    // only ever used by the thread that opened it.
+    sqlite3_value* value(int c) const { return sqlite3_column_value(m_stmt, c); }
+
+    static std::string_view bytes(sqlite3_value* v)
     {
-        const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(m_stmt, c));
-        const int n = sqlite3_column_bytes(m_stmt, c);
+        const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(v));
+        const int n = sqlite3_value_bytes(v);
         return p ? std::string_view(p, static_cast<size_t>(n)) : std::string_view();
     }
 
     sqlite3* m_db;
     sqlite3_stmt* m_stmt;
     QStringList m_names;
+    mutable std::vector<SqlDateTimeReader> m_dates;
     DbError m_error;
     bool m_done = false;
 };
@@ -145,27 +158,37 @@ bool onGuiThread()
     return app && app->thread() == QThread::currentThread();
 }
 
+// Serves the GUI thread's timers and painting when it has not done so for a
+// few milliseconds. The clock spans statements: a refresh is a run of short
+// queries, each answered before a per-statement slice would run out, so only
+// a shared clock keeps the window live through the whole run. Returns the
+// milliseconds until it is due again.
+int serveEventsWhenDue()
+{
+    constexpr qint64 kServeMs = 4;
+    static QElapsedTimer sinceServed;
+    if (sinceServed.isValid() && sinceServed.elapsed() < kServeMs)
+        return static_cast<int>(kServeMs - sinceServed.elapsed());
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    sinceServed.start();
+    return kServeMs;
+}
+
 // Waits until the server's socket has data or the deadline passes. On the GUI
-// thread it never sleeps longer than a frame and lets timers and painting run
+// thread it sleeps only until events are due and serves timers and painting
 // in between; user input is held back so no second action starts meanwhile.
 bool waitReadable(int fd, const QDeadlineTimer& deadline)
 {
-    constexpr int kSliceMs = 20;
     const bool gui = onGuiThread();
-    QDeadlineTimer sinceEvents(kSliceMs);
     for (;;) {
         const qint64 left = deadline.remainingTime();
         if (left == 0)
             return false;
-        int wait = left < 0 ? kSliceMs * 50 : static_cast<int>(left);
+        int wait = left < 0 ? 1000 : static_cast<int>(left);
         if (gui)
-            wait = std::min(wait, kSliceMs);
+            wait = std::min(wait, serveEventsWhenDue());
         pollfd p{fd, POLLIN, 0};
         const int rc = ::poll(&p, 1, wait);
-        if (gui && (rc <= 0 || sinceEvents.hasExpired())) {
-            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-            sinceEvents.setRemainingTime(kSliceMs);
-        }
         if (rc > 0)
             return true;
         if (rc < 0 && errno != EINTR)
@@ -180,6 +203,7 @@ public:
         const int n = PQnfields(res);
         for (int c = 0; c < n; ++c)
             m_names << QString::fromUtf8(PQfname(res, c));
+        m_dates.resize(static_cast<size_t>(n));
     }
     ~PgBackend() override { PQclear(m_res); }
 
@@ -204,7 +228,7 @@ public:
     }
     std::optional<qint64> dateTime(int c) const override
     {
-        return isNull(c) ? std::nullopt : usableDate(parseSqlDateTime(bytes(c)));
+        return isNull(c) ? std::nullopt : usableDate(m_dates[static_cast<size_t>(c)](bytes(c)));
     }
     DbError error() const override { return {}; }
 
@@ -218,6 +242,7 @@ private:
     int m_rows;
     int m_row = -1;
     QStringList m_names;
+    mutable std::vector<SqlDateTimeReader> m_dates;
 };
 
 class QtBackend final : public CursorBackend {

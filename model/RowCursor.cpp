@@ -6,7 +6,10 @@
 namespace sx {
 
 Rows::Rows(DbError failure) : m_error(std::move(failure)) {}
-Rows::Rows(std::unique_ptr<CursorBackend> backend) : m_backend(std::move(backend)) {}
+Rows::Rows(std::unique_ptr<CursorBackend> backend)
+    : m_backend(std::move(backend)), m_columns(m_backend ? m_backend->columnCount() : 0)
+{
+}
 Rows::Rows(Rows&&) noexcept = default;
 Rows& Rows::operator=(Rows&&) noexcept = default;
 Rows::~Rows() = default;
@@ -27,15 +30,14 @@ bool Rows::next()
 
 int Rows::columnCount() const
 {
-    return m_backend ? m_backend->columnCount() : 0;
+    return m_columns;
 }
 
 int Rows::column(QStringView name) const
 {
     if (!m_backend)
         return -1;
-    const int n = m_backend->columnCount();
-    for (int c = 0; c < n; ++c) {
+    for (int c = 0; c < m_columns; ++c) {
         if (QStringView(m_backend->columnName(c)).compare(name, Qt::CaseInsensitive) == 0)
             return c;
     }
@@ -44,7 +46,7 @@ int Rows::column(QStringView name) const
 
 bool Rows::valid(int c) const
 {
-    return m_onRow && c >= 0 && c < m_backend->columnCount();
+    return m_onRow && c >= 0 && c < m_columns;
 }
 
 bool Rows::isNull(int c) const

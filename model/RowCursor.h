@@ -88,6 +88,7 @@ private:
     [[nodiscard]] bool valid(int c) const;
 
     std::unique_ptr<CursorBackend> m_backend;
+    int m_columns = 0; // asked once: every field read checks it
     DbError m_error;
     qint64 m_limit = -1;
     qint64 m_row = 0;

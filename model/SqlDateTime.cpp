@@ -1,5 +1,7 @@
 #include "model/SqlDateTime.h"
 
+#include <cstring>
+
 namespace sx {
 
 namespace {
@@ -22,8 +24,7 @@ int daysInMonth(int y, int m)
     return m == 2 && leap ? 29 : kDays[m - 1];
 }
 
-template <typename Char>
-bool digits(const Char* p, int n, int& out)
+template <typename Char> bool digits(const Char* p, int n, int& out)
 {
     int v = 0;
     for (int i = 0; i < n; ++i) {
@@ -36,8 +37,7 @@ bool digits(const Char* p, int n, int& out)
     return true;
 }
 
-template <typename Char>
-std::optional<qint64> parse(const Char* p, qsizetype n)
+template <typename Char> std::optional<qint64> parse(const Char* p, qsizetype n)
 {
     // Tolerate surrounding blanks a foreign writer may leave.
     while (n > 0 && p[0] == ' ') {
@@ -114,9 +114,33 @@ std::optional<qint64> parseSqlDateTime(QStringView text)
     return parse(text.utf16(), text.size());
 }
 
+std::optional<qint64> SqlDateTimeReader::operator()(std::string_view text)
+{
+    const char* p = text.data();
+    const auto n = static_cast<qsizetype>(text.size());
+    // Only a text that starts with a day already checked and has the full
+    // time of day takes the short way; anything else is parsed in full.
+    int h = 0;
+    int m = 0;
+    int s = 0;
+    if (m_known && n >= 19 && std::memcmp(p, m_day, sizeof m_day) == 0 &&
+        (p[10] == ' ' || p[10] == 'T') && p[13] == ':' && p[16] == ':' && digits(p + 11, 2, h) &&
+        digits(p + 14, 2, m) && digits(p + 17, 2, s) && h <= 23 && m <= 59 && s <= 60)
+        return m_daySecs + h * 3600 + m * 60 + s;
+    const std::optional<qint64> secs = parse(p, n);
+    if (secs && n >= 10 && p[0] != ' ') {
+        std::memcpy(m_day, p, sizeof m_day);
+        const qint64 intoDay = *secs % 86400;
+        m_daySecs = *secs - (intoDay < 0 ? intoDay + 86400 : intoDay);
+        m_known = true;
+    }
+    return secs;
+}
+
 bool isZeroDate(qint64 secs)
 {
-    static const qint64 kZero = secsFromCivil({1899, 12, 30, 0, 0, 0});
+    // 1899-12-30 00:00:00, 25,569 days before 1970.
+    constexpr qint64 kZero = -25569LL * 86400;
     return secs >= kZero && secs < kZero + 86400;
 }
 

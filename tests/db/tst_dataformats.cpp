@@ -247,6 +247,8 @@ private slots:
         QTest::newRow("letters") << u"yesterday"_s << false << QDateTime();
         QTest::newRow("cut") << u"2026-01-01 1"_s << false << QDateTime();
         QTest::newRow("greek digits") << u"2026-01-0١"_s << false << QDateTime();
+        QTest::newRow("minute 60") << u"2026-01-01 00:60:00"_s << false << QDateTime();
+        QTest::newRow("blank for colon") << u"2026-01-01 00:00 00"_s << false << QDateTime();
     }
     void storedDateTimes()
     {
@@ -255,6 +257,12 @@ private slots:
         QFETCH(QDateTime, expected);
         const auto secs = parseSqlDateTime(QStringView(text));
         QCOMPARE(secs.has_value(), valid);
+        // A reader that has just read another time of the same day answers alike.
+        const QByteArray bytes = text.toUtf8();
+        SqlDateTimeReader reader;
+        QVERIFY(reader(bytes.left(10).toStdString() + " 12:34:56").has_value() ||
+                !parseSqlDateTime(QStringView(text.left(10))));
+        QCOMPARE(reader(std::string_view(bytes.constData(), bytes.size())), secs);
         if (valid) {
             QCOMPARE(toQDateTime(*secs), expected);
             const QByteArray utf8 = text.toUtf8();
