@@ -1,3 +1,4 @@
+#include "ChooseItem.h"
 #include "EventsSeed.h"
 #include "GuiFixture.h"
 #include "app/UnitList.h"
@@ -211,7 +212,7 @@ private slots:
             QVERIFY(s.event(u"A-1"_s, i + 1, when.toString(u"yyyy-MM-dd HH:mm:ss"_s), 21, 1));
         }
         open(0);
-        m_w->monthSelect()->setCurrentIndex(12);
+        chooseItem(m_w->monthSelect(), 12);
         QCOMPARE(m_w->model()->rowCount(), count);
         m_w->selectAllEvents();
         const PdfText pdf = print(u"columns"_s);

@@ -224,12 +224,14 @@ void EventsWindow::buildPeriodFrame(QWidget* central)
     placeAt(month, 1575, 270, 2160, 825);
     m_monthSelect = makeList(u"MonthSelect"_s, month);
     placeAt(m_monthSelect, 120, 330, 1920, 345);
-    const auto periodChanged = [this] {
+    // A choice loads even when it names the shown period again: that is how
+    // an operator fetches what the units reported since.
+    const auto periodChosen = [this] {
         if (!m_loading)
             refreshEvents();
     };
-    connect(m_monthSelect, &QComboBox::currentIndexChanged, this, periodChanged);
-    connect(m_yearSelect, &QComboBox::currentIndexChanged, this, periodChanged);
+    connect(m_monthSelect, &QComboBox::activated, this, periodChosen);
+    connect(m_yearSelect, &QComboBox::activated, this, periodChosen);
 }
 
 void EventsWindow::buildEventsFrame(QWidget* central)
