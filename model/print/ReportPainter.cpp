@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QPagedPaintDevice>
 #include <QPen>
+#include <QTextLayout>
 
 #include <cmath>
 
@@ -16,6 +17,8 @@ constexpr double a4WidthTwips = 11906.0;
 constexpr double basePointSize = 8.0;
 // A printer's one-pixel line is invisible at 1200 dpi; this is a thin but visible rule.
 constexpr double lineWidthMm = 0.2;
+// Laid-out texts kept for printRecurring; a report's distinct texts rarely reach this.
+constexpr qsizetype maxRecurring = 50000;
 
 QString reportFamily()
 {
@@ -103,6 +106,34 @@ void ReportPainter::print(const QString& text)
     if (!text.isEmpty()) {
         const QPointF topLeft = toDevice(m_x, m_y);
         m_painter.drawText(QPointF(topLeft.x(), topLeft.y() + m_metrics.ascent()), text);
+    }
+    m_x = 0.0;
+    m_y += textHeight();
+}
+
+void ReportPainter::printRecurring(const QString& text)
+{
+    if (!text.isEmpty()) {
+        auto known = m_runs.constFind(text);
+        if (known == m_runs.constEnd()) {
+            if (m_runs.size() >= maxRecurring)
+                m_runs.clear();
+            // Shaped as drawText shapes it, fallback fonts included.
+            QTextLayout layout(text, m_painter.font(), &m_device);
+            QTextOption option;
+            option.setWrapMode(QTextOption::NoWrap);
+            layout.setTextOption(option);
+            layout.beginLayout();
+            QTextLine line = layout.createLine();
+            line.setLineWidth(1e9);
+            layout.endLayout();
+            // A fallback font may deepen the layout's line; print() keeps the
+            // report font's baseline.
+            known = m_runs.insert(text, {layout.glyphRuns(), m_metrics.ascent() - line.ascent()});
+        }
+        const QPointF at = toDevice(m_x, m_y) + QPointF(0.0, known->dy);
+        for (const QGlyphRun& run : known->runs)
+            m_painter.drawGlyphRun(at, run);
     }
     m_x = 0.0;
     m_y += textHeight();

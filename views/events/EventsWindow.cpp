@@ -548,11 +548,7 @@ void EventsWindow::printEvents(ReportOutput output)
     if (!m_print->isEnabled())
         return;
     const auto [first, last] = selectedRows();
-    EventsReportInput in;
-    in.choices = choicesText();
-    in.rowCount = first < 0 ? 0 : last - first + 1;
-    in.dateText = [this, row = first](int i) { return m_model->dateText(row + i); };
-    in.descriptionText = [this, row = first](int i) { return m_model->descriptionText(row + i); };
+    const EventsReportInput in = m_model->reportInput(first, first < 0 ? -1 : last, choicesText());
     printEventsReport(context(), this, in, output);
 }
 
