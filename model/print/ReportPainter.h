@@ -52,6 +52,9 @@ public:
     // The same for a text that comes back many times in one report: it is laid
     // out once and its glyphs reused, so later lines skip the shaping.
     void printRecurring(const QString& text);
+    // The same for a line whose start and end recur each on its own (a date and
+    // a time): the end is placed where the start's advance ends.
+    void printRecurring(const QString& start, const QString& end);
     // Starts a new page and returns to its top left corner.
     bool newPage();
     void drawRect(double x1, double y1, double x2, double y2);
@@ -75,8 +78,11 @@ private:
     double m_y = 0.0;
     struct Recurring {
         QList<QGlyphRun> runs;
-        double dy = 0.0; // from the layout's baseline to ours
+        double dy = 0.0;      // from the layout's baseline to ours
+        double advance = 0.0; // device units
     };
+    const Recurring& recurring(const QString& text);
+    void drawRecurring(const Recurring& r, QPointF at);
     QHash<QString, Recurring> m_runs;
 };
 

@@ -303,14 +303,17 @@ private slots:
     void recurringLinesPrintAsPlainOnes_data()
     {
         QTest::addColumn<QString>("line");
-        QTest::newRow("greek") << u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 20 (Ζώνη 20) ΕΚΤΟΣ ΟΡΙΩΝ: 28.7 °C"_s;
-        QTest::newRow("pairs a font kerns") << u"AVATAR To Ty Wa ΑΤΑΥΤΟ"_s;
-        QTest::newRow("a fallback font") << u"Zone ✓ ok"_s;
+        QTest::addColumn<int>("split"); // where the second part starts, or -1
+        QTest::newRow("greek") << u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 20 (Ζώνη 20) ΕΚΤΟΣ ΟΡΙΩΝ: 28.7 °C"_s << -1;
+        QTest::newRow("pairs a font kerns") << u"AVATAR To Ty Wa ΑΤΑΥΤΟ"_s << -1;
+        QTest::newRow("a fallback font") << u"Zone ✓ ok"_s << -1;
+        QTest::newRow("a date and its time") << u"31/12/2024 - 23:56"_s << 13;
     }
 
     void recurringLinesPrintAsPlainOnes()
     {
         QFETCH(QString, line);
+        QFETCH(int, split);
         QList<Word> words[2];
         for (int recurring = 0; recurring < 2; ++recurring) {
             const QString file = m_fx->scratch.folder() + u"/line%1.pdf"_s.arg(recurring);
@@ -320,7 +323,12 @@ private slots:
                 painter.setCurrentY(20);
                 for (int i = 0; i < 3; ++i) {
                     painter.setCurrentX(15);
-                    recurring ? painter.printRecurring(line) : painter.print(line);
+                    if (!recurring)
+                        painter.print(line);
+                    else if (split < 0)
+                        painter.printRecurring(line);
+                    else
+                        painter.printRecurring(line.left(split), line.mid(split));
                 }
             }
             words[recurring] = readPdf(file).words;

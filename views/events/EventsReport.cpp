@@ -221,8 +221,10 @@ bool drawEventsReport(QPagedPaintDevice& device, const EventsReportInput& in,
         const double x = columnTextLeft(at.column, w);
         painter.setCurrentY(at.y);
         painter.setCurrentX(x);
-        // Every date is different: nothing to gain by keeping its glyphs.
-        painter.print(in.dateText(i));
+        // Dates differ from entry to entry, but their days and their times recur.
+        const QString date = in.dateText(i);
+        const qsizetype time = date.lastIndexOf(u' ') + 1;
+        painter.printRecurring(date.left(time), date.mid(time));
         for (const QString& line : wrapped.at(wrappedOf[size_t(i)])) {
             painter.setCurrentX(x);
             painter.printRecurring(line);
