@@ -53,11 +53,6 @@ QString pageLine(int page, int pages)
     return u"Σελίδα "_s + QString::number(page) + u'/' + QString::number(pages);
 }
 
-QString entryText(const QString& date, const QString& wrappedDescription)
-{
-    return date + u"\r\n"_s + wrappedDescription + u"\r\n\r\n"_s;
-}
-
 Layout layoutEntries(const QList<double>& heights, double pageHeight)
 {
     Layout out;
@@ -115,10 +110,6 @@ void printPageHead(ReportPainter& painter, const QString& choices, int page, int
     const double middle = kMarginMm + (w - 2 * kMarginMm) / 2;
     painter.drawLine(middle, kFrameTopMm, middle, h - kMarginMm);
 }
-
-} // namespace
-
-namespace {
 
 // The report into the PDF file the print dialog named, drawn on a thread of
 // its own: the window is painted meanwhile but takes no input, and the wait

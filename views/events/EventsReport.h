@@ -48,8 +48,6 @@ struct Choices {
 [[nodiscard]] QString choicesLine(const Choices& c);
 // "Σελίδα n/N".
 [[nodiscard]] QString pageLine(int page, int pages);
-// The date, a line break, the wrapped description and two line breaks.
-[[nodiscard]] QString entryText(const QString& date, const QString& wrappedDescription);
 
 // Where an entry goes: page and column (0-based) and its top in millimetres.
 struct Placement {
