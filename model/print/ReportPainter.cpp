@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QPagedPaintDevice>
 #include <QPen>
+#include <QTextLayout>
 
 #include <cmath>
 
@@ -16,6 +17,8 @@ constexpr double a4WidthTwips = 11906.0;
 constexpr double basePointSize = 8.0;
 // A printer's one-pixel line is invisible at 1200 dpi; this is a thin but visible rule.
 constexpr double lineWidthMm = 0.2;
+// Laid-out texts kept for printRecurring; a report's distinct texts rarely reach this.
+constexpr qsizetype maxRecurring = 50000;
 
 QString reportFamily()
 {
@@ -33,6 +36,32 @@ QString reportFamily()
         return QStringLiteral("Arial");
     }();
     return family;
+}
+
+// A PDF spends as much on a blank's glyph as on a letter's; a reader finds
+// the blank by the gap the glyph would have filled, so the glyph is left out.
+QList<QGlyphRun> withoutBlanks(QList<QGlyphRun> runs)
+{
+    for (QGlyphRun& run : runs) {
+        const QList<quint32> blank = run.rawFont().glyphIndexesForString(QStringLiteral(" "));
+        if (blank.size() != 1)
+            continue;
+        const QList<quint32> glyphs = run.glyphIndexes();
+        const QList<QPointF> positions = run.positions();
+        QList<quint32> keptGlyphs;
+        QList<QPointF> keptPositions;
+        keptGlyphs.reserve(glyphs.size());
+        keptPositions.reserve(glyphs.size());
+        for (qsizetype i = 0; i < glyphs.size() && i < positions.size(); ++i) {
+            if (glyphs.at(i) == blank.first())
+                continue;
+            keptGlyphs.append(glyphs.at(i));
+            keptPositions.append(positions.at(i));
+        }
+        run.setGlyphIndexes(keptGlyphs);
+        run.setPositions(keptPositions);
+    }
+    return runs;
 }
 
 } // namespace
@@ -104,6 +133,58 @@ void ReportPainter::print(const QString& text)
         const QPointF topLeft = toDevice(m_x, m_y);
         m_painter.drawText(QPointF(topLeft.x(), topLeft.y() + m_metrics.ascent()), text);
     }
+    m_x = 0.0;
+    m_y += textHeight();
+}
+
+const ReportPainter::Recurring& ReportPainter::recurring(const QString& text)
+{
+    auto known = m_runs.constFind(text);
+    if (known != m_runs.constEnd())
+        return *known;
+    if (m_runs.size() >= maxRecurring)
+        m_runs.clear();
+    // Shaped as drawText shapes it, fallback fonts included.
+    QTextLayout layout(text, m_painter.font(), &m_device);
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setLineWidth(1e9);
+    layout.endLayout();
+    // A fallback font may deepen the layout's line; print() keeps the report
+    // font's baseline.
+    return *m_runs.insert(text,
+                          {withoutBlanks(layout.glyphRuns()), m_metrics.ascent() - line.ascent(),
+                           m_metrics.horizontalAdvance(text)});
+}
+
+void ReportPainter::drawRecurring(const Recurring& r, QPointF at)
+{
+    at.ry() += r.dy;
+    for (const QGlyphRun& run : r.runs)
+        m_painter.drawGlyphRun(at, run);
+}
+
+void ReportPainter::printRecurring(const QString& text)
+{
+    if (!text.isEmpty())
+        drawRecurring(recurring(text), toDevice(m_x, m_y));
+    m_x = 0.0;
+    m_y += textHeight();
+}
+
+void ReportPainter::printRecurring(const QString& start, const QString& end)
+{
+    QPointF at = toDevice(m_x, m_y);
+    if (!start.isEmpty()) {
+        const Recurring& r = recurring(start);
+        drawRecurring(r, at);
+        at.rx() += r.advance;
+    }
+    if (!end.isEmpty())
+        drawRecurring(recurring(end), at);
     m_x = 0.0;
     m_y += textHeight();
 }

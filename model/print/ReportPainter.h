@@ -2,6 +2,9 @@
 
 #include <QFont>
 #include <QFontMetricsF>
+#include <QGlyphRun>
+#include <QHash>
+#include <QList>
 #include <QPainter>
 #include <QPointF>
 #include <QString>
@@ -46,6 +49,12 @@ public:
 
     // Prints text with its top at the current y, then moves to the start of the next line.
     void print(const QString& text);
+    // The same for a text that comes back many times in one report: it is laid
+    // out once and its glyphs reused, so later lines skip the shaping.
+    void printRecurring(const QString& text);
+    // The same for a line whose start and end recur each on its own (a date and
+    // a time): the end is placed where the start's advance ends.
+    void printRecurring(const QString& start, const QString& end);
     // Starts a new page and returns to its top left corner.
     bool newPage();
     void drawRect(double x1, double y1, double x2, double y2);
@@ -67,6 +76,14 @@ private:
     double m_pageHeight = 0.0;
     double m_x = 0.0;
     double m_y = 0.0;
+    struct Recurring {
+        QList<QGlyphRun> runs;
+        double dy = 0.0;      // from the layout's baseline to ours
+        double advance = 0.0; // device units
+    };
+    const Recurring& recurring(const QString& text);
+    void drawRecurring(const Recurring& r, QPointF at);
+    QHash<QString, Recurring> m_runs;
 };
 
 } // namespace sx

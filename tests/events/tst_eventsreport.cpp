@@ -1,17 +1,23 @@
+#include "ChooseItem.h"
 #include "EventsSeed.h"
 #include "GuiFixture.h"
 #include "app/UnitList.h"
+#include "app/WaitWindow.h"
+#include "model/print/ReportPainter.h"
 #include "views/events/EventsModel.h"
 #include "views/events/EventsReport.h"
 #include "views/events/EventsWindow.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QFile>
+#include <QPdfWriter>
 #include <QPrinter>
 #include <QProcess>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QTest>
+#include <QTimer>
 #include <QXmlStreamReader>
 
 #include <memory>
@@ -211,7 +217,7 @@ private slots:
             QVERIFY(s.event(u"A-1"_s, i + 1, when.toString(u"yyyy-MM-dd HH:mm:ss"_s), 21, 1));
         }
         open(0);
-        m_w->monthSelect()->setCurrentIndex(12);
+        chooseItem(m_w->monthSelect(), 12);
         QCOMPARE(m_w->model()->rowCount(), count);
         m_w->selectAllEvents();
         const PdfText pdf = print(u"columns"_s);
@@ -292,6 +298,74 @@ private slots:
             lines.insert(w.y);
         }
         QVERIFY2(lines.size() >= 2, "the description should take more than one line");
+    }
+
+    void recurringLinesPrintAsPlainOnes_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("split"); // where the second part starts, or -1
+        QTest::newRow("greek") << u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 20 (Ζώνη 20) ΕΚΤΟΣ ΟΡΙΩΝ: 28.7 °C"_s << -1;
+        QTest::newRow("pairs a font kerns") << u"AVATAR To Ty Wa ΑΤΑΥΤΟ"_s << -1;
+        QTest::newRow("a fallback font") << u"Zone ✓ ok"_s << -1;
+        QTest::newRow("a date and its time") << u"31/12/2024 - 23:56"_s << 13;
+    }
+
+    void recurringLinesPrintAsPlainOnes()
+    {
+        QFETCH(QString, line);
+        QFETCH(int, split);
+        QList<Word> words[2];
+        for (int recurring = 0; recurring < 2; ++recurring) {
+            const QString file = m_fx->scratch.folder() + u"/line%1.pdf"_s.arg(recurring);
+            {
+                QPdfWriter writer(file);
+                ReportPainter painter(writer);
+                painter.setCurrentY(20);
+                for (int i = 0; i < 3; ++i) {
+                    painter.setCurrentX(15);
+                    if (!recurring)
+                        painter.print(line);
+                    else if (split < 0)
+                        painter.printRecurring(line);
+                    else
+                        painter.printRecurring(line.left(split), line.mid(split));
+                }
+            }
+            words[recurring] = readPdf(file).words;
+        }
+        QCOMPARE(words[1].size(), words[0].size());
+        QCOMPARE(words[0].size(), 3 * line.split(u' ').size());
+        for (qsizetype i = 0; i < words[0].size(); ++i) {
+            QCOMPARE(words[1][i].text, words[0][i].text);
+            QVERIFY(std::abs(words[1][i].x - words[0][i].x) < 0.01);
+            QVERIFY(std::abs(words[1][i].right - words[0][i].right) < 0.01);
+            QVERIFY(std::abs(words[1][i].y - words[0][i].y) < 0.01);
+        }
+    }
+
+    void pdfIsWrittenWhileTheWindowServesItsEvents()
+    {
+        SX_REQUIRE_DB(m_fx->scratch);
+        seedAlpha();
+        open(0);
+        bool served = false;
+        bool inputBlocked = false;
+        QString waiting;
+        QTimer::singleShot(0, m_w.get(), [&] {
+            served = true;
+            inputBlocked = !m_w->isEnabled();
+            for (QWidget* w : QApplication::topLevelWidgets())
+                if (auto* wait = qobject_cast<WaitWindow*>(w); wait && wait->isVisible())
+                    waiting = wait->message();
+        });
+        const PdfText pdf = print(u"aside"_s);
+        QVERIFY(served);
+        QVERIFY(inputBlocked);
+        QCOMPARE(waiting, u"Εκτύπωση συμβάντων."_s);
+        QVERIFY(m_w->isEnabled());
+        QVERIFY(QApplication::overrideCursor() == nullptr);
+        QCOMPARE(pdf.pages.size(), 1);
+        QVERIFY(pdf.pages.first().contains(u"02/03/2026 - 09:05"_s));
     }
 
     void cancelledPrinterDialogPrintsNothing()

@@ -1,3 +1,4 @@
+#include "ChooseItem.h"
 #include "EventsSeed.h"
 #include "GuiFixture.h"
 #include "app/Colors.h"
@@ -311,7 +312,7 @@ private slots:
         if (m_w->kindOption(kind)->isEnabled())
             m_w->kindOption(kind)->click();
         m_w->newOption(newOnly ? 0 : 1)->click();
-        m_w->monthSelect()->setCurrentIndex(month);
+        chooseItem(m_w->monthSelect(), month);
         QCOMPARE(gridRows(m_w->model()), rows);
         const bool any = !rows.isEmpty();
         QCOMPARE(m_w->markButton()->isEnabled(), any);
@@ -357,9 +358,28 @@ private slots:
         m_w->grid()->selectAll();
         QCOMPARE(m_w->selectedRows(), std::pair(0, 8));
         // April is empty: nothing to select.
-        m_w->monthSelect()->setCurrentIndex(3);
+        chooseItem(m_w->monthSelect(), 3);
         m_w->grid()->selectAll();
         QCOMPARE(m_w->selectedRows(), std::pair(-1, -1));
+    }
+
+    void choosingTheShownPeriodAgainFetchesNewEvents_data()
+    {
+        QTest::addColumn<bool>("year");
+        QTest::newRow("month") << false;
+        QTest::newRow("year") << true;
+    }
+
+    void choosingTheShownPeriodAgainFetchesNewEvents()
+    {
+        QFETCH(bool, year);
+        open(0);
+        QCOMPARE(m_w->model()->rowCount(), 3);
+        QVERIFY(EventsSeed(m_fx->db).event(u"A-1"_s, 7, u"2026-03-10 10:00:00"_s, 2, 1, 2, 1));
+        QComboBox* list = year ? m_w->yearSelect() : m_w->monthSelect();
+        chooseItem(list, list->currentIndex());
+        QCOMPARE(m_w->model()->rowCount(), 4);
+        QCOMPARE(m_w->model()->dateText(0), u"10/03/2026 - 10:00"_s);
     }
 
     void marking_data()

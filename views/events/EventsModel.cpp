@@ -6,6 +6,8 @@
 
 #include <QBrush>
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 namespace sx {
@@ -43,13 +45,20 @@ const events::EventLine* EventsModel::at(int row) const
     return &m_load.rows[size_t(row)];
 }
 
+namespace {
+
+QString lineDate(const events::EventLine& line, const TimeSeparators& sep)
+{
+    const CivilTime t = civilFromSecs(line.secs);
+    return formatRecordTime(t.year, t.month, t.day, t.hour, t.minute, sep);
+}
+
+} // namespace
+
 QString EventsModel::dateText(int row) const
 {
     const events::EventLine* r = at(row);
-    if (!r)
-        return {};
-    const CivilTime t = civilFromSecs(r->secs);
-    return formatRecordTime(t.year, t.month, t.day, t.hour, t.minute);
+    return r ? lineDate(*r, defaultTimeSeparators()) : QString();
 }
 
 QString EventsModel::descriptionText(int row) const
@@ -112,6 +121,29 @@ QVariant EventsModel::data(const QModelIndex& index, int role) const
     default:
         return {};
     }
+}
+
+EventsReportInput EventsModel::reportInput(int first, int last, const QString& choices) const
+{
+    auto copy = std::make_shared<events::EventsLoad>();
+    copy->units = m_load.units;
+    const int count = rowCount();
+    first = std::max(first, 0);
+    last = std::min(last, count - 1);
+    if (first <= last)
+        copy->rows.assign(m_load.rows.begin() + first, m_load.rows.begin() + last + 1);
+    EventsReportInput in;
+    in.choices = choices;
+    in.rowCount = int(copy->rows.size());
+    // The separators and locale of this thread, where the grid shows the same texts.
+    in.dateText = [copy, sep = defaultTimeSeparators()](int i) {
+        return lineDate(copy->rows[size_t(i)], sep);
+    };
+    in.descriptionText = [copy, locale = m_locale](int i) {
+        const events::EventLine& line = copy->rows[size_t(i)];
+        return events::cellText(copy->units[line.unit], line, locale);
+    };
+    return in;
 }
 
 QString EventsModel::headerText(int column)

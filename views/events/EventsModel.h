@@ -1,6 +1,7 @@
 #pragma once
 
 #include "views/events/EventsData.h"
+#include "views/events/EventsReport.h"
 
 #include <QAbstractTableModel>
 #include <QLocale>
@@ -38,6 +39,10 @@ public:
     [[nodiscard]] int unitIndex(int row) const;
     [[nodiscard]] QString serial(int row) const;
     [[nodiscard]] qint64 sequence(int row) const;
+
+    // The report of rows first..last: their texts come from a copy of the rows,
+    // so the report may be drawn on another thread while the grid is refilled.
+    [[nodiscard]] EventsReportInput reportInput(int first, int last, const QString& choices) const;
 
     // The header texts: the blanks set the column widths.
     [[nodiscard]] static QString headerText(int column);

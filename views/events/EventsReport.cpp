@@ -3,13 +3,23 @@
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/PrintPreview.h"
+#include "app/WaitWindow.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
 
 #include <QCursor>
+#include <QEventLoop>
 #include <QGuiApplication>
+#include <QHash>
 #include <QPageLayout>
+#include <QPdfWriter>
+#include <QPointer>
 #include <QPrinter>
+#include <QThread>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -41,11 +51,6 @@ QString choicesLine(const Choices& c)
 QString pageLine(int page, int pages)
 {
     return u"Σελίδα "_s + QString::number(page) + u'/' + QString::number(pages);
-}
-
-QString entryText(const QString& date, const QString& wrappedDescription)
-{
-    return date + u"\r\n"_s + wrappedDescription + u"\r\n\r\n"_s;
 }
 
 Layout layoutEntries(const QList<double>& heights, double pageHeight)
@@ -86,6 +91,8 @@ double columnTextWidth(double pageWidth)
 
 namespace {
 
+const QString kLineBreak = u"\r\n"_s;
+
 void printPageHead(ReportPainter& painter, const QString& choices, int page, int pages)
 {
     using namespace events_report;
@@ -104,47 +111,117 @@ void printPageHead(ReportPainter& painter, const QString& choices, int page, int
     painter.drawLine(middle, kFrameTopMm, middle, h - kMarginMm);
 }
 
+// The report into the PDF file the print dialog named, drawn on a thread of
+// its own: the window is painted meanwhile but takes no input, and the wait
+// window counts the pages.
+bool drawPdfAside(const QPrinter& printer, const EventsReportInput& in, QWidget* owner)
+{
+    ReportProgress progress;
+    bool ok = false;
+    std::unique_ptr<QThread> worker(QThread::create(
+        [&ok, &in, &progress, file = printer.outputFileName(), layout = printer.pageLayout(),
+         resolution = printer.resolution(), title = printer.docName(), creator = printer.creator(),
+         version = printer.pdfVersion()] {
+            QPdfWriter writer(file);
+            writer.setPdfVersion(version);
+            writer.setResolution(resolution);
+            (void)writer.setPageLayout(layout);
+            writer.setTitle(title);
+            writer.setCreator(creator);
+            ok = drawEventsReport(writer, in, &progress);
+        }));
+    const QPointer<QWidget> guard(owner);
+    if (owner)
+        owner->setEnabled(false);
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    {
+        WaitWindow wait(u"Εκτύπωση συμβάντων."_s);
+        if (owner)
+            wait.move(owner->frameGeometry().center() - wait.rect().center());
+        QTimer count;
+        count.setInterval(250);
+        QObject::connect(&count, &QTimer::timeout, &wait, [&wait, &progress] {
+            if (const int pages = progress.pages; pages > 0)
+                wait.setMessage(u"Εκτύπωση συμβάντων: σελίδα %1 από %2."_s.arg(progress.page.load())
+                                    .arg(pages));
+        });
+        QEventLoop loop;
+        QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
+        worker->start();
+        count.start();
+        loop.exec();
+        // The loop also ends when the application quits: the file is finished first.
+        worker->wait();
+    }
+    QGuiApplication::restoreOverrideCursor();
+    if (guard)
+        guard->setEnabled(true);
+    return ok;
+}
+
 } // namespace
 
-bool drawEventsReport(QPrinter& printer, const EventsReportInput& in)
+bool drawEventsReport(QPagedPaintDevice& device, const EventsReportInput& in,
+                      ReportProgress* progress)
 {
     using namespace events_report;
-    ReportPainter painter(printer);
+    ReportPainter painter(device);
     if (!painter.isActive())
         return false;
     const double w = painter.pageWidth();
     QString choices = in.choices;
     wrapToWidth(choices, w - 2 * kMarginMm, painter);
 
-    // The counting pass: every entry wrapped and measured once, so the pages
-    // are known before the first page line is printed.
+    // The counting pass. Descriptions come back all year (the same zone, fault
+    // or delivery): each distinct one is wrapped and measured once.
     const double lineHeight = painter.textHeight();
-    QStringList entries;
+    QHash<QString, int> known;
+    QList<QStringList> wrapped;
+    std::vector<int> wrappedOf;
     QList<double> heights;
-    entries.reserve(in.rowCount);
+    wrappedOf.reserve(size_t(std::max(in.rowCount, 0)));
     heights.reserve(in.rowCount);
     for (int row = 0; row < in.rowCount; ++row) {
-        QString description = in.descriptionText(row);
-        wrapToWidth(description, columnTextWidth(w), painter);
-        const QString entry = entryText(in.dateText(row), description);
-        heights.append(double(entry.count(u"\r\n"_s) + 1) * lineHeight);
-        entries.append(entry);
+        const QString description = in.descriptionText(row);
+        auto k = known.constFind(description);
+        if (k == known.constEnd()) {
+            QString text = description;
+            wrapToWidth(text, columnTextWidth(w), painter);
+            k = known.insert(description, int(wrapped.size()));
+            wrapped.append(text.split(kLineBreak));
+        }
+        wrappedOf.push_back(*k);
+        // The date, the description's lines and two line breaks.
+        heights.append(double(wrapped.at(*k).size() + 3) * lineHeight);
     }
     const Layout layout = layoutEntries(heights, painter.pageHeight());
+    if (progress)
+        progress->pages = layout.pages;
 
     int page = -1;
-    for (int i = 0; i < entries.size(); ++i) {
+    for (int i = 0; i < in.rowCount; ++i) {
         const Placement& at = layout.entries.at(i);
         if (at.page != page) {
             if (page >= 0 && !painter.newPage())
                 return false;
             page = at.page;
+            if (progress)
+                progress->page = page + 1;
             printPageHead(painter, choices, page + 1, layout.pages);
         }
+        const double x = columnTextLeft(at.column, w);
         painter.setCurrentY(at.y);
-        printLinesAt(painter, entries.at(i), columnTextLeft(at.column, w));
+        painter.setCurrentX(x);
+        // Dates differ from entry to entry, but their days and their times recur.
+        const QString date = in.dateText(i);
+        const qsizetype time = date.lastIndexOf(u' ') + 1;
+        painter.printRecurring(date.left(time), date.mid(time));
+        for (const QString& line : wrapped.at(wrappedOf[size_t(i)])) {
+            painter.setCurrentX(x);
+            painter.printRecurring(line);
+        }
     }
-    if (entries.isEmpty())
+    if (in.rowCount <= 0)
         printPageHead(painter, choices, 1, 1);
     return painter.end();
 }
@@ -152,12 +229,32 @@ bool drawEventsReport(QPrinter& printer, const EventsReportInput& in)
 void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in,
                        ReportOutput output)
 {
-    runReport(ctx, parent, QPageLayout::Portrait, output, [&](QPrinter& printer) {
+    if (output == ReportOutput::Preview) {
+        runReport(ctx, parent, QPageLayout::Portrait, output, [&](QPrinter& printer) {
+            QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+            const bool ok = drawEventsReport(printer, in);
+            QGuiApplication::restoreOverrideCursor();
+            return ok;
+        });
+        return;
+    }
+    QPrinter printer(QPrinter::HighResolution);
+    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
+        return;
+    // The window may be closed while a PDF is written.
+    const QPointer<QWidget> owner(parent);
+    bool ok = false;
+    if (printer.outputFormat() == QPrinter::PdfFormat) {
+        ok = drawPdfAside(printer, in, parent);
+    } else {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-        const bool ok = drawEventsReport(printer, in);
+        ok = drawEventsReport(printer, in);
         QGuiApplication::restoreOverrideCursor();
-        return ok;
-    });
+        if (!ok)
+            printer.abort();
+    }
+    if (!ok)
+        reportPrintFailed(ctx, owner);
 }
 
 } // namespace sx

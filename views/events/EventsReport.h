@@ -5,9 +5,10 @@
 #include <QList>
 #include <QString>
 
+#include <atomic>
 #include <functional>
 
-class QPrinter;
+class QPagedPaintDevice;
 class QWidget;
 
 namespace sx {
@@ -15,7 +16,8 @@ namespace sx {
 struct AppContext;
 
 // What the events report prints, read from the events window at the moment
-// of the command: the choices line and the selected rows in grid order.
+// of the command: the choices line and the selected rows in grid order. The
+// text functions may be called on a drawing thread of their own.
 struct EventsReportInput {
     QString choices;
     int rowCount = 0;
@@ -46,8 +48,6 @@ struct Choices {
 [[nodiscard]] QString choicesLine(const Choices& c);
 // "Σελίδα n/N".
 [[nodiscard]] QString pageLine(int page, int pages);
-// The date, a line break, the wrapped description and two line breaks.
-[[nodiscard]] QString entryText(const QString& date, const QString& wrappedDescription);
 
 // Where an entry goes: page and column (0-based) and its top in millimetres.
 struct Placement {
@@ -69,11 +69,21 @@ struct Layout {
 
 } // namespace events_report
 
+// How far a drawing has come, for a thread that shows it: pages is known
+// once the entries are laid out, page counts the pages begun.
+struct ReportProgress {
+    std::atomic<int> page{0};
+    std::atomic<int> pages{0};
+};
+
 // "Εκτύπωση αρχείου συμβάντων": the printer dialog, then the report.
-// Cancelling prints nothing.
+// Cancelling prints nothing. A PDF is drawn on a thread of its own while the
+// window keeps being painted and the wait window counts the pages; a printer
+// and the preview are drawn here.
 void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in,
                        ReportOutput output = ReportOutput::Print);
-// The whole report on `printer` (A4 portrait); false when a page failed.
-bool drawEventsReport(QPrinter& printer, const EventsReportInput& in);
+// The whole report on `device` (A4 portrait); false when a page failed.
+bool drawEventsReport(QPagedPaintDevice& device, const EventsReportInput& in,
+                      ReportProgress* progress = nullptr);
 
 } // namespace sx

@@ -224,12 +224,14 @@ void EventsWindow::buildPeriodFrame(QWidget* central)
     placeAt(month, 1575, 270, 2160, 825);
     m_monthSelect = makeList(u"MonthSelect"_s, month);
     placeAt(m_monthSelect, 120, 330, 1920, 345);
-    const auto periodChanged = [this] {
+    // A choice loads even when it names the shown period again: that is how
+    // an operator fetches what the units reported since.
+    const auto periodChosen = [this] {
         if (!m_loading)
             refreshEvents();
     };
-    connect(m_monthSelect, &QComboBox::currentIndexChanged, this, periodChanged);
-    connect(m_yearSelect, &QComboBox::currentIndexChanged, this, periodChanged);
+    connect(m_monthSelect, &QComboBox::activated, this, periodChosen);
+    connect(m_yearSelect, &QComboBox::activated, this, periodChosen);
 }
 
 void EventsWindow::buildEventsFrame(QWidget* central)
@@ -559,11 +561,7 @@ void EventsWindow::printEvents(ReportOutput output)
     if (!m_print->isEnabled())
         return;
     const auto [first, last] = selectedRows();
-    EventsReportInput in;
-    in.choices = choicesText();
-    in.rowCount = first < 0 ? 0 : last - first + 1;
-    in.dateText = [this, row = first](int i) { return m_model->dateText(row + i); };
-    in.descriptionText = [this, row = first](int i) { return m_model->descriptionText(row + i); };
+    const EventsReportInput in = m_model->reportInput(first, first < 0 ? -1 : last, choicesText());
     printEventsReport(context(), this, in, output);
 }
 
