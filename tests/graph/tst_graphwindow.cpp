@@ -1,5 +1,6 @@
 #include "ChooseItem.h"
 #include "GuiFixture.h"
+#include "PdfText.h"
 #include "RecordsSeed.h"
 #include "ScrollBarPart.h"
 #include "app/UnitList.h"
@@ -16,6 +17,7 @@
 #include <QImage>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QProcess>
 #include <QPushButton>
@@ -52,14 +54,6 @@ QString runText(const QString& program, const QStringList& args)
     if (!p.waitForFinished(60000) || p.exitCode() != 0)
         return {};
     return QString::fromUtf8(p.readAllStandardOutput());
-}
-
-QStringList pdfPages(const QString& pdf)
-{
-    QStringList pages = runText(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s}).split(u'\f');
-    if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
-        pages.removeLast();
-    return pages;
 }
 
 // A mouse move straight to the widget: QTest's moves go through the
@@ -482,6 +476,48 @@ private slots:
         QVERIFY(flat.contains(u"Ελάχιστο Όριο: 10.0"_s));
         for (const char16_t* label : {u"28", u"24", u"4"}) // value labels every 4
             QVERIFY2(chart[0].contains(QString::fromUtf16(label)), qPrintable(flat));
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
+    }
+
+    // The preview shows the pages the print button prints, in the same
+    // orientation, and printing from it prints them again.
+    void previewShowsThePagesPrinted_data()
+    {
+        QTest::addColumn<bool>("marked");
+        QTest::addColumn<int>("orientation");
+        QTest::newRow("chart") << false << int(QPageLayout::Landscape);
+        QTest::newRow("marked points") << true << int(QPageLayout::Portrait);
+    }
+    void previewShowsThePagesPrinted()
+    {
+        QFETCH(bool, marked);
+        QFETCH(int, orientation);
+        GraphWindow* g = openSeries();
+        QVERIFY(g);
+        for (int k = 1; k <= 90; ++k)
+            clickAt(g, {double(k * 2), 15});
+        (marked ? g->markedOption() : g->chartOption())->setChecked(true);
+        const QStringList printed = pdfPages(printTo(g, u"printed"_s));
+        QVERIFY(!printed.isEmpty());
+
+        int shown = -1;
+        int shownOrientation = -1;
+        const QString again = QDir(m_fx->scratch.folder()).filePath(u"again.pdf"_s);
+        m_fx->dialogs.answerPreview([&](QPrinter& printer, const auto& paint) {
+            QPrintPreviewWidget view(&printer);
+            QObject::connect(&view, &QPrintPreviewWidget::paintRequested,
+                             [&](QPrinter* p) { paint(*p); });
+            view.updatePreview();
+            shown = view.pageCount();
+            shownOrientation = int(printer.pageLayout().orientation());
+            QPrinter chosen(QPrinter::HighResolution);
+            setUpPdf(chosen, again);
+            paint(chosen);
+        });
+        g->previewButton()->click();
+        QCOMPARE(shown, printed.size());
+        QCOMPARE(shownOrientation, orientation);
+        QCOMPARE(pdfPages(again), printed);
         QVERIFY(!m_fx->dialogs.anyUnexpected());
     }
 

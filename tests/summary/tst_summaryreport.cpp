@@ -1,6 +1,8 @@
 #include "../cli/ReportSeed.h"
+#include "GuiFixture.h"
 #include "PdfText.h"
 #include "ScratchDatabase.h"
+#include "app/WaitWindow.h"
 #include "app/WidgetDialogService.h"
 #include "views/records/summary/SummaryReport.h"
 #include "views/records/summary/SummaryXlsx.h"
@@ -114,6 +116,56 @@ private slots:
         WidgetDialogService dialogs;
         dialogs.printPreview(nullptr, printer, [&](QPrinter& p) { drawSummaryReport(p, m_in); });
         QCOMPARE(previewPages, pdfPages(m_pdf).size());
+    }
+
+    // From the window the summary is read on a connection of its own: the
+    // window's events run meanwhile, disabled under the wait window. Then the
+    // preview shows the pages the file has, or a failed read is explained.
+    void windowSummaryReadsAside_data()
+    {
+        QTest::addColumn<bool>("broken");
+        QTest::newRow("read") << false;
+        QTest::newRow("failed read") << true;
+    }
+    void windowSummaryReadsAside()
+    {
+        QFETCH(bool, broken);
+        GuiFixture fx;
+        SX_REQUIRE_DB(fx.scratch);
+        QVERIFY(fx.ready() && seedReportUnit(fx.db));
+        if (broken) {
+            QVERIFY(fx.exec(u"ALTER TABLE Records RENAME TO Records_gone"_s));
+            fx.dialogs.answerMessage(DialogService::Answer::Ok);
+        }
+        QWidget owner;
+        owner.show();
+        bool waited = false;
+        QTimer::singleShot(0, &owner, [&] {
+            const QWidgetList tops = QApplication::topLevelWidgets();
+            waited = !owner.isEnabled() && std::any_of(tops.begin(), tops.end(), [](QWidget* w) {
+                return qobject_cast<WaitWindow*>(w) && w->isVisible();
+            });
+        });
+        int shown = -1;
+        fx.dialogs.answerPreview([&](QPrinter& printer, const auto& paint) {
+            QPrintPreviewWidget view(&printer);
+            QObject::connect(&view, &QPrintPreviewWidget::paintRequested,
+                             [&](QPrinter* p) { paint(*p); });
+            view.updatePreview();
+            shown = view.pageCount();
+        });
+        printSummary(fx.ctx, &owner, u"A-100"_s, -1, {2026, 3}, ReportOutput::Preview);
+        QVERIFY(waited);
+        QVERIFY(owner.isEnabled());
+        const auto messages = fx.dialogs.messages();
+        if (broken) {
+            QCOMPARE(messages.size(), 1);
+            QCOMPARE(messages[0].icon, DialogService::Icon::Critical);
+            QCOMPARE(shown, -1);
+        } else {
+            QVERIFY(messages.isEmpty());
+            QCOMPARE(shown, pdfPages(m_pdf).size());
+        }
     }
 
 private:

@@ -1,7 +1,6 @@
 #include "views/graph/GraphPrint.h"
 
 #include "app/AppContext.h"
-#include "app/ChoosePrinter.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
 
@@ -61,20 +60,21 @@ double paintChartPage(QPainter& p, QSizeF printable, const ChartPrintInput& in)
     return scale;
 }
 
-void printChartPage(AppContext& ctx, QWidget* parent, const ChartPrintInput& in)
+bool drawChartPage(QPrinter& printer, const ChartPrintInput& in)
 {
-    QPrinter printer(QPrinter::HighResolution);
-    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Landscape))
-        return;
     QPainter painter(&printer);
-    if (!painter.isActive()) {
-        reportPrintFailed(ctx, parent);
-        return;
-    }
+    if (!painter.isActive())
+        return false;
     const QRectF area = printer.pageLayout().paintRectPixels(printer.resolution());
     paintChartPage(painter, area.size(), in);
-    if (!painter.end())
-        reportPrintFailed(ctx, parent);
+    return painter.end();
+}
+
+void printChartPage(AppContext& ctx, QWidget* parent, const ChartPrintInput& in,
+                    ReportOutput output)
+{
+    runReport(ctx, parent, QPageLayout::Landscape, output,
+              [&](QPrinter& printer) { return drawChartPage(printer, in); });
 }
 
 namespace marked_points {
@@ -131,18 +131,12 @@ Plan layoutEntries(const std::vector<int>& entryLines, double firstY, double lin
 
 } // namespace marked_points
 
-void printMarkedPoints(AppContext& ctx, QWidget* parent, const MarkedPointsInput& in)
+bool drawMarkedPoints(QPrinter& printer, const MarkedPointsInput& in)
 {
     using namespace marked_points;
-    QPrinter printer(QPrinter::HighResolution);
-    if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait))
-        return;
-
     ReportPainter painter(printer);
-    if (!painter.isActive()) {
-        reportPrintFailed(ctx, parent);
-        return;
-    }
+    if (!painter.isActive())
+        return false;
     const double w = painter.pageWidth();
     const double lineHeight = painter.textHeight();
     const double textWidth = w - 2 * kMarginMm;
@@ -177,27 +171,27 @@ void printMarkedPoints(AppContext& ctx, QWidget* parent, const MarkedPointsInput
         painter.setCurrentY(kPageLineTopMm);
         painter.print(number);
     };
-    bool ok = true;
     int page = 0;
     pageTop(page);
-    for (size_t i = 0; i < texts.size() && ok; ++i) {
+    for (size_t i = 0; i < texts.size(); ++i) {
         const Placement& at = plan.entries[i];
         if (at.page != page) {
-            ok = painter.newPage();
+            if (!painter.newPage())
+                return false;
             page = at.page;
-            if (ok)
-                pageTop(page);
+            pageTop(page);
         }
         painter.setCurrentY(at.y);
         printLinesAt(painter, texts[i], kMarginMm);
     }
-    if (!ok) {
-        printer.abort();
-        reportPrintFailed(ctx, parent);
-        return;
-    }
-    if (!painter.end())
-        reportPrintFailed(ctx, parent);
+    return painter.end();
+}
+
+void printMarkedPoints(AppContext& ctx, QWidget* parent, const MarkedPointsInput& in,
+                       ReportOutput output)
+{
+    runReport(ctx, parent, QPageLayout::Portrait, output,
+              [&](QPrinter& printer) { return drawMarkedPoints(printer, in); });
 }
 
 } // namespace sx::graph

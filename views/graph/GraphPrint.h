@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PrintPreview.h"
 #include "views/graph/GraphPainting.h"
 
 #include <QList>
@@ -10,6 +11,7 @@
 #include <vector>
 
 class QPainter;
+class QPrinter;
 class QWidget;
 
 namespace sx {
@@ -33,8 +35,12 @@ struct ChartPrintInput {
 // scaled to fit; returns the scale used.
 double paintChartPage(QPainter& p, QSizeF printable, const ChartPrintInput& in);
 
-// Landscape, through the printer dialog; cancelling prints nothing.
-void printChartPage(AppContext& ctx, QWidget* parent, const ChartPrintInput& in);
+// The chart page on a printer set up for A4 landscape; false when the page could not be written.
+[[nodiscard]] bool drawChartPage(QPrinter& printer, const ChartPrintInput& in);
+
+// Landscape, through the printer dialog (cancelling prints nothing) or its preview.
+void printChartPage(AppContext& ctx, QWidget* parent, const ChartPrintInput& in,
+                    ReportOutput output = ReportOutput::Print);
 
 namespace marked_points {
 
@@ -71,8 +77,13 @@ struct MarkedPointsInput {
     std::vector<QString> valueTexts; // value and unit
 };
 
-// "Μαρκαρισμένα σημεία": the printer dialog, then the list on A4 portrait.
-void printMarkedPoints(AppContext& ctx, QWidget* parent, const MarkedPointsInput& in);
+// The list of marked points on a printer set up for A4 portrait; false when a
+// page could not be begun or finished.
+[[nodiscard]] bool drawMarkedPoints(QPrinter& printer, const MarkedPointsInput& in);
+
+// "Μαρκαρισμένα σημεία": the printer dialog, then the list on A4 portrait; or its preview.
+void printMarkedPoints(AppContext& ctx, QWidget* parent, const MarkedPointsInput& in,
+                       ReportOutput output = ReportOutput::Print);
 
 } // namespace graph
 } // namespace sx

@@ -338,8 +338,12 @@ void GraphWindow::build()
     m_command1 = new QPushButton(u"Εκτύπωση"_s, printBox);
     m_command1->setObjectName(u"Command1"_s);
     m_command1->setMinimumHeight(2 * m_command1->sizeHint().height());
-    connect(m_command1, &QPushButton::clicked, this, &GraphWindow::print);
+    connect(m_command1, &QPushButton::clicked, this, [this] { print(); });
     printGrid->addWidget(m_command1, 0, 1, 2, 1);
+    m_preview = new QPushButton(u"Προεπισκόπηση"_s, printBox);
+    m_preview->setObjectName(u"PreviewButton"_s);
+    connect(m_preview, &QPushButton::clicked, this, [this] { print(ReportOutput::Preview); });
+    printGrid->addWidget(m_preview, 2, 0, 1, 2);
     printGrid->setColumnStretch(1, 1);
     side->addWidget(printBox);
 
@@ -606,15 +610,15 @@ QString GraphWindow::minLimitLabel() const
     return m_minValue->text();
 }
 
-void GraphWindow::print()
+void GraphWindow::print(ReportOutput output)
 {
     if (m_option2->isChecked())
-        printMarkedPoints();
+        printMarkedPoints(output);
     else
-        printChart();
+        printChart(output);
 }
 
-void GraphWindow::printChart()
+void GraphWindow::printChart(ReportOutput output)
 {
     ChartPrintInput in;
     in.data = {&records(), m_source.first, m_source.last, m_state.view, m_maxLimit, m_minLimit};
@@ -631,10 +635,10 @@ void GraphWindow::printChart()
         {m_maxCaption->text() + u": "_s + m_maxValue->text(), colourOf(m_maxCaption)},
         {m_minCaption->text() + u": "_s + m_minValue->text(), colourOf(m_minCaption)},
     };
-    printChartPage(m_ctx, this, in);
+    printChartPage(m_ctx, this, in, output);
 }
 
-void GraphWindow::printMarkedPoints()
+void GraphWindow::printMarkedPoints(ReportOutput output)
 {
     if (m_state.markers.empty()) {
         if (m_ctx.dialogs)
@@ -650,7 +654,7 @@ void GraphWindow::printMarkedPoints()
         in.valueTexts.push_back(plainNumber(static_cast<double>(m.value)) +
                                 unitSuffix(m.sensorType));
     }
-    graph::printMarkedPoints(m_ctx, this, in);
+    graph::printMarkedPoints(m_ctx, this, in, output);
 }
 
 GraphWindow* openGraph(RecordsWindow& recordsWindow)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PrintPreview.h"
 #include "model/LoadedRecords.h"
 #include "model/graph/GraphState.h"
 
@@ -117,8 +118,9 @@ public:
     void click();
 
     void deleteMarkers();
-    // Command1: the chart (Option1) or the marked points (Option2).
-    void print();
+    // Command1: the chart (Option1) or the marked points (Option2); the
+    // preview button shows the same pages on screen first.
+    void print(ReportOutput output = ReportOutput::Print);
 
     [[nodiscard]] QString timeReadout() const;
     [[nodiscard]] QString valueReadout() const;
@@ -137,6 +139,7 @@ public:
     [[nodiscard]] QRadioButton* chartOption() const { return m_option1; }
     [[nodiscard]] QRadioButton* markedOption() const { return m_option2; }
     [[nodiscard]] QPushButton* printButton() const { return m_command1; }
+    [[nodiscard]] QPushButton* previewButton() const { return m_preview; }
     [[nodiscard]] QPushButton* deleteButton() const { return m_command2; }
 
 private:
@@ -147,8 +150,8 @@ private:
     void addMarker();
     void hScrolled(int value);
     void vScrolled(int value);
-    void printChart();
-    void printMarkedPoints();
+    void printChart(ReportOutput output);
+    void printMarkedPoints(ReportOutput output);
     [[nodiscard]] const std::vector<RecordPoint>& records() const;
 
     AppContext& m_ctx;
@@ -176,6 +179,7 @@ private:
     QRadioButton* m_option2 = nullptr;
     QPushButton* m_command1 = nullptr;
     QPushButton* m_command2 = nullptr;
+    QPushButton* m_preview = nullptr;
 
     QPixmap m_chartBase; // the view without markers
     QSize m_drawnSize;

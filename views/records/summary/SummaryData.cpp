@@ -3,7 +3,15 @@
 #include "model/Dialect.h"
 #include "model/SqlDateTime.h"
 
+#include <QEventLoop>
+#include <QThread>
+
 #include <algorithm>
+#include <memory>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -127,6 +135,33 @@ SummaryLoad loadSummary(Database& db, const QString& serial, int zoneNumber,
     else if (!any)
         out.problem = LoadProblem::NoRecords;
     return out;
+}
+
+SummaryLoad loadSummaryAside(const ConnectionSettings& settings, const QString& serial,
+                             int zoneNumber, const SummaryPeriod& period, qint64 nowSecs)
+{
+    SummaryLoad result;
+    std::unique_ptr<QThread> worker(QThread::create([&] {
+        // The connection is made, used and dropped in this thread only.
+        Database db;
+        if (const DbError e = db.open(settings); e.isError()) {
+            result.problem = LoadProblem::Database;
+            result.error = e;
+            return;
+        }
+        result = loadSummary(db, serial, zoneNumber, period, nowSecs);
+        db.close();
+    }));
+    QEventLoop loop;
+    QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    worker->start();
+    loop.exec();
+    worker->wait();
+#if defined(__GLIBC__)
+    // A year of readings was held in the worker's own heap arena: give it back.
+    malloc_trim(0);
+#endif
+    return result;
 }
 
 } // namespace sx::summary

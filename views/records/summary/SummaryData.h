@@ -57,4 +57,11 @@ struct SummaryLoad {
 [[nodiscard]] SummaryLoad loadSummary(Database& db, const QString& serial, int zoneNumber,
                                       const SummaryPeriod& period, qint64 nowSecs);
 
+// The same on a connection of its own in a worker thread: the calling (window)
+// thread keeps painting and serving its timers, and its connection stays free
+// for the refresh, while a year of records is read and summed up.
+[[nodiscard]] SummaryLoad loadSummaryAside(const ConnectionSettings& settings,
+                                           const QString& serial, int zoneNumber,
+                                           const SummaryPeriod& period, qint64 nowSecs);
+
 } // namespace sx::summary

@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 #include "app/DialogService.h"
 #include "app/QueryFailureReporter.h"
+#include "app/WaitWindow.h"
 #include "model/Formatting.h"
 #include "model/SqlDateTime.h"
 #include "model/graph/GraphRules.h"
@@ -13,10 +14,12 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QPagedPaintDevice>
+#include <QPointer>
 #include <QPrinter>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -390,18 +393,36 @@ void printSummary(AppContext& ctx, QWidget* parent, const QString& serial, int z
 {
     if (!ctx.db)
         return;
-    if (ctx.failures)
-        (void)ctx.failures->ensureConnection(FailureOrigin::User);
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    const summary::SummaryLoad load = summary::loadSummary(
-        *ctx.db, serial, zoneNumber, period,
-        fromQDateTime(ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime()));
-    QGuiApplication::restoreOverrideCursor();
+    const QPointer<QWidget> owner(parent);
+    QWidget* window = parent ? parent->window() : nullptr;
+    if (window)
+        window->setEnabled(false);
+    auto wait = std::make_unique<WaitWindow>(u"Ανάγνωση καταγραφών."_s);
+    if (window)
+        wait->move(window->frameGeometry().center() - wait->rect().center());
+
+    summary::SummaryLoad load;
+    if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User)) {
+        load.problem = summary::LoadProblem::Database;
+        load.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                      DbFailureCause::Unreachable};
+    } else {
+        load = summary::loadSummaryAside(
+            ctx.db->settings(), serial, zoneNumber, period,
+            fromQDateTime(ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime()));
+    }
+    wait.reset();
+    if (!owner)
+        return;
+    if (window)
+        window->setEnabled(true);
     if (load.problem == summary::LoadProblem::Database) {
         if (ctx.failures)
             ctx.failures->reportAction(load.error, parent);
         return;
     }
+    if (ctx.failures)
+        ctx.failures->clear();
     if (load.problem != summary::LoadProblem::None) {
         if (ctx.dialogs)
             ctx.dialogs->message(parent, DialogService::Icon::Exclamation, appTitle(),
@@ -409,8 +430,12 @@ void printSummary(AppContext& ctx, QWidget* parent, const QString& serial, int z
                                  u"επιλέξατε."_s);
         return;
     }
-    runReport(ctx, parent, QPageLayout::Portrait, output,
-              [&](QPrinter& printer) { return drawSummaryReport(printer, load.input); });
+    runReport(ctx, parent, QPageLayout::Portrait, output, [&](QPrinter& printer) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        const bool ok = drawSummaryReport(printer, load.input);
+        QGuiApplication::restoreOverrideCursor();
+        return ok;
+    });
 }
 
 } // namespace sx
