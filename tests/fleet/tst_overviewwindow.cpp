@@ -47,8 +47,7 @@ private:
 void TestOverviewWindow::init()
 {
     m_fx = std::make_unique<test::GuiFixture>();
-    SX_REQUIRE_DB(m_fx->scratch);
-    QVERIFY(m_fx->ready());
+    SX_REQUIRE_FIXTURE(*m_fx);
     test::CurrentSeed seed(m_fx->db);
     // serial, name, online, location; A3 and A10 in alarm, F has a fault.
     QVERIFY(seed.unit(u"N"_s, u"Αποθήκη"_s, u"1"_s, u"'1.22'"_s, u"'2'"_s));

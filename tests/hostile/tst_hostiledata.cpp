@@ -1,5 +1,6 @@
 #include "ChooseItem.h"
 #include "GuiFixture.h"
+#include "PdfText.h"
 #include "app/UnitList.h"
 #include "model/Dialect.h"
 #include "model/SqlDateTime.h"
@@ -17,11 +18,8 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QFile>
 #include <QHeaderView>
 #include <QMouseEvent>
-#include <QPrinter>
-#include <QProcess>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableWidget>
@@ -162,14 +160,6 @@ QString clippedCell(const QTableView& view)
     return {};
 }
 
-QString pdfText(const QString& pdf)
-{
-    QProcess p;
-    p.start(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s});
-    p.waitForFinished(60000);
-    return p.exitCode() == 0 ? QString::fromUtf8(p.readAllStandardOutput()) : QString();
-}
-
 } // namespace
 
 // Every table full of hostile values, every unit walked through the four
@@ -182,10 +172,8 @@ private slots:
     void init()
     {
         m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_DB(m_fx->scratch);
-        QVERIFY(m_fx->ready());
-        m_fx->clock.advance(
-            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+        SX_REQUIRE_FIXTURE(*m_fx);
+        m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
     }
     void cleanup()
     {
@@ -258,21 +246,10 @@ private slots:
     }
 
 private:
-    QString pdfPath() { return m_fx->scratch.folder() + u"/out%1.pdf"_s.arg(++m_pdfs); }
-    // Answers the next print dialog with a PDF file and returns its name.
-    QString answerPdf()
+    QString answerPdf() { return m_fx->answerPdf(); }
+    static void expectReport(const char* step, const QString& pdf)
     {
-        const QString pdf = pdfPath();
-        m_fx->dialogs.answerPrint(true, [pdf](QPrinter& p) {
-            p.setOutputFormat(QPrinter::PdfFormat);
-            p.setOutputFileName(pdf);
-        });
-        return pdf;
-    }
-    void expectReport(const char* step, const QString& pdf)
-    {
-        QVERIFY2(QFile::exists(pdf), step);
-        QVERIFY2(!pdfText(pdf).trimmed().isEmpty(), step);
+        QVERIFY2(!pdfPages(pdf).join(QString()).trimmed().isEmpty(), step);
     }
 
     void walkCurrentCondition(int units)
@@ -411,7 +388,6 @@ private:
     }
 
     std::unique_ptr<GuiFixture> m_fx;
-    int m_pdfs = 0;
     QStringList m_refusals;
     int m_graphs = 0;
 };

@@ -56,8 +56,7 @@ private slots:
     void init()
     {
         m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_DB(m_fx->scratch);
-        QVERIFY(m_fx->ready());
+        SX_REQUIRE_FIXTURE(*m_fx);
     }
     void cleanup() { m_fx.reset(); }
     void controlsAndCaptions_data()

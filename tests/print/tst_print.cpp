@@ -1,10 +1,9 @@
+#include "PdfText.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
 
 #include <QFontInfo>
 #include <QPdfWriter>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -15,7 +14,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr double marginMm = 10.0;
-constexpr double mmPerPoint = 25.4 / 72.0;
 
 // One A4 PDF with 10 mm margins in a temporary folder, and what poppler reads back from it.
 struct PdfReport {
@@ -32,46 +30,18 @@ struct PdfReport {
         painter = std::make_unique<sx::ReportPainter>(writer);
     }
 
-    static QString run(const QString& program, const QStringList& args)
-    {
-        QProcess process;
-        process.start(program, args);
-        if (!process.waitForFinished(30000) || process.exitCode() != 0)
-            return {};
-        return QString::fromUtf8(process.readAllStandardOutput());
-    }
-
-    // The non-empty lines of the page as laid out by pdftotext, without their indentation.
+    // The non-empty lines of the page as laid out by pdftotext.
     QStringList lines()
     {
         painter->end();
-        QStringList result;
-        const QString text = run(u"pdftotext"_s, {u"-layout"_s, path, u"-"_s});
-        for (const QString& line : text.split(u'\n')) {
-            if (!line.trimmed().isEmpty() && line.trimmed() != u"\f"_s)
-                result << line.trimmed();
-        }
-        return result;
+        return sx::test::pdfLines(path).value(0);
     }
 
     // Bounding box in millimetres from the page's top left of the words of one printed line.
     QRectF box(const QString& line)
     {
         painter->end();
-        const QString xhtml = run(u"pdftotext"_s, {u"-bbox"_s, path, u"-"_s});
-        static const QRegularExpression word(
-            uR"re(<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)">([^<]*)<)re"_s);
-        QRectF result;
-        for (const QString& part : line.split(u' ')) {
-            for (const auto& m : word.globalMatch(xhtml)) {
-                if (m.captured(5) != part)
-                    continue;
-                const QRectF r(QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()),
-                               QPointF(m.captured(3).toDouble(), m.captured(4).toDouble()));
-                result |= QRectF(r.topLeft() * mmPerPoint, r.bottomRight() * mmPerPoint);
-            }
-        }
-        return result;
+        return sx::test::pdfBox(path, line);
     }
 };
 
@@ -101,7 +71,7 @@ private slots:
 
         pdf.painter->print(u"Arial"_s);
         pdf.painter->end();
-        const QString fonts = PdfReport::run(u"pdffonts"_s, {pdf.path});
+        const QString fonts = sx::test::toolOutput(u"pdffonts"_s, {pdf.path});
         QVERIFY2(fonts.contains(u"Bold"_s), qPrintable(fonts));
     }
     void printPutsTheTopOfTheTextAtY()

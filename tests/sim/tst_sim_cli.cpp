@@ -169,25 +169,6 @@ private slots:
         QVERIFY2(empty.err.contains(u"init"_s), qPrintable(empty.err));
     }
 
-    void runAnswersAHandInsertedRequest()
-    {
-        QCOMPARE(onScratch({u"seed"_s, u"--days"_s, u"1"_s}).exitCode, 0);
-        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100002', 2, '0042;1', 0, 0), "
-                           "('SX100001', 2, '4321;1', 0, 0)"_s)
-                     .isError());
-        QCOMPARE(onScratch({u"run"_s, u"--ticks"_s, u"4"_s, u"--interval"_s, u"250"_s,
-                            u"--answer-delay"_s, u"200"_s})
-                     .exitCode,
-                 0);
-        const QString reply = u"SELECT TrmReq_Requestreply FROM Terminal_Requests WHERE "
-                              "TrmReq_Requestcompleted=1 AND TrmReq_SyI_Serialnumber="_s;
-        QCOMPARE(scalar(m_db, reply + u"'SX100002'"_s), 1);
-        QCOMPARE(scalar(m_db, reply + u"'SX100001'"_s), 2);
-        QCOMPARE(scalar(m_db, u"SELECT SyCC_RelayBcondition FROM Systems_Current_Condition WHERE "
-                              "SyCC_SyI_Serialnumber='SX100002'"_s),
-                 1);
-    }
-
     void runStopsOnSigterm()
     {
         QCOMPARE(onScratch({u"init"_s}).exitCode, 0);

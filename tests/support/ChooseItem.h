@@ -13,4 +13,13 @@ inline void chooseItem(QComboBox* list, int index)
     emit list->activated(index);
 }
 
+// The entries of a drop-down list, in order.
+inline QStringList comboTexts(const QComboBox* list)
+{
+    QStringList out;
+    for (int i = 0; i < list->count(); ++i)
+        out << list->itemText(i);
+    return out;
+}
+
 } // namespace sx::test

@@ -1,5 +1,9 @@
 #include "GuiFixture.h"
 
+#include "PdfText.h"
+
+#include <QApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace sx::test {
@@ -33,6 +37,32 @@ bool GuiFixture::exec(const QString& sql)
         }
     }
     return true;
+}
+
+QString GuiFixture::answerPdf(bool accept)
+{
+    const QString pdf = scratch.folder() + u"/printed%1.pdf"_s.arg(++m_pdfs);
+    dialogs.answerPrint(accept, [pdf](QPrinter& p) { setUpPdf(p, pdf); });
+    return pdf;
+}
+
+bool GuiFixture::waitWindowShown()
+{
+    const QWidgetList all = QApplication::topLevelWidgets();
+    return std::any_of(all.begin(), all.end(),
+                       [](QWidget* w) { return w->objectName() == u"Waitfrm" && w->isVisible(); });
+}
+
+QString GuiFixture::clippedChild(const QWidget& top)
+{
+    for (const QWidget* child : top.findChildren<QWidget*>()) {
+        if (child->objectName().isEmpty() || child->objectName().startsWith(u"qt_"_s) ||
+            !child->isVisible())
+            continue;
+        if (!child->parentWidget()->rect().contains(child->geometry()))
+            return child->objectName();
+    }
+    return {};
 }
 
 } // namespace sx::test

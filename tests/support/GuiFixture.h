@@ -2,13 +2,13 @@
 
 #include "ScratchDatabase.h"
 #include "ScriptedDialogs.h"
-
 #include "app/AppContext.h"
 #include "app/Navigator.h"
 #include "app/QueryFailureReporter.h"
 #include "app/SettingsStore.h"
 
 #include <QDateTime>
+#include <QWidget>
 
 #include <memory>
 
@@ -19,8 +19,8 @@ class TestClock : public Clock {
 public:
     [[nodiscard]] QDateTime now() const override
     {
-        return QDateTime::currentDateTime().addMSecs(m_offsetMs +
-                                                     (m_speed - 1) * m_start.msecsTo(QDateTime::currentDateTime()));
+        return QDateTime::currentDateTime().addMSecs(
+            m_offsetMs + (m_speed - 1) * m_start.msecsTo(QDateTime::currentDateTime()));
     }
     void advance(qint64 ms) { m_offsetMs += ms; }
     // Time runs `speed` times faster from now on.
@@ -59,9 +59,26 @@ public:
 
     // Runs a SQL script (statements separated by ";\n").
     bool exec(const QString& sql);
+    // Sets the clock to `t` (it runs on from there).
+    void setNow(const QDateTime& t) { clock.advance(clock.now().msecsTo(t)); }
+    // Answers the next print dialog with a new PDF file in the scratch folder; returns its name.
+    QString answerPdf(bool accept = true);
+    // Whether a wait window is up.
+    [[nodiscard]] static bool waitWindowShown();
+    // The first named, visible control under `top` that sticks out of its container; empty if none.
+    [[nodiscard]] static QString clippedChild(const QWidget& top);
 
 private:
     bool m_ready = false;
+    int m_pdfs = 0;
 };
 
 } // namespace sx::test
+
+// Skips the test when the fixture's database is not available; fails when it is but the
+// fixture could not be set up.
+#define SX_REQUIRE_FIXTURE(fx)                                                                     \
+    do {                                                                                           \
+        SX_REQUIRE_DB((fx).scratch);                                                               \
+        QVERIFY2((fx).ready(), qPrintable((fx).problem()));                                        \
+    } while (false)

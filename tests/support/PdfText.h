@@ -2,22 +2,69 @@
 
 #include <QPrinter>
 #include <QProcess>
+#include <QRectF>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
 namespace sx::test {
 
+// What a command-line tool printed; empty when it failed.
+inline QString toolOutput(const QString& program, const QStringList& args)
+{
+    QProcess p;
+    p.start(program, args);
+    if (!p.waitForFinished(60000) || p.exitCode() != 0)
+        return {};
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
 // The PDF's pages as pdftotext lays them out; empty when it cannot be read.
 inline QStringList pdfPages(const QString& pdf)
 {
-    QProcess p;
-    p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-    if (!p.waitForFinished(60000) || p.exitCode() != 0)
-        return {};
-    QStringList pages = QString::fromUtf8(p.readAllStandardOutput()).split(u'\f');
+    QStringList pages = toolOutput(QStringLiteral("pdftotext"),
+                                   {QStringLiteral("-layout"), pdf, QStringLiteral("-")})
+                            .split(u'\f');
     if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
         pages.removeLast();
     return pages;
+}
+
+// The non-empty lines of each page, trimmed, blanks inside a line squeezed to one.
+inline QList<QStringList> pdfLines(const QString& pdf)
+{
+    static const QRegularExpression blanks(QStringLiteral(" +"));
+    QList<QStringList> pages;
+    for (const QString& page : pdfPages(pdf)) {
+        QStringList lines;
+        for (QString line : page.split(u'\n')) {
+            line = line.trimmed().replace(blanks, QStringLiteral(" "));
+            if (!line.isEmpty())
+                lines << line;
+        }
+        if (!lines.isEmpty())
+            pages << lines;
+    }
+    return pages;
+}
+
+// The box in millimetres from the page's top left of the printed words of `line`.
+inline QRectF pdfBox(const QString& pdf, const QString& line)
+{
+    static const QRegularExpression word(QStringLiteral(
+        R"re(<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)">([^<]*)<)re"));
+    const QString xhtml = toolOutput(QStringLiteral("pdftotext"),
+                                     {QStringLiteral("-bbox"), pdf, QStringLiteral("-")});
+    constexpr double mmPerPoint = 25.4 / 72.0;
+    QRectF result;
+    for (const QString& part : line.split(u' ')) {
+        for (const auto& m : word.globalMatch(xhtml)) {
+            if (m.captured(5) == part)
+                result |= QRectF(QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()),
+                                 QPointF(m.captured(3).toDouble(), m.captured(4).toDouble()));
+        }
+    }
+    return QRectF(result.topLeft() * mmPerPoint, result.bottomRight() * mmPerPoint);
 }
 
 // The printer as a print dialog leaves it when the user picks a PDF file.
