@@ -89,7 +89,6 @@ void QueryFailureReporter::clear()
         m_locked = false;
         m_retry.stop();
         m_delayMs = m_firstDelayMs;
-        m_refillDue += m_failedIn;
         announceBack();
     }
     m_outage = false;
@@ -238,6 +237,8 @@ bool QueryFailureReporter::reconnect()
 
 void QueryFailureReporter::announceBack()
 {
+    // Taken now: a good refresh before the views hear of it must not forget them.
+    m_refillDue += std::exchange(m_failedIn, {});
     // Queued: the views refill from the event loop, not from inside the caller.
     QMetaObject::invokeMethod(
         this,
