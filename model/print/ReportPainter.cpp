@@ -115,6 +115,8 @@ void ReportPainter::setFont(const QFont& font)
 {
     m_painter.setFont(font);
     m_metrics = QFontMetricsF(font, &m_device);
+    // Kept runs carry the glyphs of the font they were laid out in.
+    m_runs.clear();
 }
 
 double ReportPainter::textWidth(const QString& text) const
