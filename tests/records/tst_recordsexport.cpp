@@ -95,8 +95,17 @@ QByteArray fileHash(const QString& path)
 // A Python with openpyxl: the independent reader of the workbooks.
 QString pythonWithOpenpyxl()
 {
-    static const bool found = QProcess::execute(u"python3"_s, {u"-c"_s, u"import openpyxl"_s}) == 0;
-    return found ? u"python3"_s : QString();
+    static const QString found = [] {
+        for (const QString& candidate : {u"/usr/bin/python3"_s, u"python3"_s}) {
+            QProcess p;
+            p.start(candidate, {u"-c"_s, u"import openpyxl"_s});
+            if (p.waitForFinished(30000) && p.exitStatus() == QProcess::NormalExit &&
+                p.exitCode() == 0)
+                return candidate;
+        }
+        return QString();
+    }();
+    return found;
 }
 
 const char* const kReadWorkbook = R"(
