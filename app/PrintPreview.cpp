@@ -3,13 +3,10 @@
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/DialogService.h"
+#include "app/PdfFileSwap.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QPageSize>
 #include <QPrinter>
-#include <QTemporaryFile>
 
 using namespace Qt::StringLiterals;
 
@@ -32,7 +29,8 @@ void runReport(AppContext& ctx, QWidget* owner, QPageLayout::Orientation orienta
     if (output == ReportOutput::Print) {
         if (!chooseReportPrinter(ctx, owner, printer, orientation))
             return;
-        if (!draw(printer)) {
+        PdfFileSwap file(printer);
+        if (!draw(printer) || !file.commit()) {
             printer.abort();
             reportPrintFailed(ctx, owner);
         }
@@ -55,26 +53,12 @@ void runReport(AppContext& ctx, QWidget* owner, QPageLayout::Orientation orienta
 bool writeReportPdf(const QString& path, QPageLayout::Orientation orientation,
                     const ReportDrawing& draw)
 {
-    const QFileInfo target(path);
-    // A name of our own beside the target, renamed over it once complete.
-    QTemporaryFile part(target.absoluteDir().filePath(target.fileName() + u".XXXXXX"_s));
-    if (!part.open())
-        return false;
-    part.close();
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(part.fileName());
+    printer.setOutputFileName(path);
     setUpA4(printer, orientation);
-    if (!draw(printer))
-        return false;
-    if (QFileInfo(part.fileName()).size() == 0)
-        return false;
-    if (target.exists() && !QFile::remove(path))
-        return false;
-    if (!QFile::rename(part.fileName(), path))
-        return false;
-    part.setAutoRemove(false);
-    return true;
+    PdfFileSwap file(printer);
+    return draw(printer) && file.commit();
 }
 
 } // namespace sx
