@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/DialogService.h"
+#include "app/PdfFileSwap.h"
 #include "app/PrintPreview.h"
 #include "app/QueryFailureReporter.h"
 #include "model/Dialect.h"
@@ -226,7 +227,8 @@ void printCurrentCondition(AppContext& ctx, QWidget* parent, const QString& seri
     QPrinter printer(QPrinter::HighResolution);
     if (!chooseReportPrinter(ctx, parent, printer, QPageLayout::Portrait) || !read())
         return;
-    if (!drawCurrentReport(printer, data)) {
+    PdfFileSwap file(printer);
+    if (!drawCurrentReport(printer, data) || !file.commit()) {
         printer.abort();
         reportPrintFailed(ctx, parent);
     }

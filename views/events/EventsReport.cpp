@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
+#include "app/PdfFileSwap.h"
 #include "app/PrintPreview.h"
 #include "app/WaitWindow.h"
 #include "model/print/PrintRoutines.h"
@@ -245,7 +246,8 @@ void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput
     const QPointer<QWidget> owner(parent);
     bool ok = false;
     if (printer.outputFormat() == QPrinter::PdfFormat) {
-        ok = drawPdfAside(printer, in, parent);
+        PdfFileSwap file(printer);
+        ok = drawPdfAside(printer, in, parent) && file.commit();
     } else {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
         ok = drawEventsReport(printer, in);
