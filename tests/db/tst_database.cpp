@@ -171,16 +171,12 @@ private slots:
     {
         OPEN_SCRATCH();
         using namespace schema::SensorsEvents;
-        QVERIFY(!db.insertRow(table, {{SeE_Eventnumber, qint64(1)},
-                                      {SeE_Recordeddatetime,
-                                       SqlDateTimeValue{secsAt(1899, 12, 30, 0, 0, 0)}}})
-                     .isError());
-        QVERIFY(!db.insertRow(table, {{SeE_Eventnumber, qint64(2)},
-                                      {SeE_Recordeddatetime, std::monostate{}}})
-                     .isError());
-        QVERIFY(!db.insertRow(table, {{SeE_Eventnumber, qint64(3)},
-                                      {SeE_Recordeddatetime,
-                                       SqlDateTimeValue{secsAt(2026, 11, 16, 22, 5, 0)}}})
+        const SqlValue stamps[] = {SqlDateTimeValue{secsAt(1899, 12, 30, 0, 0, 0)},
+                                   std::monostate{},
+                                   SqlDateTimeValue{secsAt(2026, 11, 16, 22, 5, 0)}};
+        for (qint64 n = 1; n <= 3; ++n)
+            QVERIFY(
+                !db.insertRow(table, {{SeE_Eventnumber, n}, {SeE_Recordeddatetime, stamps[n - 1]}})
                      .isError());
         for (bool native : {true, false}) {
             db.setNativeReads(native);

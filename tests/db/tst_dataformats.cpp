@@ -28,6 +28,7 @@ const QString kCauseIp =
     u"2. Έχετε καθορίσει λανθασμένη IP διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
 const QString kCausePort =
     u"3. Έχετε καθορίσει λανθασμένο PORT διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
+const QString kCausesNetwork = kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
 const QString kCauseLocal =
     u"1. Η σύνδεση του Η/Υ σας με το δίκτυο δεν είναι διαθέσιμη. Τερματίστε την εφαρμογή, επαναφέρετε τη σύνδεση του Η/Υ με το δίκτυο και στη συνέχεια εκτελέσετε και πάλι την εφαρμογή."_s;
 const QString kCauseDataSource =
@@ -126,8 +127,7 @@ private slots:
     {
         QTest::addColumn<QString>("description");
         QTest::addColumn<QString>("causes");
-        QTest::newRow("12170") << u"ORA-12170: TNS:Connect timeout occurred"_s
-                               << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+        QTest::newRow("12170") << u"ORA-12170: TNS:Connect timeout occurred"_s << kCausesNetwork;
         QTest::newRow("12560") << u"ORA-12560: TNS:protocol adapter error"_s << kCauseLocal;
         QTest::newRow("12545") << u"ORA-12545: Connect failed"_s
                                << kCauseLocal + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
@@ -164,12 +164,11 @@ private slots:
         QTest::addColumn<QString>("causes");
         QTest::newRow("refused")
             << u"connection to server at \"127.0.0.1\", port 1 failed: Connection refused\n\tIs the server running on that host and accepting TCP/IP connections?"_s
-            << u""_s << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
-        QTest::newRow("timeout") << u"timeout expired"_s << u""_s
-                                 << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+            << u""_s << kCausesNetwork;
+        QTest::newRow("timeout") << u"timeout expired"_s << u""_s << kCausesNetwork;
         QTest::newRow("unknown host")
             << u"could not translate host name \"nohost\" to address: Name or service not known"_s
-            << u""_s << kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
+            << u""_s << kCausesNetwork;
         QTest::newRow("password")
             << u"connection to server at \"127.0.0.1\", port 5432 failed: FATAL:  password authentication failed for user \"sentorax\""_s
             << u""_s << kCauseCredentials;
@@ -265,8 +264,7 @@ private slots:
         QCOMPARE(reader(std::string_view(bytes.constData(), bytes.size())), secs);
         if (valid) {
             QCOMPARE(toQDateTime(*secs), expected);
-            const QByteArray utf8 = text.toUtf8();
-            QCOMPARE(parseSqlDateTime(std::string_view(utf8.constData(), utf8.size())), secs);
+            QCOMPARE(parseSqlDateTime(std::string_view(bytes.constData(), bytes.size())), secs);
         }
     }
 
