@@ -218,8 +218,24 @@ private slots:
     }
 
 private:
-    void insertRequest(const QString& serial, int type, const QString& attributes);
-    [[nodiscard]] qint64 replyOf(const QString& serial);
+    void insertRequest(const QString& serial, int type, const QString& attributes)
+    {
+        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES (%1, %2, %3, 0, 0)"_s
+                               .arg(sqlQuote(serial))
+                               .arg(type)
+                               .arg(sqlQuote(attributes)))
+                     .isError());
+    }
+
+    // The reply of the unit's request, 0 while it is pending.
+    qint64 replyOf(const QString& serial)
+    {
+        Rows rows = m_db.read(u"SELECT TrmReq_Requestreply FROM Terminal_Requests WHERE "
+                              u"TrmReq_Requestcompleted<>0 AND TrmReq_SyI_Serialnumber="_s +
+                              sqlQuote(serial));
+        return rows.next() ? rows.integer(0).value_or(-1) : 0;
+    }
+
     // One poll with no answer delay; how many rows it answered, -1 on error.
     int answerNow(sim::RequestPolicy policy = {})
     {
@@ -234,29 +250,6 @@ private:
     Database m_db;
     QList<sim::DemoUnit> m_fleet;
 };
-
-void TestSimRequests::insertRequest(const QString& serial, int type, const QString& attributes)
-{
-    namespace TR = schema::TerminalRequests;
-    const DbError e =
-        m_db.insertRow(TR::table, {{TR::TrmReq_SyI_Serialnumber.toString(), serial},
-                                   {TR::TrmReq_Requesttype.toString(), qint64(type)},
-                                   {TR::TrmReq_Attributes.toString(), attributes},
-                                   {TR::TrmReq_Requestcompleted.toString(), qint64(0)},
-                                   {TR::TrmReq_Requestreply.toString(), qint64(0)}});
-    QVERIFY2(!e.isError(), qPrintable(e.description));
-}
-
-qint64 TestSimRequests::replyOf(const QString& serial)
-{
-    Rows rows =
-        m_db.read(u"SELECT TrmReq_Requestcompleted, TrmReq_Requestreply FROM Terminal_Requests "
-                  "WHERE TrmReq_SyI_Serialnumber="_s +
-                  sqlQuote(serial));
-    if (!rows.next() || rows.integer(0).value_or(0) == 0)
-        return 0; // still pending
-    return rows.integer(1).value_or(-1);
-}
 
 QTEST_GUILESS_MAIN(TestSimRequests)
 #include "tst_sim_requests.moc"
