@@ -483,25 +483,21 @@ private slots:
     void bypassWithoutPointsInUse()
     {
         QCOMPARE(run(runBypassCommand, u"SXC1"_s), QStringList());
-        const auto shown = fx->dialogs.shown();
-        QCOMPARE(shown.size(), 1); // no code asked
-        QCOMPARE(shown.at(0).icon, Icon::Exclamation);
-        QCOMPARE(shown.at(0).title, commands::bypassTitle());
-        QCOMPARE(shown.at(0).text,
-                 u"Δεν υπάρχουν ενεργοποιημένα σημεία προς παρακολούθηση στο σύστημα !"_s);
+        QCOMPARE(fx->dialogs.shown().size(), 1); // no code asked
+        expectMessage(Icon::Exclamation, commands::bypassTitle(),
+                      u"Δεν υπάρχουν ενεργοποιημένα σημεία προς παρακολούθηση στο σύστημα !"_s);
         QCOMPARE(host->refreshes, 0);
     }
 
     void cancelledSelectionWritesNothing()
     {
-        fx->dialogs.answerCode(u"0042"_s);
-        fx->dialogs.answerSelection(std::nullopt);
-        QCOMPARE(run(runNotificationCommand, u"SXA1"_s), QStringList());
-        fx->dialogs.answerCode(u"0042"_s);
-        fx->dialogs.answerSelection(std::nullopt);
-        QCOMPARE(run(runBypassCommand, u"SXA1"_s), QStringList());
-        QVERIFY(fx->dialogs.messages().isEmpty());
-        QCOMPARE(host->refreshes, 0);
+        for (auto command : {runNotificationCommand, runBypassCommand}) {
+            fx->dialogs.answerCode(u"0042"_s);
+            fx->dialogs.answerSelection(std::nullopt);
+            QCOMPARE(run(command, u"SXA1"_s), QStringList());
+            QVERIFY(fx->dialogs.messages().isEmpty());
+            QCOMPARE(host->refreshes, 0);
+        }
     }
 
     void missingUnitIsTreatedAsUnreachable()
