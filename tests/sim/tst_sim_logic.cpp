@@ -145,43 +145,40 @@ private slots:
         QTest::addColumn<int>("reply");
         QTest::addColumn<int>("state");
 
-        const QString ext = u"SENTORAX-1C"_s;
-        const QString old = u"SENTORAX-2B"_s;
-        QTest::newRow("offline") << ext << 0 << u"1234"_s << 2 << u"1234;1"_s << 3 << 0;
-        QTest::newRow("programming") << ext << 2 << u"1234"_s << 2 << u"1234;1"_s << 4 << 0;
-        QTest::newRow("programming before code")
-            << ext << 7 << u"1234"_s << 2 << u"9;9"_s << 4 << 0;
-        QTest::newRow("wrong code") << ext << 1 << u"1234"_s << 2 << u"4321;1"_s << 2 << 0;
-        QTest::newRow("leading zero counts") << ext << 1 << u"0042"_s << 2 << u"042;1"_s << 2 << 0;
-        QTest::newRow("no stored code takes any")
-            << ext << 1 << QString() << 2 << u"87654321;1"_s << 1 << 1;
-        QTest::newRow("code of 9 digits")
-            << ext << 1 << QString() << 2 << u"123456789;1"_s << 2 << 0;
-        QTest::newRow("code of 3 digits") << ext << 1 << QString() << 2 << u"123;1"_s << 2 << 0;
-        QTest::newRow("letter in field") << ext << 1 << u"1234"_s << 2 << u"1234;a"_s << 2 << 0;
-        QTest::newRow("trailing separator") << ext << 1 << u"1234"_s << 2 << u"1234;1;"_s << 2 << 0;
-        QTest::newRow("empty attributes") << ext << 1 << u"1234"_s << 2 << QString() << 2 << 0;
-        QTest::newRow("relay state 2") << ext << 1 << u"1234"_s << 2 << u"1234;2"_s << 2 << 0;
-        QTest::newRow("extended automatic") << ext << 1 << u"1234"_s << 1 << u"1234;2"_s << 1 << 2;
-        QTest::newRow("extended state 3") << ext << 1 << u"1234"_s << 1 << u"1234;3"_s << 2 << 0;
-        QTest::newRow("three fields to extended")
-            << ext << 1 << u"1234"_s << 1 << u"1234;1;0"_s << 5 << 0;
-        QTest::newRow("two fields to older") << old << 1 << u"1234"_s << 1 << u"1234;1"_s << 5 << 0;
-        QTest::newRow("automatic to older")
-            << old << 1 << u"1234"_s << 1 << u"1234;2;0"_s << 5 << 0;
-        QTest::newRow("older with delay 24")
-            << old << 1 << u"1234"_s << 1 << u"1234;1;24"_s << 1 << 1;
-        QTest::newRow("older with delay 25")
-            << old << 1 << u"1234"_s << 1 << u"1234;1;25"_s << 2 << 0;
-        QTest::newRow("older delay leading zero")
-            << old << 1 << u"1234"_s << 1 << u"1234;1;07"_s << 1 << 1;
-        QTest::newRow("four fields") << old << 1 << u"1234"_s << 1 << u"1234;1;1;1"_s << 2 << 0;
-        QTest::newRow("bypass point 4") << ext << 1 << u"1234"_s << 3 << u"1234;4;1"_s << 1 << 1;
-        QTest::newRow("bypass unused point")
-            << ext << 1 << u"1234"_s << 3 << u"1234;5;1"_s << 5 << 0;
-        QTest::newRow("bypass point 21") << ext << 1 << u"1234"_s << 3 << u"1234;21;1"_s << 2 << 0;
-        QTest::newRow("bypass state 2") << ext << 1 << u"1234"_s << 3 << u"1234;4;2"_s << 2 << 0;
-        QTest::newRow("unknown request") << ext << 1 << u"1234"_s << 9 << u"1234;1"_s << 5 << 0;
+        // Model 1C is extended, 2B is not; no code means none is stored, no attributes a NULL.
+        const auto row = [](const char* name, bool ext, int online, const char16_t* code, int type,
+                            const char16_t* attributes, int reply, int state) {
+            QTest::newRow(name) << (ext ? u"SENTORAX-1C"_s : u"SENTORAX-2B"_s) << online
+                                << (code ? QString::fromUtf16(code) : QString()) << type
+                                << (attributes ? QString::fromUtf16(attributes) : QString())
+                                << reply << state;
+        };
+        row("offline", true, 0, u"1234", 2, u"1234;1", 3, 0);
+        row("programming", true, 2, u"1234", 2, u"1234;1", 4, 0);
+        row("programming before code", true, 7, u"1234", 2, u"9;9", 4, 0);
+        row("wrong code", true, 1, u"1234", 2, u"4321;1", 2, 0);
+        row("leading zero counts", true, 1, u"0042", 2, u"042;1", 2, 0);
+        row("no stored code takes any", true, 1, nullptr, 2, u"87654321;1", 1, 1);
+        row("code of 9 digits", true, 1, nullptr, 2, u"123456789;1", 2, 0);
+        row("code of 3 digits", true, 1, nullptr, 2, u"123;1", 2, 0);
+        row("letter in field", true, 1, u"1234", 2, u"1234;a", 2, 0);
+        row("trailing separator", true, 1, u"1234", 2, u"1234;1;", 2, 0);
+        row("empty attributes", true, 1, u"1234", 2, nullptr, 2, 0);
+        row("relay state 2", true, 1, u"1234", 2, u"1234;2", 2, 0);
+        row("extended automatic", true, 1, u"1234", 1, u"1234;2", 1, 2);
+        row("extended state 3", true, 1, u"1234", 1, u"1234;3", 2, 0);
+        row("three fields to extended", true, 1, u"1234", 1, u"1234;1;0", 5, 0);
+        row("two fields to older", false, 1, u"1234", 1, u"1234;1", 5, 0);
+        row("automatic to older", false, 1, u"1234", 1, u"1234;2;0", 5, 0);
+        row("older with delay 24", false, 1, u"1234", 1, u"1234;1;24", 1, 1);
+        row("older with delay 25", false, 1, u"1234", 1, u"1234;1;25", 2, 0);
+        row("older delay leading zero", false, 1, u"1234", 1, u"1234;1;07", 1, 1);
+        row("four fields", false, 1, u"1234", 1, u"1234;1;1;1", 2, 0);
+        row("bypass point 4", true, 1, u"1234", 3, u"1234;4;1", 1, 1);
+        row("bypass unused point", true, 1, u"1234", 3, u"1234;5;1", 5, 0);
+        row("bypass point 21", true, 1, u"1234", 3, u"1234;21;1", 2, 0);
+        row("bypass state 2", true, 1, u"1234", 3, u"1234;4;2", 2, 0);
+        row("unknown request", true, 1, u"1234", 9, u"1234;1", 5, 0);
     }
 
     void replies()
