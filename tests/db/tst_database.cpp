@@ -18,11 +18,6 @@ qint64 secsAt(int y, int mo, int d, int h, int mi, int s)
     return secsFromCivil({y, mo, d, h, mi, s});
 }
 
-QString causesOf(const QString& explanation)
-{
-    return explanation.section(u"Πιθανά αίτια και προτεινόμενες λύσεις:\r\n"_s, 1);
-}
-
 } // namespace
 
 #define OPEN_SCRATCH()                                                                             \
@@ -89,7 +84,8 @@ private slots:
         QVERIFY2(e.description.contains(descriptionHas), qPrintable(e.description));
         const QString text = explainDbError(e);
         QVERIFY(text.startsWith(u"Παρουσιάστηκε το παρακάτω σφάλμα:\r\nError number: "_s));
-        QVERIFY2(causesOf(text).startsWith(causeStart), qPrintable(text));
+        const QString causes = text.section(u"Πιθανά αίτια και προτεινόμενες λύσεις:\r\n"_s, 1);
+        QVERIFY2(causes.startsWith(causeStart), qPrintable(text));
         if (setup == u"missing")
             QVERIFY(!QFile::exists(s.file)); // opening never creates the console's database
     }
@@ -323,12 +319,9 @@ private slots:
 
     void lostConnectionRecovers()
     {
-        test::ScratchDatabase scratch;
-        SX_REQUIRE_DB(scratch);
+        OPEN_SCRATCH();
         if (!scratch.isPostgres())
             QSKIP("a file database has no connection to lose");
-        Database db;
-        QVERIFY(scratch.open(db));
         Rows pid = db.read(u"SELECT pg_backend_pid()"_s);
         QVERIFY(pid.next());
         const qint64 backend = *pid.integer(0);
