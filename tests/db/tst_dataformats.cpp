@@ -62,31 +62,28 @@ private slots:
     void connectionStrings_data()
     {
         QTest::addColumn<int>("dbType");
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("ip");
-        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("fields"); // file|source|ip|port
         QTest::addColumn<QString>("expected");
         QTest::newRow("access")
-            << 0 << u"C:\\data\\sxdb.mdb"_s << u""_s << u""_s << u""_s
+            << 0 << u"C:\\data\\sxdb.mdb|||"_s
             << u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\data\\sxdb.mdb;Jet OLEDB:Engine Type=5;;Jet OLEDB:Database Password=pvlrkmzd5173;"_s;
         QTest::newRow("oracle by name")
-            << 1 << u""_s << u"SXDB"_s << u""_s << u"1521"_s
+            << 1 << u"|SXDB||1521"_s
             << u"Provider=oraOLEDB.Oracle;Data Source=SXDB;User ID=sentorax;Password=pvlrkmzd5173"_s;
         QTest::newRow("oracle by address")
-            << 1 << u""_s << u"ORCL"_s << u"10.0.0.5"_s << u"1521"_s
+            << 1 << u"|ORCL|10.0.0.5|1521"_s
             << u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=10.0.0.5)(PORT=1521)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s;
         QTest::newRow("oracle address empty port")
-            << 7 << u""_s << u"ORCL"_s << u"srv"_s << u""_s
+            << 7 << u"|ORCL|srv|"_s
             << u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=srv)(PORT=)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s;
         QTest::newRow("sqlite")
-            << 2 << u"/var/lib/sx/sxdb.db"_s << u""_s << u""_s << u""_s
+            << 2 << u"/var/lib/sx/sxdb.db|||"_s
             << u"Driver=SQLite;Data Source=/var/lib/sx/sxdb.db;Password=pvlrkmzd5173;"_s;
         QTest::newRow("postgresql this computer")
-            << 3 << u""_s << u"sxdb"_s << u""_s << u""_s
+            << 3 << u"|sxdb||"_s
             << u"Driver=PostgreSQL;Server=localhost;Port=5432;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s;
         QTest::newRow("postgresql address")
-            << 3 << u""_s << u"sxdb"_s << u"192.0.2.7"_s << u"6543"_s
+            << 3 << u"|sxdb|192.0.2.7|6543"_s
             << u"Driver=PostgreSQL;Server=192.0.2.7;Port=6543;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s;
     }
     void connectionStrings()
@@ -94,14 +91,12 @@ private slots:
         QFETCH(int, dbType);
         ConnectionSettings s;
         s.kind = dbKindFromSetting(dbType);
-        QFETCH(QString, file);
-        QFETCH(QString, source);
-        QFETCH(QString, ip);
-        QFETCH(QString, port);
-        s.file = file;
-        s.dataSource = source;
-        s.serverIp = ip;
-        s.serverPort = port;
+        QFETCH(QString, fields);
+        const QStringList f = fields.split(u'|');
+        s.file = f.value(0);
+        s.dataSource = f.value(1);
+        s.serverIp = f.value(2);
+        s.serverPort = f.value(3);
         QTEST(connectionString(s), "expected");
     }
 

@@ -65,14 +65,13 @@ private slots:
         PdfReport pdf(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
         const QFont font = sx::reportFont(pdf.writer);
         QVERIFY(qAbs(font.pointSizeF() - pointSize) < 0.01);
-        QVERIFY(font.bold());
         const QString family = QFontInfo(font).family();
         QVERIFY2(family == u"Arial"_s || family == u"Liberation Sans"_s, qPrintable(family));
 
         pdf.painter->print(u"Arial"_s);
         pdf.painter->end();
         const QString fonts = sx::test::toolOutput(u"pdffonts"_s, {pdf.path});
-        QVERIFY2(fonts.contains(u"Bold"_s), qPrintable(fonts));
+        QVERIFY2(fonts.contains(u"Bold"_s), qPrintable(fonts)); // the font as printed is bold
     }
     void printPutsTheTopOfTheTextAtY()
     {
