@@ -228,11 +228,9 @@ private slots:
 
     void storeCountersAreZeroOnlyWhenEmpty()
     {
-        QCOMPARE(storeCounters(0, kRecordEntryBytes).pageBytes, 0);
-        QCOMPARE(storeCounters(0, kRecordEntryBytes).lastPage, 0);
-        for (qint64 n : {1, 255, 256, 257, 4096, 525600}) {
+        for (qint64 n : {0, 1, 255, 256, 257, 4096, 525600}) {
             const StoreCounters c = storeCounters(n, kRecordEntryBytes);
-            QVERIFY2(c.pageBytes > 0 || c.lastPage > 0, qPrintable(QString::number(n)));
+            QCOMPARE(c.pageBytes > 0 || c.lastPage > 0, n > 0);
             QCOMPARE(c.lastPage * kStorePageBytes + c.pageBytes, n * kRecordEntryBytes);
         }
     }
