@@ -34,8 +34,7 @@ private slots:
     void initTestCase()
     {
         m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_DB(m_fx->scratch);
-        QVERIFY(m_fx->ready());
+        SX_REQUIRE_FIXTURE(*m_fx);
         QVERIFY(seedReportUnit(m_fx->db));
         m_dir = m_fx->scratch.folder();
     }
