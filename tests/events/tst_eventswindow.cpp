@@ -78,9 +78,8 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
         QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
                  qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
-        for (QAbstractButton* b : {static_cast<QAbstractButton*>(m_w->markButton()),
-                                   static_cast<QAbstractButton*>(m_w->kindOption(1)),
-                                   static_cast<QAbstractButton*>(m_w->newOption(0))})
+        for (QAbstractButton* b : std::initializer_list<QAbstractButton*>{
+                 m_w->markButton(), m_w->kindOption(1), m_w->newOption(0)})
             QVERIFY2(b->sizeHint().width() <= b->width(), qPrintable(b->text()));
         QVERIFY(m_w->kindOption(0)->isChecked());
         QVERIFY(m_w->newOption(0)->isChecked());
