@@ -196,23 +196,11 @@ private slots:
                     info += alphabet[rng.bounded(int(alphabet.size()))];
             } else {
                 info = seeds[rng.bounded(int(seeds.size()))];
-                const int edits = rng.bounded(4);
-                for (int k = 0; k < edits; ++k) {
-                    const int at = info.isEmpty() ? 0 : rng.bounded(int(info.size()) + 1);
+                // Up to three edits: a character inserted, replaced or removed.
+                for (int k = rng.bounded(4); k > 0; --k) {
                     const QChar c = alphabet[rng.bounded(int(alphabet.size()))];
-                    switch (rng.bounded(3)) {
-                    case 0:
-                        info.insert(at, c);
-                        break;
-                    case 1:
-                        if (at < info.size())
-                            info.remove(at, 1);
-                        break;
-                    default:
-                        if (at < info.size())
-                            info[at] = c;
-                        break;
-                    }
+                    info.replace(rng.bounded(int(info.size()) + 1), rng.bounded(2),
+                                 rng.bounded(3) ? QString(c) : QString());
                 }
             }
             EventRow row;
@@ -225,14 +213,11 @@ private slots:
 
             const EventText out = describeEvent(row, cache, QLocale::c());
             const bool known = row.source >= 1 && row.source <= 25;
-            if (known == out.text.isEmpty())
-                QFAIL(qPrintable(
-                    u"text presence for source %1, info %2"_s.arg(row.source).arg(info)));
-            const bool bypass = row.source == 25;
-            if (bypass != (out.colour == EventColour::Bypass))
-                QFAIL(qPrintable(u"bypass colour for source %1"_s.arg(row.source)));
-            if (row.source >= 22 && row.source <= 24 && out.colour != EventColour::Alarm)
-                QFAIL(qPrintable(u"fault colour for source %1"_s.arg(row.source)));
+            const bool fault = row.source >= 22 && row.source <= 24;
+            if (known == out.text.isEmpty() ||
+                (row.source == 25) != (out.colour == EventColour::Bypass) ||
+                (fault && out.colour != EventColour::Alarm))
+                QFAIL(qPrintable(u"source %1, info %2"_s.arg(row.source).arg(info)));
         }
     }
 };

@@ -1,3 +1,4 @@
+#include "EventsSeed.h"
 #include "ScratchDatabase.h"
 #include "model/Database.h"
 #include "model/Schema.h"
@@ -27,24 +28,14 @@ private slots:
         SX_REQUIRE_DB(*m_scratch);
         QVERIFY(m_scratch->open(*m_db));
 
-        namespace E = schema::Events1;
-        qint64 sn = 1000;
         // Sequence numbers fall as rows are added, so only the ordering gives ascending order.
-        const auto add = [&](const QString& serial, int source, int condition,
-                             const CivilTime& when, int ack) {
-            const DbError e = m_db->insertRow(
-                E::table, {{E::Event_SyI_Serialnumber, serial},
-                           {E::Event_SystemEventSN, sn--},
-                           {E::Event_Datetime, SqlDateTimeValue{secsFromCivil(when)}},
-                           {E::Event_EventSource, qint64(source)},
-                           {E::Event_Condition, qint64(condition)},
-                           {E::Event_SeI_Sensortype, qint64(0)},
-                           {E::Event_Value, 0.0},
-                           {E::Event_Info1, QString()},
-                           {E::Event_Ack, qint64(ack)}});
-            QVERIFY2(!e.isError(), qPrintable(e.description));
+        test::EventsSeed seed(*m_db);
+        qint64 sn = 1000;
+        const auto add = [&](const QString& serial, int source, int condition, const QString& when,
+                             int ack) {
+            QVERIFY(seed.event(serial, sn--, when, source, condition, 0, 0, {}, ack));
         };
-        const CivilTime dec{2004, 12, 15, 12, 0, 0};
+        const QString dec = u"2004-12-15 12:00:00"_s;
         for (int s = 1; s <= 25; ++s) {
             add(u"SN1"_s, s, 0, dec, 0);
             add(u"SN1"_s, s, 1, dec, 0);
@@ -52,8 +43,8 @@ private slots:
         for (int c : {16, 17, 20, 48, 64})
             add(u"SN1"_s, 21, c, dec, 0);
         add(u"SN1"_s, 4, 1, dec, 1);
-        add(u"SN1"_s, 3, 1, {2004, 11, 30, 23, 59, 59}, 0);
-        add(u"SN1"_s, 3, 1, {2005, 1, 1, 0, 0, 0}, 0);
+        add(u"SN1"_s, 3, 1, u"2004-11-30 23:59:59"_s, 0);
+        add(u"SN1"_s, 3, 1, u"2005-01-01 00:00:00"_s, 0);
         add(u"SN2"_s, 3, 1, dec, 0);
     }
 

@@ -3,14 +3,12 @@
 #include "GuiFixture.h"
 #include "app/Colors.h"
 #include "app/UnitList.h"
-#include "app/WaitWindow.h"
 #include "views/SecondaryViews.h"
 #include "views/events/EventsModel.h"
 #include "views/events/EventsWindow.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QAbstractItemModelTester>
-#include <QApplication>
 #include <QBrush>
 #include <QComboBox>
 #include <QFontMetricsF>
@@ -26,21 +24,6 @@ using namespace sx;
 using namespace sx::test;
 
 namespace {
-
-bool waitWindowShown()
-{
-    const QWidgetList all = QApplication::topLevelWidgets();
-    return std::any_of(all.begin(), all.end(),
-                       [](QWidget* w) { return qobject_cast<WaitWindow*>(w) && w->isVisible(); });
-}
-
-QStringList listTexts(const QComboBox* list)
-{
-    QStringList out;
-    for (int i = 0; i < list->count(); ++i)
-        out << list->itemText(i);
-    return out;
-}
 
 // "date | description | colour" of every grid row, colour as n (normal), a (alarm), b (bypass).
 QStringList gridRows(const EventsModel* m)
@@ -76,11 +59,9 @@ private slots:
     void init()
     {
         m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_DB(m_fx->scratch);
-        QVERIFY(m_fx->ready());
+        SX_REQUIRE_FIXTURE(*m_fx);
         seed();
-        m_fx->clock.advance(
-            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+        m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
     }
 
     void cleanup()
@@ -97,9 +78,8 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
         QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
                  qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
-        for (QAbstractButton* b : {static_cast<QAbstractButton*>(m_w->markButton()),
-                                   static_cast<QAbstractButton*>(m_w->kindOption(1)),
-                                   static_cast<QAbstractButton*>(m_w->newOption(0))})
+        for (QAbstractButton* b : std::initializer_list<QAbstractButton*>{
+                 m_w->markButton(), m_w->kindOption(1), m_w->newOption(0)})
             QVERIFY2(b->sizeHint().width() <= b->width(), qPrintable(b->text()));
         QVERIFY(m_w->kindOption(0)->isChecked());
         QVERIFY(m_w->newOption(0)->isChecked());
@@ -108,19 +88,16 @@ private slots:
                    w->isVisible();
         };
         // Every named control lies wholly inside its container and clear of its siblings.
+        QCOMPARE(GuiFixture::clippedChild(*m_w->centralWidget()), QString());
         const QList<QWidget*> all = m_w->centralWidget()->findChildren<QWidget*>();
         for (QWidget* a : all) {
-            if (!shown(a))
-                continue;
-            QVERIFY2(a->parentWidget()->rect().contains(a->geometry()),
-                     qPrintable(a->objectName()));
             for (QWidget* b : all) {
-                if (b != a && b->parentWidget() == a->parentWidget() && shown(b))
+                if (b != a && b->parentWidget() == a->parentWidget() && shown(a) && shown(b))
                     QVERIFY2(!a->geometry().intersects(b->geometry()),
                              qPrintable(a->objectName() + u" / "_s + b->objectName()));
             }
         }
-        const QStringList months = listTexts(m_w->monthSelect());
+        const QStringList months = comboTexts(m_w->monthSelect());
         QCOMPARE(months.size(), 13);
         QCOMPARE(months.at(2), u"Μαρτιος"_s);
         QCOMPARE(months.at(12), u"ΟΛΟΙ"_s);
@@ -148,7 +125,7 @@ private slots:
         // The unit arrives with the navigation: one list, one fill.
         fillSystemSelect(*m_w, 0, true);
         QCOMPARE(m_w->fills(), 1);
-        QCOMPARE(listTexts(m_w->systemSelect()).last(), u"ΟΛΑ"_s);
+        QCOMPARE(comboTexts(m_w->systemSelect()).last(), u"ΟΛΑ"_s);
         QCOMPARE(m_fx->ctx.systemSerials.last(), u"*"_s);
     }
 
@@ -180,7 +157,7 @@ private slots:
         QFETCH(int, unit);
         QFETCH(QStringList, entries);
         open(unit);
-        QCOMPARE(listTexts(m_w->sensorSelect()), entries);
+        QCOMPARE(comboTexts(m_w->sensorSelect()), entries);
         const bool any = !entries.isEmpty();
         for (QWidget* w : std::initializer_list<QWidget*>{
                  m_w->sensorSelect(), m_w->monthSelect(), m_w->yearSelect(), m_w->newOption(0),
@@ -319,8 +296,12 @@ private slots:
         QCOMPARE(m_w->printAction()->isEnabled(), any);
         QCOMPARE(m_w->selectedRows(), (any ? std::pair{0, 0} : std::pair{-1, -1}));
         QCOMPARE(m_w->grid()->highlight(), any);
+        // Select-all only while there is something to mark.
+        m_w->grid()->selectAll();
+        QCOMPARE(m_w->selectedRows(),
+                 (any ? std::pair{0, int(rows.size()) - 1} : std::pair{-1, -1}));
         QVERIFY(m_w->isEnabled());
-        QVERIFY(!waitWindowShown());
+        QVERIFY(!GuiFixture::waitWindowShown());
         QVERIFY(m_fx->dialogs.shown().isEmpty());
     }
 
@@ -348,19 +329,6 @@ private slots:
         QCOMPARE(m_w->model()->rowCount(), 2);
         QCOMPARE(m_w->model()->lines(0), 1);
         QCOMPARE(m_w->grid()->rowHeight(0), m_w->grid()->verticalHeader()->defaultSectionSize());
-    }
-
-    void selectAllOnlyWhileMarkingIsPossible()
-    {
-        open(3);
-        m_w->kindOption(2)->click();
-        QCOMPARE(m_w->model()->rowCount(), 9);
-        m_w->grid()->selectAll();
-        QCOMPARE(m_w->selectedRows(), std::pair(0, 8));
-        // April is empty: nothing to select.
-        chooseItem(m_w->monthSelect(), 3);
-        m_w->grid()->selectAll();
-        QCOMPARE(m_w->selectedRows(), std::pair(-1, -1));
     }
 
     void choosingTheShownPeriodAgainFetchesNewEvents_data()
@@ -421,7 +389,7 @@ private slots:
         QCOMPARE(s.acks(u"B-2"_s), acksB);
         QCOMPARE(m_w->model()->rowCount(), rowsAfter);
         QVERIFY(m_w->isEnabled());
-        QVERIFY(!waitWindowShown());
+        QVERIFY(!GuiFixture::waitWindowShown());
         QVERIFY(m_fx->dialogs.shown().isEmpty());
     }
 
@@ -455,7 +423,7 @@ private slots:
                  qPrintable(shown.first().text));
         QVERIFY(shown.first().text.contains(u"mark refused"_s));
         QVERIFY(m_w->isEnabled());
-        QVERIFY(!waitWindowShown());
+        QVERIFY(!GuiFixture::waitWindowShown());
         // The list is as it was, and the connection still serves the next action.
         QCOMPARE(m_w->model()->rowCount(), 9);
         m_w->selectRows(0, 0);
@@ -478,7 +446,7 @@ private slots:
         QVERIFY(!m_w->markButton()->isEnabled());
         QVERIFY(!m_w->printAction()->isEnabled());
         QVERIFY(m_w->isEnabled());
-        QVERIFY(!waitWindowShown());
+        QVERIFY(!GuiFixture::waitWindowShown());
         // The source list fails too: the user's every action is explained.
         emit m_w->systemSelect()->activated(1);
         QVERIFY(m_w->sources().isEmpty());
@@ -550,11 +518,9 @@ private:
 
     void pickSource(const QString& text)
     {
-        QComboBox* list = m_w->sensorSelect();
-        const int i = list->findText(text);
+        const int i = m_w->sensorSelect()->findText(text);
         QVERIFY2(i >= 0, qPrintable(text));
-        list->setCurrentIndex(i);
-        emit list->activated(i);
+        chooseItem(m_w->sensorSelect(), i);
     }
 
     std::unique_ptr<GuiFixture> m_fx;

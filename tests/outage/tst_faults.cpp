@@ -5,6 +5,7 @@
 #include "FaultProxy.h"
 #include "GuiFixture.h"
 #include "app/UnitList.h"
+#include "views/SecondaryViews.h"
 #include "views/current/CurrentReport.h"
 #include "views/current/MainWindow.h"
 #include "views/current/UnitCommands.h"
@@ -19,7 +20,6 @@
 #include <QDBusConnection>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QPrinter>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
@@ -156,13 +156,11 @@ private slots:
         QFETCH(During, during);
         QFETCH(int, boxes);
         GuiFixture fx;
-        SX_REQUIRE_DB(fx.scratch);
-        QVERIFY(fx.ready());
+        SX_REQUIRE_FIXTURE(fx);
         QVERIFY(seed(fx.db));
         if (fault == Fault::FileLocked)
             QVERIFY(!fx.db.exec(u"PRAGMA journal_mode=DELETE"_s).isError());
-        fx.clock.advance(
-            QDateTime::currentDateTime().msecsTo(QDateTime(QDate(2026, 3, 15), QTime(12, 0))));
+        fx.setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
 
         std::unique_ptr<FaultProxy> proxy;
         if (fx.scratch.isPostgres()) {
@@ -179,11 +177,7 @@ private slots:
         fx.db.setDeadline(1200);
         fx.failures->setRefreshDeadlineMs(800);
         fx.failures->setRetryDelays(100, 800);
-        fx.navigator->setFactory(ViewId::Messages,
-                                 [](AppContext& c) { return new MessagesWindow(c); });
-        fx.navigator->setFactory(ViewId::Records,
-                                 [](AppContext& c) { return new RecordsWindow(c); });
-        fx.navigator->setFactory(ViewId::Events, [](AppContext& c) { return new EventsWindow(c); });
+        registerSecondaryViews(*fx.navigator);
 
         const auto owned = std::make_unique<MainWindow>(fx.ctx);
         MainWindow* main = owned.get();
@@ -213,7 +207,7 @@ private slots:
         QVERIFY(filled(shown));
         EventsSeed events(fx.db);
         const QString acks = events.acks(u"S-1"_s);
-        const QString pdf = fx.scratch.folder() + u"/kept.pdf"_s;
+        QString pdf;
         const QByteArray kept = "the report printed yesterday";
 
         Database locker;
@@ -260,13 +254,10 @@ private slots:
             break;
         case During::Print: {
             // Into the file of an earlier report: it stays as it was.
+            pdf = fx.answerPdf();
             QFile old(pdf);
             QVERIFY(old.open(QIODevice::WriteOnly) && old.write(kept) == kept.size());
             old.close();
-            fx.dialogs.answerPrint(true, [pdf](QPrinter& p) {
-                p.setOutputFormat(QPrinter::PdfFormat);
-                p.setOutputFileName(pdf);
-            });
             printCurrentCondition(fx.ctx, main, u"S-1"_s);
             break;
         }

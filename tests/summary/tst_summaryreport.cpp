@@ -2,7 +2,6 @@
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "ScratchDatabase.h"
-#include "app/WaitWindow.h"
 #include "app/WidgetDialogService.h"
 #include "views/records/summary/SummaryReport.h"
 #include "views/records/summary/SummaryXlsx.h"
@@ -131,8 +130,8 @@ private slots:
     {
         QFETCH(bool, broken);
         GuiFixture fx;
-        SX_REQUIRE_DB(fx.scratch);
-        QVERIFY(fx.ready() && seedReportUnit(fx.db));
+        SX_REQUIRE_FIXTURE(fx);
+        QVERIFY(seedReportUnit(fx.db));
         if (broken) {
             QVERIFY(fx.exec(u"ALTER TABLE Records RENAME TO Records_gone"_s));
             fx.dialogs.answerMessage(DialogService::Answer::Ok);
@@ -140,12 +139,8 @@ private slots:
         QWidget owner;
         owner.show();
         bool waited = false;
-        QTimer::singleShot(0, &owner, [&] {
-            const QWidgetList tops = QApplication::topLevelWidgets();
-            waited = !owner.isEnabled() && std::any_of(tops.begin(), tops.end(), [](QWidget* w) {
-                return qobject_cast<WaitWindow*>(w) && w->isVisible();
-            });
-        });
+        QTimer::singleShot(0, &owner,
+                           [&] { waited = !owner.isEnabled() && GuiFixture::waitWindowShown(); });
         int shown = -1;
         fx.dialogs.answerPreview([&](QPrinter& printer, const auto& paint) {
             QPrintPreviewWidget view(&printer);
