@@ -478,7 +478,7 @@ private slots:
         QCOMPARE(f.terminated, 1);
     }
 
-    void versionText()
+    void versionTextAndBox()
     {
         // Major "." minor, then the revision (the last part) with no separator.
         for (const auto& [version, expected] : {std::pair{u"1.1.5.9"_s, u"V1.19"_s},
@@ -491,10 +491,7 @@ private slots:
         // The pictures are resources of a static library: lost unless linked in.
         for (const int size : {16, 22, 24, 32, 48, 64, 128, 256})
             QCOMPARE(appIcon().pixmap(QSize(size, size)).size(), QSize(size, size));
-    }
-
-    void softInfoBox()
-    {
+        // The version box of the menu.
         GuiFixture f;
         showSoftInfo(f.ctx, nullptr);
         const auto shown = f.dialogs.messages();

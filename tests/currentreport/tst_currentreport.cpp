@@ -1,3 +1,4 @@
+#include "../current/CurrentSeed.h"
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "model/Formatting.h"
@@ -28,52 +29,6 @@ class TestCurrentReport : public QObject {
         return QFile::exists(path) ? path : QString();
     }
 
-    // Runs SQL with %1, %2, ... filled in order.
-    template <typename... Args> void exec(QString sql, const Args&... args)
-    {
-        ((sql = sql.arg(args)), ...);
-        QVERIFY2(fx->exec(sql), qPrintable(sql));
-    }
-
-    void addUnit(const QString& serial, const QString& name, int online, const QString& softver,
-                 const QString& rtc)
-    {
-        exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
-             u"SyI_Used, SyI_Online, SyI_Softver, SyI_Model) VALUES "
-             u"('%1', '2001', '%2', 1, %3, '%4', 'SENTORAX-1A');\n"
-             u"INSERT INTO Systems_Current_Condition (SyCC_SyI_Serialnumber, SyCC_Alarmcondition, "
-             u"SyCC_RelayBcondition, SyCC_Rtc) VALUES ('%1', 2, 1, %5)"_s,
-             serial, name, online, softver, rtc);
-    }
-
-    void addPoint(const QString& serial, int n, const QString& name, int type, double value,
-                  int out, int notPowered, int used = 1)
-    {
-        exec(u"INSERT INTO Sensors_Info (SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname, "
-             u"SeI_Sensortype, SeI_Used) VALUES ('%1', %2, '%3', %4, %5);\n"
-             u"INSERT INTO Sensors_Current_Condition (SeCC_SyI_Serialnumber, SeCC_Sensornumber, "
-             u"SeCC_Currvalue, SeCC_Outofbounds, SeCC_Alarmcondition, SeCC_Notpowered) VALUES "
-             u"('%1', %2, %6, %7, 0, %8)"_s,
-             serial, n, name, type, used, value, out, notPowered);
-    }
-
-    void addPower(const QString& serial, int n, const QString& name, int fault, int condition,
-                  int used = 1)
-    {
-        exec(u"INSERT INTO Powermonitoring_Info (PmI_SyI_Serialnumber, PmI_Powernumber, "
-             u"PmI_Powername, PmI_Used) VALUES ('%1', %2, '%3', %4);\n"
-             u"INSERT INTO Powermonitoring_Current_Condit (PmCC_SyI_Serialnumber, "
-             u"PmCC_Powernumber, PmCC_Powerfault, PmCC_Powercondition) VALUES ('%1', %2, %5, %6)"_s,
-             serial, n, name, used, fault, condition);
-    }
-
-    void addFault(const QString& serial, int type, const QString& info)
-    {
-        exec(u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, SyF_Faultinfo) "
-             u"VALUES ('%1', %2, '%3')"_s,
-             serial, type, info);
-    }
-
     static QString title()
     {
         return u"SENTORAX Monitor / ΑΝΑΦΟΡΑ ΤΡΕΧΟΥΣΑΣ ΚΑΤΑΣΤΑΣΗΣ ΣΥΣΤΗΜΑΤΟΣ"_s;
@@ -86,6 +41,26 @@ private slots:
         SX_REQUIRE_FIXTURE(*fx);
         if (QStandardPaths::findExecutable(u"pdftotext"_s).isEmpty())
             QSKIP("pdftotext is not installed");
+        CurrentSeed s(fx->db);
+        const auto n = [](double v) { return QString::number(v); };
+        const auto addUnit = [&](const QString& serial, const QString& name, int online,
+                                 const QString& softver, const QString& rtc) {
+            QVERIFY(s.unit(serial, name, n(online), sqlQuote(softver), u"'2001'"_s));
+            QVERIFY(s.condition(serial, u"2"_s, u"1"_s, rtc));
+        };
+        const auto addPoint = [&](const QString& serial, int p, const QString& name, int type,
+                                  double value, int out, int notPowered, int used = 1) {
+            QVERIFY(s.point(serial, p, sqlQuote(name), n(type), n(used), u"NULL"_s, u"NULL"_s));
+            QVERIFY(s.pointCondition(serial, p, n(value), n(out), u"0"_s, n(notPowered)));
+        };
+        const auto addPower = [&](const QString& serial, int p, const QString& name, int fault,
+                                  int condition, int used = 1) {
+            QVERIFY(s.power(serial, p, sqlQuote(name), n(used)));
+            QVERIFY(s.powerCondition(serial, p, n(fault), n(condition)));
+        };
+        const auto addFault = [&](const QString& serial, int type, const QString& info) {
+            QVERIFY(s.fault(serial, type, info));
+        };
 
         addUnit(u"SXR1"_s, u"Κεντρική αποθήκη"_s, 1, u"1.22"_s, u"'2026-11-16 22:05:00'"_s);
         addPoint(u"SXR1"_s, 1, u"Ψυγείο"_s, 0, 4.04, 0, 0);

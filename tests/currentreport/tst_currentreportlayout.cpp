@@ -77,41 +77,36 @@ private slots:
     {
         QTest::addColumn<PointLine>("p");
         QTest::addColumn<QString>("text");
-        QTest::newRow("missing name")
-            << point(5, OptText(), 3, 2.0, 0, 0) << u"[5] Ανώνυμη ζώνη    2.0 bar"_s;
-        QTest::newRow("relative humidity")
-            << point(4, u"Υ"_s, 1, 55.0, 0, 0) << u"[4] Υ    55.0 %RH"_s;
-        QTest::newRow("contact open")
-            << point(6, u"Πόρτα"_s, 2, 0.0, 0, 0) << u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s;
-        QTest::newRow("contact negative is open")
-            << point(6, u"Πόρτα"_s, 2, -3.0, 0, 0) << u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s;
-        QTest::newRow("contact missing value is open")
-            << point(6, u"Πόρτα"_s, 2, OptReal(), 0, 0) << u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s;
-        QTest::newRow("contact out of limits")
-            << point(7, u"Πόρτα"_s, 2, 1.0, 2, 0) << u"[7] Πόρτα    ΚΛΕΙΣΤΗ !"_s;
-        QTest::newRow("negative out-of-limits flag")
-            << point(7, u"Π"_s, 3, 1.0, -1, 0) << u"[7] Π    1.0 bar"_s;
-        QTest::newRow("not powered, any non-zero")
-            << point(8, u"Α"_s, 0, 1.0, 0, -1) << u"[8] Α    ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s;
-        QTest::newRow("missing powered flag")
-            << point(8, u"Α"_s, 0, 1.0, 0, none) << u"[8] Α    ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s;
-        QTest::newRow("no condition row, own number")
-            << point(9, u"Α"_s, 0, 1.0, 0, 0, false) << u"[9] Α    ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s;
-        QTest::newRow("rounds half away, no minus zero")
-            << point(10, u"Α"_s, 17, -0.04, 0, 0) << u"[10] Α    0.0 ppm"_s;
-        QTest::newRow("unknown type, no unit")
-            << point(11, u"Α"_s, 21, 12.25, 0, 0) << u"[11] Α    12.3"_s;
+        const auto row = [](const char* name, const PointLine& p, const QString& text) {
+            QTest::newRow(name) << p << text;
+        };
+        row("missing name", point(5, OptText(), 3, 2.0, 0, 0), u"[5] Ανώνυμη ζώνη    2.0 bar"_s);
+        row("relative humidity", point(4, u"Υ"_s, 1, 55.0, 0, 0), u"[4] Υ    55.0 %RH"_s);
+        row("contact open", point(6, u"Πόρτα"_s, 2, 0.0, 0, 0), u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s);
+        row("contact negative is open", point(6, u"Πόρτα"_s, 2, -3.0, 0, 0),
+            u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s);
+        row("contact missing value is open", point(6, u"Πόρτα"_s, 2, OptReal(), 0, 0),
+            u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s);
+        row("contact out of limits", point(7, u"Πόρτα"_s, 2, 1.0, 2, 0),
+            u"[7] Πόρτα    ΚΛΕΙΣΤΗ !"_s);
+        row("negative out-of-limits flag", point(7, u"Π"_s, 3, 1.0, -1, 0), u"[7] Π    1.0 bar"_s);
+        row("not powered, any non-zero", point(8, u"Α"_s, 0, 1.0, 0, -1),
+            u"[8] Α    ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s);
+        row("missing powered flag", point(8, u"Α"_s, 0, 1.0, 0, none),
+            u"[8] Α    ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s);
+        row("no condition row, own number", point(9, u"Α"_s, 0, 1.0, 0, 0, false),
+            u"[9] Α    ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s);
+        row("rounds half away, no minus zero", point(10, u"Α"_s, 17, -0.04, 0, 0),
+            u"[10] Α    0.0 ppm"_s);
+        row("unknown type, no unit", point(11, u"Α"_s, 21, 12.25, 0, 0), u"[11] Α    12.3"_s);
         // As on screen: a missing type is type 0.
-        QTest::newRow("missing type")
-            << point(12, u"Α"_s, none, 7.0, 0, 0) << u"[12] Α    7.0 \u00B0C"_s;
-        QTest::newRow("type beyond 16 bits, no unit")
-            << point(12, u"Α"_s, 65536, 7.0, 0, 0) << u"[12] Α    7.0"_s;
-        QTest::newRow("missing analogue value")
-            << point(13, u"Α"_s, 0, OptReal(), 1, 0) << u"[13] Α     !"_s;
+        row("missing type", point(12, u"Α"_s, none, 7.0, 0, 0), u"[12] Α    7.0 \u00B0C"_s);
+        row("type beyond 16 bits, no unit", point(12, u"Α"_s, 65536, 7.0, 0, 0),
+            u"[12] Α    7.0"_s);
+        row("missing analogue value", point(13, u"Α"_s, 0, OptReal(), 1, 0), u"[13] Α     !"_s);
         PointLine renumbered = point(2, u"Α"_s, 0, 1.0, 0, 0);
         renumbered.conditionNumber = 12;
-        QTest::newRow("the condition's number names the point")
-            << renumbered << u"[12] Α    1.0 \u00B0C"_s;
+        row("the condition's number names the point", renumbered, u"[12] Α    1.0 \u00B0C"_s);
     }
     void pointLines()
     {
@@ -125,19 +120,18 @@ private slots:
         QTest::addColumn<PowerLine>("p");
         QTest::addColumn<int>("version");
         QTest::addColumn<QString>("text");
-        QTest::newRow("input 3 shown as [2]")
-            << power(3, u"Α"_s, 0, 0) << 122 << u"[2] Α    ΚΑΝΟΝΙΚΗ"_s;
-        QTest::newRow("input 2 unnamed")
-            << power(2, u""_s, 0, 0) << 122 << u"[1] Ανώνυμη ζώνη    ΚΑΝΟΝΙΚΗ"_s;
-        QTest::newRow("1.22: cut") << power(2, u"Δ"_s, 0, 1) << 122 << u"[1] Δ    ΔΙΑΚΟΠΗ"_s;
-        QTest::newRow("1.22: fault only")
-            << power(2, u"Δ"_s, 1, 0) << 122 << u"[1] Δ    ΚΑΝΟΝΙΚΗ !"_s;
-        QTest::newRow("1.21: cut without fault is normal")
-            << power(2, u"Δ"_s, 0, 1) << 121 << u"[1] Δ    ΚΑΝΟΝΙΚΗ"_s;
-        QTest::newRow("2.0 is older than 1.22")
-            << power(1, u""_s, 1, 0) << 20 << u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ    ΔΙΑΚΟΠΗ"_s;
-        QTest::newRow("missing values")
-            << power(4, OptText(), none, none) << 130 << u"[3] Ανώνυμη ζώνη    ΚΑΝΟΝΙΚΗ"_s;
+        const auto row = [](const char* name, const PowerLine& p, int version,
+                            const QString& text) { QTest::newRow(name) << p << version << text; };
+        row("input 3 shown as [2]", power(3, u"Α"_s, 0, 0), 122, u"[2] Α    ΚΑΝΟΝΙΚΗ"_s);
+        row("input 2 unnamed", power(2, u""_s, 0, 0), 122, u"[1] Ανώνυμη ζώνη    ΚΑΝΟΝΙΚΗ"_s);
+        row("1.22: cut", power(2, u"Δ"_s, 0, 1), 122, u"[1] Δ    ΔΙΑΚΟΠΗ"_s);
+        row("1.22: fault only", power(2, u"Δ"_s, 1, 0), 122, u"[1] Δ    ΚΑΝΟΝΙΚΗ !"_s);
+        row("1.21: cut without fault is normal", power(2, u"Δ"_s, 0, 1), 121,
+            u"[1] Δ    ΚΑΝΟΝΙΚΗ"_s);
+        row("2.0 is older than 1.22", power(1, u""_s, 1, 0), 20,
+            u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ    ΔΙΑΚΟΠΗ"_s);
+        row("missing values", power(4, OptText(), none, none), 130,
+            u"[3] Ανώνυμη ζώνη    ΚΑΝΟΝΙΚΗ"_s);
     }
     void powerLines()
     {

@@ -185,41 +185,26 @@ private slots:
     void everyViewSurvives_data()
     {
         QTest::addColumn<Profile>("profile");
-        QTest::newRow("nulls") << Profile{{u"NULL"_s, u"5"_s},
-                                          {u"NULL"_s, u"1"_s},
-                                          {u"NULL"_s},
-                                          {},
-                                          {u"NULL"_s, u"T"_s, u"ZERO"_s},
-                                          u"N-1"_s};
-        QTest::newRow("extremes") << Profile{{u"1e30"_s, u"-1e30"_s, u"0"_s, u"-9.5e14"_s},
-                                             {u"MAX"_s, u"MIN"_s, u"-1"_s, u"0"_s},
-                                             {u"''"_s, u"'x'"_s},
-                                             {u"MAX"_s, u"MIN"_s, u"0"_s, u"-1"_s},
-                                             {u"T"_s},
-                                             u"X-1"_s};
-        QTest::newRow("one sign, huge") << Profile{
-            {u"-1e30"_s, u"-3e29"_s, u"-1e30"_s}, {u"1"_s}, {u"'y'"_s}, {}, {u"T"_s}, u"G-1"_s};
-        QTest::newRow("nan and infinities")
-            << Profile{{u"NAN"_s, u"7"_s, u"8"_s, u"INF"_s, u"-3"_s, u"-INF"_s},
-                       {u"1"_s},
-                       {u"'z'"_s},
-                       {},
-                       {u"T"_s},
-                       u"F-1"_s};
-        QTest::newRow("unknown codes, eight digits")
-            << Profile{{u"-12345678.5"_s, u"98765432"_s},
-                       {u"99"_s, u"250"_s, u"-7"_s, u"13"_s},
-                       {u"'?'"_s},
-                       {u"1"_s, u"200"_s, u"77"_s, u"9"_s},
-                       {u"T"_s},
-                       u"C-1"_s};
-        QTest::newRow("quotes and long texts") << Profile{
-            {u"1"_s, u"2"_s},
-            {u"1"_s, u"0"_s},
-            {sqlQuote(kLongName), u"'''; DROP TABLE Records; --'"_s, u"'\r\n\t<b>&amp;%1'"_s},
-            {},
-            {u"T"_s},
-            u"Q'\"%1"_s + u"Σ"_s.repeated(300)};
+        // Lists of tokens separated by blanks; texts are SQL literals.
+        const auto row = [](const char* name, const char* reals, const char* counters,
+                            const QStringList& texts, const char* keys, const char* dates,
+                            const QString& serial) {
+            const auto list = [](const char* tokens) {
+                return QString::fromLatin1(tokens).split(u' ', Qt::SkipEmptyParts);
+            };
+            QTest::newRow(name) << Profile{list(reals), list(counters), texts,
+                                           list(keys),  list(dates),    serial};
+        };
+        row("nulls", "NULL 5", "NULL 1", {u"NULL"_s}, "", "NULL T ZERO", u"N-1"_s);
+        row("extremes", "1e30 -1e30 0 -9.5e14", "MAX MIN -1 0", {u"''"_s, u"'x'"_s}, "MAX MIN 0 -1",
+            "T", u"X-1"_s);
+        row("one sign, huge", "-1e30 -3e29 -1e30", "1", {u"'y'"_s}, "", "T", u"G-1"_s);
+        row("nan and infinities", "NAN 7 8 INF -3 -INF", "1", {u"'z'"_s}, "", "T", u"F-1"_s);
+        row("unknown codes, eight digits", "-12345678.5 98765432", "99 250 -7 13", {u"'?'"_s},
+            "1 200 77 9", "T", u"C-1"_s);
+        row("quotes and long texts", "1 2", "1 0",
+            {sqlQuote(kLongName), u"'''; DROP TABLE Records; --'"_s, u"'\r\n\t<b>&amp;%1'"_s}, "",
+            "T", u"Q'\"%1"_s + u"Σ"_s.repeated(300));
     }
     void everyViewSurvives()
     {

@@ -59,11 +59,10 @@ private slots:
         SX_REQUIRE_FIXTURE(*m_fx);
     }
     void cleanup() { m_fx.reset(); }
-    void controlsAndCaptions_data()
+    void controlsAndCaptions()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("caption");
-
+        MessagesWindow w(m_fx->ctx);
+        QCOMPARE(w.windowTitle(), u"SENTORAX Monitor / Μηνύματα"_s);
         const char16_t* rows[][2] = {{u"Frame1", u"Πλοήγηση"},
                                      {u"Frame6", u"Επιλογή συστήματος"},
                                      {u"Frame2", u"Νέα Μηνύματα"},
@@ -77,27 +76,20 @@ private slots:
                                      {u"Printmsgs", u"Εκτύπωση μηνυμάτων"},
                                      {u"l1", u""},
                                      {u"Terminateprg", u"Έξοδος"}};
-        for (const auto& r : rows)
-            QTest::newRow(QString::fromUtf16(r[0]).toUtf8().constData())
-                << QString::fromUtf16(r[0]) << QString::fromUtf16(r[1]);
-    }
-
-    void controlsAndCaptions()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, caption);
-        MessagesWindow w(m_fx->ctx);
-        QCOMPARE(w.windowTitle(), u"SENTORAX Monitor / Μηνύματα"_s);
-        QString text = u"<missing>"_s;
-        if (auto* box = w.findChild<QGroupBox*>(name))
-            text = box->title();
-        else if (auto* button = w.findChild<QPushButton*>(name))
-            text = button->text();
-        else if (auto* menu = w.findChild<QMenu*>(name))
-            text = menu->title();
-        else if (auto* action = w.findChild<QAction*>(name))
-            text = action->isSeparator() ? QString() : action->text();
-        QCOMPARE(text.replace(u'\n', u' '), caption);
+        for (const auto& r : rows) {
+            const QString name = QString::fromUtf16(r[0]);
+            QString text = u"<missing>"_s;
+            if (auto* box = w.findChild<QGroupBox*>(name))
+                text = box->title();
+            else if (auto* button = w.findChild<QPushButton*>(name))
+                text = button->text();
+            else if (auto* menu = w.findChild<QMenu*>(name))
+                text = menu->title();
+            else if (auto* action = w.findChild<QAction*>(name))
+                text = action->isSeparator() ? QString() : action->text();
+            QCOMPARE(name + u'=' + text.replace(u'\n', u' '),
+                     name + u'=' + QString::fromUtf16(r[1]));
+        }
         QPlainTextEdit* box = w.textBox();
         QVERIFY(box->isReadOnly());
         QCOMPARE(box->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);

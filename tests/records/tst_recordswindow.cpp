@@ -246,19 +246,6 @@ private slots:
         QCOMPARE(m_w->model()->rowCount(), 6);
     }
 
-    void emptyPeriodDisablesCommandsAndKeepsSharedRecords()
-    {
-        open();
-        const auto before = m_fx->ctx.loadedRecords;
-        QCOMPARE(before->records.size(), size_t(6));
-        chooseItem(m_w->monthSelect(), 1);
-        QCOMPARE(m_w->model()->rowCount(), 0);
-        QCOMPARE(commandsOn(*m_w), 0);
-        QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
-        QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(6));
-        QVERIFY(m_fx->dialogs.shown().isEmpty());
-    }
-
     void decemberAndWholeYearKeepTheirEdges()
     {
         RecordsSeed s(m_fx->db);
@@ -281,7 +268,7 @@ private slots:
         QCOMPARE(m_w->model()->dateText(3), u"01/01/2025 - 00:00"_s);
     }
 
-    void selectAllWorksOnlyWhileRecordsAreShown()
+    void selectAllWorksOnlyWhileRecordsAreShownAndAnEmptyPeriodKeepsSharedRecords()
     {
         open();
         m_w->show();
@@ -298,8 +285,12 @@ private slots:
         QTest::mouseClick(corner, Qt::LeftButton);
         QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
 
-        // Nothing shown: the action selects nothing.
+        // An empty period: commands off, the shared records kept, and the action selects nothing.
         chooseItem(m_w->monthSelect(), 1);
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QCOMPARE(commandsOn(*m_w), 0);
+        QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(6));
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
         QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
         QTest::mouseClick(corner, Qt::LeftButton);
         QVERIFY(grid->selectionModel()->selection().isEmpty());
