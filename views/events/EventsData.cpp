@@ -1,16 +1,10 @@
 #include "views/events/EventsData.h"
 
 #include "model/Dialect.h"
-
-#include <QEventLoop>
-#include <QThread>
+#include "model/ReadAside.h"
 
 #include <algorithm>
 #include <memory>
-
-#if defined(__GLIBC__)
-#include <malloc.h>
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -200,24 +194,10 @@ EventsLoad loadEventsAside(const ConnectionSettings& settings, const EventsReque
                            const LineCounter& lineCounter)
 {
     EventsLoad result;
-    std::unique_ptr<QThread> worker(QThread::create([&] {
-        // The connection is made, used and dropped in this thread only.
-        Database db;
-        if (const DbError e = db.open(settings); e.isError()) {
-            result.error = e;
-            return;
-        }
-        result = loadEvents(db, request, lineCounter);
-        db.close();
-    }));
-    QEventLoop loop;
-    QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    worker->start();
-    loop.exec();
-    worker->wait();
-#if defined(__GLIBC__)
-    malloc_trim(0);
-#endif
+    if (const DbError e = readAside(
+            settings, [&](Database& db) { result = loadEvents(db, request, lineCounter); });
+        e.isError())
+        result.error = e;
     return result;
 }
 

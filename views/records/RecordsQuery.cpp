@@ -3,20 +3,14 @@
 #include "model/Dialect.h"
 #include "model/Formatting.h"
 #include "model/NativeCursors.h"
+#include "model/ReadAside.h"
 #include "model/SqlDateTime.h"
-
-#include <QEventLoop>
-#include <QThread>
 
 #include <algorithm>
 #include <functional>
 #include <libpq-fe.h>
 #include <memory>
 #include <sqlite3.h>
-
-#if defined(__GLIBC__)
-#include <malloc.h>
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -351,28 +345,10 @@ RecordsLoad loadRecordsAside(const ConnectionSettings& settings, const QString& 
                              size_t expectedRows)
 {
     RecordsLoad result;
-    std::unique_ptr<QThread> worker(QThread::create([&result, &settings, &sql, expectedRows] {
-        // The connection is made, used and dropped in this thread only.
-        Database db;
-        if (const DbError e = db.open(settings); e.isError()) {
-            result.error = e;
-            return;
-        }
-        result = loadRecords(db, sql, expectedRows);
-        db.close();
-    }));
-    QEventLoop loop;
-    QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    worker->start();
-    // Everything flows, input included: the waiting window is disabled, so
-    // clicks on it are dropped now instead of being replayed after the load.
-    loop.exec();
-    worker->wait();
-#if defined(__GLIBC__)
-    // A server's result of a year is tens of megabytes, freed in the worker's
-    // own heap arena: give it back rather than keep it for the process's life.
-    malloc_trim(0);
-#endif
+    if (const DbError e =
+            readAside(settings, [&](Database& db) { result = loadRecords(db, sql, expectedRows); });
+        e.isError())
+        result.error = e;
     return result;
 }
 

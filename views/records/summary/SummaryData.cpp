@@ -1,17 +1,11 @@
 #include "views/records/summary/SummaryData.h"
 
 #include "model/Dialect.h"
+#include "model/ReadAside.h"
 #include "model/SqlDateTime.h"
-
-#include <QEventLoop>
-#include <QThread>
 
 #include <algorithm>
 #include <memory>
-
-#if defined(__GLIBC__)
-#include <malloc.h>
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -141,26 +135,13 @@ SummaryLoad loadSummaryAside(const ConnectionSettings& settings, const QString& 
                              int zoneNumber, const SummaryPeriod& period, qint64 nowSecs)
 {
     SummaryLoad result;
-    std::unique_ptr<QThread> worker(QThread::create([&] {
-        // The connection is made, used and dropped in this thread only.
-        Database db;
-        if (const DbError e = db.open(settings); e.isError()) {
-            result.problem = LoadProblem::Database;
-            result.error = e;
-            return;
-        }
-        result = loadSummary(db, serial, zoneNumber, period, nowSecs);
-        db.close();
-    }));
-    QEventLoop loop;
-    QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    worker->start();
-    loop.exec();
-    worker->wait();
-#if defined(__GLIBC__)
-    // A year of readings was held in the worker's own heap arena: give it back.
-    malloc_trim(0);
-#endif
+    if (const DbError e = readAside(
+            settings,
+            [&](Database& db) { result = loadSummary(db, serial, zoneNumber, period, nowSecs); });
+        e.isError()) {
+        result.problem = LoadProblem::Database;
+        result.error = e;
+    }
     return result;
 }
 
