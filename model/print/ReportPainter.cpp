@@ -1,5 +1,7 @@
 #include "model/print/ReportPainter.h"
 
+#include "model/print/PdfDirectWriter.h"
+
 #include <QFontDatabase>
 #include <QPagedPaintDevice>
 #include <QPen>
@@ -12,6 +14,7 @@ namespace sx {
 namespace {
 
 constexpr double mmPerInch = 25.4;
+constexpr double pointsPerInch = 72.0;
 constexpr double twipsPerInch = 1440.0;
 constexpr double a4WidthTwips = 11906.0;
 constexpr double basePointSize = 8.0;
@@ -76,6 +79,9 @@ QFont reportFont(const QPagedPaintDevice& device)
     font.setPointSizeF(basePointSize * widthTwips / a4WidthTwips);
     // Unhinted metrics, so that a layout measured once holds at any resolution.
     font.setHintingPreference(QFont::PreferNoHinting);
+    // Unkerned, as a printer sets text: a line is the sum of its letters, on
+    // paper and in a PDF written directly alike.
+    font.setKerning(false);
     return font;
 }
 
@@ -100,20 +106,52 @@ ReportPainter::ReportPainter(QPagedPaintDevice& device)
     setFont(reportFont(device));
 }
 
+ReportPainter::ReportPainter(QPagedPaintDevice& device, PdfDirectWriter& pdf)
+    : m_device(device), m_pdf(&pdf), m_metrics(QFont(), &device)
+{
+    m_unitsPerMmX = device.logicalDpiX() / mmPerInch;
+    m_unitsPerMmY = device.logicalDpiY() / mmPerInch;
+    const QRectF printable = device.pageLayout().paintRect(QPageLayout::Millimeter);
+    m_pageWidth = printable.width();
+    m_pageHeight = printable.height();
+    // Where Qt's engine puts it: on a whole device pixel.
+    const int dpi = device.logicalDpiX();
+    m_originPt = QPointF(device.pageLayout().paintRectPixels(dpi).topLeft()) * pointsPerInch / dpi;
+    pdf.setLineWidth(lineWidthMm * pointsPerInch / mmPerInch);
+    setFont(reportFont(device));
+}
+
 ReportPainter::~ReportPainter()
 {
     if (m_painter.isActive())
         m_painter.end();
 }
 
+bool ReportPainter::isActive() const
+{
+    return m_pdf ? m_pdf->isOpen() : m_painter.isActive();
+}
+
 bool ReportPainter::end()
 {
+    if (m_pdf)
+        return m_pdf->finish();
     return !m_painter.isActive() || m_painter.end();
 }
 
 void ReportPainter::setFont(const QFont& font)
 {
-    m_painter.setFont(font);
+    m_font = font;
+    if (m_pdf) {
+        // Qt sets text in whole device pixels; so must a PDF that matches its measures.
+        QFont sized = font;
+        const double dpi = m_device.logicalDpiY();
+        sized.setPointSizeF(std::round(font.pointSizeF() * dpi / pointsPerInch) * pointsPerInch /
+                            dpi);
+        m_pdf->setFont(sized);
+    } else {
+        m_painter.setFont(font);
+    }
     m_metrics = QFontMetricsF(font, &m_device);
     // Kept runs carry the glyphs of the font they were laid out in.
     m_runs.clear();
@@ -129,12 +167,21 @@ double ReportPainter::textHeight() const
     return m_metrics.height() / m_unitsPerMmY;
 }
 
+void ReportPainter::drawText(QPointF topLeft, const QString& text)
+{
+    const QPointF baseline(topLeft.x(), topLeft.y() + m_metrics.ascent());
+    if (m_pdf) {
+        const QPointF at = toPoints(baseline);
+        (void)m_pdf->drawText(at.x(), at.y(), text);
+    } else {
+        m_painter.drawText(baseline, text);
+    }
+}
+
 void ReportPainter::print(const QString& text)
 {
-    if (!text.isEmpty()) {
-        const QPointF topLeft = toDevice(m_x, m_y);
-        m_painter.drawText(QPointF(topLeft.x(), topLeft.y() + m_metrics.ascent()), text);
-    }
+    if (!text.isEmpty())
+        drawText(toDevice(m_x, m_y), text);
     m_x = 0.0;
     m_y += textHeight();
 }
@@ -147,7 +194,7 @@ const ReportPainter::Recurring& ReportPainter::recurring(const QString& text)
     if (m_runs.size() >= maxRecurring)
         m_runs.clear();
     // Shaped as drawText shapes it, fallback fonts included.
-    QTextLayout layout(text, m_painter.font(), &m_device);
+    QTextLayout layout(text, m_font, &m_device);
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     layout.setTextOption(option);
@@ -171,6 +218,9 @@ void ReportPainter::drawRecurring(const Recurring& r, QPointF at)
 
 void ReportPainter::printRecurring(const QString& text)
 {
+    // The direct writer sets a line as cheaply as a kept one.
+    if (m_pdf)
+        return print(text);
     if (!text.isEmpty())
         drawRecurring(recurring(text), toDevice(m_x, m_y));
     m_x = 0.0;
@@ -179,6 +229,8 @@ void ReportPainter::printRecurring(const QString& text)
 
 void ReportPainter::printRecurring(const QString& start, const QString& end)
 {
+    if (m_pdf)
+        return print(start + end);
     QPointF at = toDevice(m_x, m_y);
     if (!start.isEmpty()) {
         const Recurring& r = recurring(start);
@@ -195,17 +247,30 @@ bool ReportPainter::newPage()
 {
     m_x = 0.0;
     m_y = 0.0;
-    return m_device.newPage();
+    return m_pdf ? m_pdf->newPage() : m_device.newPage();
 }
 
 void ReportPainter::drawRect(double x1, double y1, double x2, double y2)
 {
-    m_painter.drawRect(QRectF(toDevice(x1, y1), toDevice(x2, y2)).normalized());
+    const QRectF r = QRectF(toDevice(x1, y1), toDevice(x2, y2)).normalized();
+    if (m_pdf)
+        m_pdf->drawRect(QRectF(toPoints(r.topLeft()), toPoints(r.bottomRight())));
+    else
+        m_painter.drawRect(r);
 }
 
 void ReportPainter::drawLine(double x1, double y1, double x2, double y2)
 {
-    m_painter.drawLine(toDevice(x1, y1), toDevice(x2, y2));
+    if (m_pdf)
+        m_pdf->drawLine(toPoints(toDevice(x1, y1)), toPoints(toDevice(x2, y2)));
+    else
+        m_painter.drawLine(toDevice(x1, y1), toDevice(x2, y2));
+}
+
+QPointF ReportPainter::toPoints(QPointF device) const
+{
+    return m_originPt + QPointF(device.x() / m_unitsPerMmX, device.y() / m_unitsPerMmY) *
+                            (pointsPerInch / mmPerInch);
 }
 
 QPointF ReportPainter::toDevice(double xMm, double yMm) const

@@ -13,6 +13,8 @@ class QPagedPaintDevice;
 
 namespace sx {
 
+class PdfDirectWriter;
+
 // Arial bold (Liberation Sans where Arial is missing) at 8 pt scaled by the paper width
 // against A4's 11906 twips, so every report keeps its proportions on other paper sizes.
 [[nodiscard]] QFont reportFont(const QPagedPaintDevice& device);
@@ -24,12 +26,15 @@ class ReportPainter {
 public:
     // Starts with reportFont(device) and the current position at (0, 0).
     explicit ReportPainter(QPagedPaintDevice& device);
+    // Draws into `pdf` instead; `device` only lends its page layout and
+    // metrics and is not painted on. painter() is then inactive.
+    ReportPainter(QPagedPaintDevice& device, PdfDirectWriter& pdf);
     ~ReportPainter();
     ReportPainter(const ReportPainter&) = delete;
     ReportPainter& operator=(const ReportPainter&) = delete;
 
     // False when the device could not be opened (for a PDF: the file cannot be written).
-    [[nodiscard]] bool isActive() const { return m_painter.isActive(); }
+    [[nodiscard]] bool isActive() const;
     // Finishes the document; false when it could not be completed.
     bool end();
 
@@ -42,7 +47,7 @@ public:
     void setCurrentY(double yMm) { m_y = yMm; }
 
     void setFont(const QFont& font);
-    [[nodiscard]] QFont font() const { return m_painter.font(); }
+    [[nodiscard]] QFont font() const { return m_font; }
     [[nodiscard]] double textWidth(const QString& text) const;
     // Height of one line of the current font; print() advances by this much.
     [[nodiscard]] double textHeight() const;
@@ -67,8 +72,14 @@ public:
     [[nodiscard]] double deviceUnitsPerMmY() const { return m_unitsPerMmY; }
 
 private:
+    void drawText(QPointF topLeft, const QString& text);
+    [[nodiscard]] QPointF toPoints(QPointF device) const;
+
     QPagedPaintDevice& m_device;
+    PdfDirectWriter* m_pdf = nullptr;
+    QPointF m_originPt; // the printable area's top left on the page, in points
     QPainter m_painter;
+    QFont m_font;
     QFontMetricsF m_metrics;
     double m_unitsPerMmX = 1.0;
     double m_unitsPerMmY = 1.0;

@@ -5,6 +5,7 @@
 #include "app/PdfFileSwap.h"
 #include "app/PrintPreview.h"
 #include "app/WaitWindow.h"
+#include "model/print/PdfDirectWriter.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
 
@@ -13,6 +14,7 @@
 #include <QGuiApplication>
 #include <QHash>
 #include <QPageLayout>
+#include <QPaintEngine>
 #include <QPdfWriter>
 #include <QPointer>
 #include <QPrinter>
@@ -112,61 +114,9 @@ void printPageHead(ReportPainter& painter, const QString& choices, int page, int
     painter.drawLine(middle, kFrameTopMm, middle, h - kMarginMm);
 }
 
-// The report into the PDF file the print dialog named, drawn on a thread of
-// its own: the window is painted meanwhile but takes no input, and the wait
-// window counts the pages.
-bool drawPdfAside(const QPrinter& printer, const EventsReportInput& in, QWidget* owner)
-{
-    ReportProgress progress;
-    bool ok = false;
-    std::unique_ptr<QThread> worker(QThread::create(
-        [&ok, &in, &progress, file = printer.outputFileName(), layout = printer.pageLayout(),
-         resolution = printer.resolution(), title = printer.docName(), creator = printer.creator(),
-         version = printer.pdfVersion()] {
-            QPdfWriter writer(file);
-            writer.setPdfVersion(version);
-            writer.setResolution(resolution);
-            (void)writer.setPageLayout(layout);
-            writer.setTitle(title);
-            writer.setCreator(creator);
-            ok = drawEventsReport(writer, in, &progress);
-        }));
-    const QPointer<QWidget> guard(owner);
-    if (owner)
-        owner->setEnabled(false);
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    {
-        WaitWindow wait(u"Εκτύπωση συμβάντων."_s);
-        if (owner)
-            wait.move(owner->frameGeometry().center() - wait.rect().center());
-        QTimer count;
-        count.setInterval(250);
-        QObject::connect(&count, &QTimer::timeout, &wait, [&wait, &progress] {
-            if (const int pages = progress.pages; pages > 0)
-                wait.setMessage(u"Εκτύπωση συμβάντων: σελίδα %1 από %2."_s.arg(progress.page.load())
-                                    .arg(pages));
-        });
-        QEventLoop loop;
-        QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
-        worker->start();
-        count.start();
-        loop.exec();
-        // The loop also ends when the application quits: the file is finished first.
-        worker->wait();
-    }
-    QGuiApplication::restoreOverrideCursor();
-    if (guard)
-        guard->setEnabled(true);
-    return ok;
-}
-
-} // namespace
-
-bool drawEventsReport(QPagedPaintDevice& device, const EventsReportInput& in,
-                      ReportProgress* progress)
+bool drawReport(ReportPainter& painter, const EventsReportInput& in, ReportProgress* progress)
 {
     using namespace events_report;
-    ReportPainter painter(device);
     if (!painter.isActive())
         return false;
     const double w = painter.pageWidth();
@@ -225,6 +175,113 @@ bool drawEventsReport(QPagedPaintDevice& device, const EventsReportInput& in,
     if (in.rowCount <= 0)
         printPageHead(painter, choices, 1, 1);
     return painter.end();
+}
+
+// What a PDF file of the report is written with, taken from the printer the
+// user chose so that a drawing thread needs nothing of it.
+struct PdfTarget {
+    QString file;
+    QPageLayout layout;
+    int resolution = 1200;
+    QString title;
+    QString creator;
+    QPagedPaintDevice::PdfVersion version = QPagedPaintDevice::PdfVersion_1_4;
+
+    explicit PdfTarget(const QPrinter& printer)
+        : file(printer.outputFileName()), layout(printer.pageLayout()),
+          resolution(printer.resolution()), title(printer.docName()), creator(printer.creator()),
+          version(printer.pdfVersion())
+    {
+    }
+
+    void setUp(QPdfWriter& writer) const
+    {
+        writer.setPdfVersion(version);
+        writer.setResolution(resolution);
+        (void)writer.setPageLayout(layout);
+        writer.setTitle(title);
+        writer.setCreator(creator);
+    }
+};
+
+// A year of events runs to thousands of pages: their text is written
+// straight to the file. A text only Qt can set (a mark, another script) sends
+// the whole report through Qt's PDF engine instead.
+bool writeReportPdf(const PdfTarget& target, const EventsReportInput& in, ReportProgress* progress)
+{
+    {
+        // Lends the page layout and the metrics; never painted on, it writes nothing.
+        QPdfWriter measure(QString{});
+        target.setUp(measure);
+        PdfDirectWriter pdf(target.file, target.layout);
+        pdf.setTitle(target.title);
+        pdf.setCreator(target.creator);
+        ReportPainter painter(measure, pdf);
+        if (drawReport(painter, in, progress))
+            return true;
+        if (!pdf.refusedText())
+            return false;
+    }
+    if (progress)
+        progress->page = 0;
+    QPdfWriter writer(target.file);
+    target.setUp(writer);
+    ReportPainter painter(writer);
+    return drawReport(painter, in, progress);
+}
+
+// The report into the PDF file the print dialog named, drawn on a thread of
+// its own: the window is painted meanwhile but takes no input, and the wait
+// window counts the pages.
+bool drawPdfAside(const QPrinter& printer, const EventsReportInput& in, QWidget* owner)
+{
+    ReportProgress progress;
+    bool ok = false;
+    std::unique_ptr<QThread> worker(
+        QThread::create([&ok, &in, &progress, target = PdfTarget(printer)] {
+            ok = writeReportPdf(target, in, &progress);
+        }));
+    const QPointer<QWidget> guard(owner);
+    if (owner)
+        owner->setEnabled(false);
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    {
+        WaitWindow wait(u"Εκτύπωση συμβάντων."_s);
+        if (owner)
+            wait.move(owner->frameGeometry().center() - wait.rect().center());
+        QTimer count;
+        count.setInterval(250);
+        QObject::connect(&count, &QTimer::timeout, &wait, [&wait, &progress] {
+            if (const int pages = progress.pages; pages > 0)
+                wait.setMessage(u"Εκτύπωση συμβάντων: σελίδα %1 από %2."_s.arg(progress.page.load())
+                                    .arg(pages));
+        });
+        QEventLoop loop;
+        QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
+        worker->start();
+        count.start();
+        loop.exec();
+        // The loop also ends when the application quits: the file is finished first.
+        worker->wait();
+    }
+    QGuiApplication::restoreOverrideCursor();
+    if (guard)
+        guard->setEnabled(true);
+    return ok;
+}
+
+} // namespace
+
+bool drawEventsReport(QPagedPaintDevice& device, const EventsReportInput& in,
+                      ReportProgress* progress)
+{
+    if (const auto* printer = dynamic_cast<const QPrinter*>(&device);
+        printer && printer->outputFormat() == QPrinter::PdfFormat &&
+        !printer->outputFileName().isEmpty() && printer->paintEngine() &&
+        printer->paintEngine()->type() == QPaintEngine::Pdf)
+        return writeReportPdf(PdfTarget(*printer), in, progress);
+    ReportPainter painter(device);
+    return drawReport(painter, in, progress);
 }
 
 void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in,

@@ -82,7 +82,8 @@ struct ReportProgress {
 // and the preview are drawn here.
 void printEventsReport(AppContext& ctx, QWidget* parent, const EventsReportInput& in,
                        ReportOutput output = ReportOutput::Print);
-// The whole report on `device` (A4 portrait); false when a page failed.
+// The whole report on `device` (A4 portrait); false when a page failed. A
+// printer that writes a PDF file has the file written directly.
 bool drawEventsReport(QPagedPaintDevice& device, const EventsReportInput& in,
                       ReportProgress* progress = nullptr);
 
