@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cmath>
+#include <initializer_list>
 
 using namespace Qt::StringLiterals;
 
@@ -330,30 +331,25 @@ void PdfDirectWriter::endText()
     m_inText = false;
 }
 
-void PdfDirectWriter::drawRect(const QRectF& r)
+void PdfDirectWriter::appendPath(std::initializer_list<double> numbers, const char* op)
 {
     endText();
-    appendNumber(m_content, r.left());
-    m_content += ' ';
-    appendNumber(m_content, pageY(r.bottom()));
-    m_content += ' ';
-    appendNumber(m_content, r.width());
-    m_content += ' ';
-    appendNumber(m_content, r.height());
-    m_content += " re S\n";
+    for (const double v : numbers) {
+        appendNumber(m_content, v);
+        m_content += ' ';
+    }
+    m_content += op;
+}
+
+void PdfDirectWriter::drawRect(const QRectF& r)
+{
+    appendPath({r.left(), pageY(r.bottom()), r.width(), r.height()}, "re S\n");
 }
 
 void PdfDirectWriter::drawLine(QPointF from, QPointF to)
 {
-    endText();
-    appendNumber(m_content, from.x());
-    m_content += ' ';
-    appendNumber(m_content, pageY(from.y()));
-    m_content += " m ";
-    appendNumber(m_content, to.x());
-    m_content += ' ';
-    appendNumber(m_content, pageY(to.y()));
-    m_content += " l S\n";
+    appendPath({from.x(), pageY(from.y())}, "m ");
+    appendPath({to.x(), pageY(to.y())}, "l S\n");
 }
 
 bool PdfDirectWriter::newPage()

@@ -10,6 +10,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -63,6 +64,7 @@ private:
     void writeStream(int number, const QByteArray& data, const QByteArray& extra = {});
     void endPage();
     void endText();
+    void appendPath(std::initializer_list<double> numbers, const char* op);
     void writeFonts();
     const Glyph& glyph(Font& font, char16_t c);
     [[nodiscard]] double pageY(double y) const { return m_pageHeight - y; }

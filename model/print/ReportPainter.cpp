@@ -85,8 +85,15 @@ QFont reportFont(const QPagedPaintDevice& device)
     return font;
 }
 
-ReportPainter::ReportPainter(QPagedPaintDevice& device)
-    : m_device(device), m_painter(&device), m_metrics(QFont(), &device)
+ReportPainter::ReportPainter(QPagedPaintDevice& device) : ReportPainter(device, nullptr) {}
+
+ReportPainter::ReportPainter(QPagedPaintDevice& device, PdfDirectWriter& pdf)
+    : ReportPainter(device, &pdf)
+{
+}
+
+ReportPainter::ReportPainter(QPagedPaintDevice& device, PdfDirectWriter* pdf)
+    : m_device(device), m_pdf(pdf), m_metrics(QFont(), &device)
 {
     m_unitsPerMmX = device.logicalDpiX() / mmPerInch;
     m_unitsPerMmY = device.logicalDpiY() / mmPerInch;
@@ -94,30 +101,22 @@ ReportPainter::ReportPainter(QPagedPaintDevice& device)
     const QRectF printable = device.pageLayout().paintRect(QPageLayout::Millimeter);
     m_pageWidth = printable.width();
     m_pageHeight = printable.height();
-    if (!m_painter.isActive()) {
+    if (pdf) {
+        // Where Qt's engine puts it: on a whole device pixel.
+        const int dpi = device.logicalDpiX();
+        m_originPt =
+            QPointF(device.pageLayout().paintRectPixels(dpi).topLeft()) * pointsPerInch / dpi;
+        pdf->setLineWidth(lineWidthMm * pointsPerInch / mmPerInch);
+    } else if (!m_painter.begin(&device)) {
         // Text can still be measured in the report font.
         m_metrics = QFontMetricsF(reportFont(device), &device);
         return;
+    } else {
+        QPen pen(Qt::black);
+        pen.setWidthF(lineWidthMm * m_unitsPerMmX);
+        m_painter.setPen(pen);
+        m_painter.setBrush(Qt::NoBrush);
     }
-    QPen pen(Qt::black);
-    pen.setWidthF(lineWidthMm * m_unitsPerMmX);
-    m_painter.setPen(pen);
-    m_painter.setBrush(Qt::NoBrush);
-    setFont(reportFont(device));
-}
-
-ReportPainter::ReportPainter(QPagedPaintDevice& device, PdfDirectWriter& pdf)
-    : m_device(device), m_pdf(&pdf), m_metrics(QFont(), &device)
-{
-    m_unitsPerMmX = device.logicalDpiX() / mmPerInch;
-    m_unitsPerMmY = device.logicalDpiY() / mmPerInch;
-    const QRectF printable = device.pageLayout().paintRect(QPageLayout::Millimeter);
-    m_pageWidth = printable.width();
-    m_pageHeight = printable.height();
-    // Where Qt's engine puts it: on a whole device pixel.
-    const int dpi = device.logicalDpiX();
-    m_originPt = QPointF(device.pageLayout().paintRectPixels(dpi).topLeft()) * pointsPerInch / dpi;
-    pdf.setLineWidth(lineWidthMm * pointsPerInch / mmPerInch);
     setFont(reportFont(device));
 }
 

@@ -72,6 +72,7 @@ public:
     [[nodiscard]] double deviceUnitsPerMmY() const { return m_unitsPerMmY; }
 
 private:
+    ReportPainter(QPagedPaintDevice& device, PdfDirectWriter* pdf);
     void drawText(QPointF topLeft, const QString& text);
     [[nodiscard]] QPointF toPoints(QPointF device) const;
 
