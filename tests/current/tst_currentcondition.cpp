@@ -44,14 +44,14 @@ private slots:
         QVERIFY(m_scratch.open(m_db));
     }
 
-    void pointRule_data()
+    void rowRule_data()
     {
         QTest::addColumn<QStringList>("in");
         QTest::addColumn<QString>("expected");
-        // Columns: type, value, Notpowered, Alarmcondition, Outofbounds.
+        // Zone 4: type, value, Notpowered, Alarmcondition, Outofbounds.
         const auto row = [](const char* name, const char* in, const QString& reading,
                             const QColor& color) {
-            QTest::newRow(name) << QString::fromLatin1(in).split(u' ')
+            QTest::newRow(name) << (u"Z "_s + QString::fromLatin1(in)).split(u' ')
                                 << one(u"[4] Ψυγείο"_s, reading, color);
         };
         const QString off = u"ΕΚΤΟΣ Λ."_s;
@@ -71,15 +71,72 @@ private slots:
         row("contact with missing value is open", "2 NULL 0 0 0", u"ΑΝΟΙΧΤΗ"_s, kGrey);
         row("missing analogue value is empty", "0 NULL 0 0 1", QString(), kRed);
         row("missing type counts as 0", "NULL 7 0 0 0", u"7.0 °C"_s, kGrey);
+
+        // Power input 2: Softver, Powerfault, Powercondition.
+        const auto input = [](const char* name, const char* in, const QString& state,
+                              const QColor& color) {
+            QTest::newRow(name) << (u"P "_s + QString::fromLatin1(in)).split(u' ')
+                                << one(u"[1] Δίκτυο"_s, state, color);
+        };
+        const QString cut = u"ΔΙΑΚΟΠΗ"_s;
+        // 122 or more: the text from Powercondition, the colour from Powerfault.
+        input("1.22 cut", "'1.22' 0 1", cut, kGrey);
+        input("1.22 cut and fault", "'1.22' 1 1", cut, kRed);
+        input("1.22 fault only", "'1.22' 1 0", u"OK"_s, kRed);
+        input("1.225 reads as 122", "'1.225' 0 2", cut, kGrey);
+        input("12.2 reads as 122", "'12.2' 0 1", cut, kGrey);
+        input("missing condition", "'1.22' NULL NULL", u"OK"_s, kGrey);
+        // Below 122: text and colour both from Powerfault.
+        input("1.21 fault", "'1.21' 1 0", cut, kRed);
+        input("1.21 ignores condition", "'1.21' 0 1", u"OK"_s, kGrey);
+        input("2.0 is 20, older", "'2.0' 0 1", u"OK"_s, kGrey);
+        input("2.0 fault", "'2.0' 3 0", cut, kRed);
+        input("no point counts as older", "'122' 0 1", u"OK"_s, kGrey);
+        input("missing version counts as older", "NULL 1 1", cut, kRed);
+        input("negative fault is no fault", "'1.21' -1 0", u"OK"_s, kGrey);
+
+        // Labels: zone or input, its number and SQL name, with a condition row or without.
+        const auto label = [](const char* name, const char* kind, int n, const QString& sqlName,
+                              bool cond, const QString& shown, const QString& reading,
+                              const QColor& color) {
+            QTest::newRow(name) << QStringList{u"L"_s, QString::fromLatin1(kind),
+                                               QString::number(n), sqlName, QString::number(cond)}
+                                << one(shown, reading, color);
+        };
+        const QString t = u"3.0 °C"_s;
+        label("point named", "zone", 12, u"'Θάλαμος 2'"_s, true, u"[12] Θάλαμος 2"_s, t, kGrey);
+        label("point empty name", "zone", 3, u"''"_s, true, u"[3] Ανώνυμη ζώνη"_s, t, kGrey);
+        label("point missing name", "zone", 20, u"NULL"_s, true, u"[20] Ανώνυμη ζώνη"_s, t, kGrey);
+        // No current-condition row: every field missing, so "not powered".
+        label("point without condition row", "zone", 9, u"'Πόρτα'"_s, false, u"[9] Πόρτα"_s,
+              u"ΕΚΤΟΣ Λ."_s, kRed);
+        label("input 1 whatever its name", "input", 1, u"'Μπαταρία'"_s, true,
+              u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s, u"OK"_s, kGrey);
+        label("input 3 named Α", "input", 3, u"'Α'"_s, true, u"[2] Α"_s, u"OK"_s, kGrey);
+        label("input 4 missing name", "input", 4, u"NULL"_s, true, u"[3] Ανώνυμη ζώνη"_s, u"OK"_s,
+              kGrey);
+        // No current-condition row: no state is claimed.
+        label("input without condition row", "input", 2, u"'Γ'"_s, false, u"[1] Γ"_s, QString(),
+              kGrey);
     }
 
-    void pointRule()
+    void rowRule()
     {
         QFETCH(QStringList, in);
         const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s));
-        QVERIFY(seed.point(s, 4, u"'Ψυγείο'"_s, in[0]));
-        QVERIFY(seed.pointCondition(s, 4, in[1], in[4], in[3], in[2]));
+        QVERIFY(seed.unit(s, u"Μονάδα"_s, u"1"_s, in[0] == u"P" ? in[1] : u"'1.22'"_s));
+        const int n = in[2].toInt();
+        const bool cond = in.value(4) == u"1";
+        if (in[0] == u"Z")
+            QVERIFY(seed.point(s, 4, u"'Ψυγείο'"_s, in[1]) &&
+                    seed.pointCondition(s, 4, in[2], in[5], in[4], in[3]));
+        else if (in[0] == u"P")
+            QVERIFY(seed.power(s, 2, u"'Δίκτυο'"_s) && seed.powerCondition(s, 2, in[2], in[3]));
+        else if (in[1] == u"input")
+            QVERIFY(seed.power(s, n, in[3]) &&
+                    (!cond || seed.powerCondition(s, n, u"0"_s, u"0"_s)));
+        else
+            QVERIFY(seed.point(s, n, in[3]) && (!cond || seed.pointCondition(s, n, u"3"_s)));
         QTEST(rowsOf(read(s)), "expected");
     }
 
@@ -113,91 +170,6 @@ private slots:
         QCOMPARE(cc.points.size(), 1);
         QTEST(cc.points[0].maxLimit, "maxText");
         QTEST(cc.points[0].minLimit, "minText");
-    }
-
-    void powerRule_data()
-    {
-        QTest::addColumn<QStringList>("in");
-        QTest::addColumn<QString>("expected");
-        // Columns: Softver, Powerfault, Powercondition.
-        const auto row = [](const char* name, const char* in, const QString& state,
-                            const QColor& color) {
-            QTest::newRow(name) << QString::fromLatin1(in).split(u' ')
-                                << one(u"[1] Δίκτυο"_s, state, color);
-        };
-        const QString cut = u"ΔΙΑΚΟΠΗ"_s;
-        // 122 or more: the text from Powercondition, the colour from Powerfault.
-        row("1.22 cut", "'1.22' 0 1", cut, kGrey);
-        row("1.22 cut and fault", "'1.22' 1 1", cut, kRed);
-        row("1.22 fault only", "'1.22' 1 0", u"OK"_s, kRed);
-        row("1.225 reads as 122", "'1.225' 0 2", cut, kGrey);
-        row("12.2 reads as 122", "'12.2' 0 1", cut, kGrey);
-        row("missing condition", "'1.22' NULL NULL", u"OK"_s, kGrey);
-        // Below 122: text and colour both from Powerfault.
-        row("1.21 fault", "'1.21' 1 0", cut, kRed);
-        row("1.21 ignores condition", "'1.21' 0 1", u"OK"_s, kGrey);
-        row("2.0 is 20, older", "'2.0' 0 1", u"OK"_s, kGrey);
-        row("2.0 fault", "'2.0' 3 0", cut, kRed);
-        row("no point counts as older", "'122' 0 1", u"OK"_s, kGrey);
-        row("missing version counts as older", "NULL 1 1", cut, kRed);
-        row("negative fault is no fault", "'1.21' -1 0", u"OK"_s, kGrey);
-    }
-
-    void powerRule()
-    {
-        QFETCH(QStringList, in);
-        const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s, u"1"_s, in[0]));
-        QVERIFY(seed.power(s, 2, u"'Δίκτυο'"_s));
-        QVERIFY(seed.powerCondition(s, 2, in[1], in[2]));
-        QTEST(rowsOf(read(s)), "expected");
-    }
-
-    void labels_data()
-    {
-        QTest::addColumn<bool>("isPower");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("withCondition");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, bool power, int n, const QString& sqlName, bool cond,
-                            const QString& label, const QString& reading, const QColor& color) {
-            QTest::newRow(name) << power << n << sqlName << cond << one(label, reading, color);
-        };
-        const QString t = u"3.0 °C"_s;
-        row("point named", false, 12, u"'Θάλαμος 2'"_s, true, u"[12] Θάλαμος 2"_s, t, kGrey);
-        row("point empty name", false, 3, u"''"_s, true, u"[3] Ανώνυμη ζώνη"_s, t, kGrey);
-        row("point missing name", false, 20, u"NULL"_s, true, u"[20] Ανώνυμη ζώνη"_s, t, kGrey);
-        // No current-condition row: every field missing, so "not powered".
-        row("point without condition row", false, 9, u"'Πόρτα'"_s, false, u"[9] Πόρτα"_s,
-            u"ΕΚΤΟΣ Λ."_s, kRed);
-        row("input 1 whatever its name", true, 1, u"'Μπαταρία'"_s, true, u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s,
-            u"OK"_s, kGrey);
-        row("input 3 named Α", true, 3, u"'Α'"_s, true, u"[2] Α"_s, u"OK"_s, kGrey);
-        row("input 4 missing name", true, 4, u"NULL"_s, true, u"[3] Ανώνυμη ζώνη"_s, u"OK"_s,
-            kGrey);
-        // No current-condition row: no state is claimed.
-        row("input without condition row", true, 2, u"'Γ'"_s, false, u"[1] Γ"_s, QString(), kGrey);
-    }
-
-    void labels()
-    {
-        QFETCH(bool, isPower);
-        QFETCH(int, number);
-        QFETCH(QString, name);
-        QFETCH(bool, withCondition);
-        const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s));
-        if (isPower) {
-            QVERIFY(seed.power(s, number, name));
-            if (withCondition)
-                QVERIFY(seed.powerCondition(s, number, u"0"_s, u"0"_s));
-        } else {
-            QVERIFY(seed.point(s, number, name));
-            if (withCondition)
-                QVERIFY(seed.pointCondition(s, number, u"3"_s));
-        }
-        QTEST(rowsOf(read(s)), "expected");
     }
 
     void notificationAndRelay_data()
