@@ -42,23 +42,23 @@ private slots:
             QSKIP("pdftotext is not installed");
         CurrentSeed s(fx->db);
         const auto n = [](double v) { return QString::number(v); };
-        const auto addUnit = [&](const QString& serial, const QString& name, int online,
-                                 const QString& softver, const QString& rtc) {
-            QVERIFY(s.unit(serial, name, n(online), sqlQuote(softver), u"'2001'"_s));
-            QVERIFY(s.condition(serial, u"2"_s, u"1"_s, rtc));
+        const auto addUnit = [&](const QString& serial, const QString& name, const QString& softver,
+                                 const QString& rtc) {
+            QVERIFY(s.unit(serial, name, u"1"_s, sqlQuote(softver), u"'2001'"_s) &&
+                    s.condition(serial, u"2"_s, u"1"_s, rtc));
         };
         const auto addPoint = [&](const QString& serial, int p, const QString& name, int type,
                                   double value, int out, int notPowered, int used = 1) {
-            QVERIFY(s.point(serial, p, sqlQuote(name), n(type), n(used), u"NULL"_s, u"NULL"_s));
-            QVERIFY(s.pointCondition(serial, p, n(value), n(out), u"0"_s, n(notPowered)));
+            QVERIFY(s.point(serial, p, sqlQuote(name), n(type), n(used), u"NULL"_s, u"NULL"_s) &&
+                    s.pointCondition(serial, p, n(value), n(out), u"0"_s, n(notPowered)));
         };
         const auto addPower = [&](const QString& serial, int p, const QString& name, int fault,
                                   int condition, int used = 1) {
-            QVERIFY(s.power(serial, p, sqlQuote(name), n(used)));
-            QVERIFY(s.powerCondition(serial, p, n(fault), n(condition)));
+            QVERIFY(s.power(serial, p, sqlQuote(name), n(used)) &&
+                    s.powerCondition(serial, p, n(fault), n(condition)));
         };
 
-        addUnit(u"SXR1"_s, u"Κεντρική αποθήκη"_s, 1, u"1.22"_s, u"'2026-11-16 22:05:00'"_s);
+        addUnit(u"SXR1"_s, u"Κεντρική αποθήκη"_s, u"1.22"_s, u"'2026-11-16 22:05:00'"_s);
         addPoint(u"SXR1"_s, 1, u"Ψυγείο"_s, 0, 4.04, 0, 0);
         addPoint(u"SXR1"_s, 2, u"Πόρτα"_s, 2, 1, 0, 0);
         addPoint(u"SXR1"_s, 3, QString(), 3, 35.5, 1, 1);
@@ -71,11 +71,11 @@ private slots:
         QVERIFY(s.fault(u"SXR1"_s, 0, u"4"_s) && s.fault(u"SXR1"_s, 0, u"3"_s) &&
                 s.fault(u"SXR1"_s, 1, u"3"_s));
 
-        addUnit(u"SXR2"_s, QString(), 1, u"1.21"_s, u"NULL"_s);
+        addUnit(u"SXR2"_s, QString(), u"1.21"_s, u"NULL"_s);
         addPower(u"SXR2"_s, 2, u"Δίκτυο Β"_s, 1, 1);
 
         // Enough point faults for a second page.
-        addUnit(u"SXLONG"_s, u"Πολλά προβλήματα"_s, 1, u"1.22"_s, u"'2026-11-16 09:30:00'"_s);
+        addUnit(u"SXLONG"_s, u"Πολλά προβλήματα"_s, u"1.22"_s, u"'2026-11-16 09:30:00'"_s);
         for (int i = 10; i < 90; ++i)
             QVERIFY(s.fault(u"SXLONG"_s, 1, QString::number(i)));
     }

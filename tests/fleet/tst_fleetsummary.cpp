@@ -100,7 +100,6 @@ void TestFleetSummary::rules()
     QFETCH(QString, online);
     QFETCH(QString, softver);
     QFETCH(QString, sql);
-    QFETCH(int, state);
     test::ScratchDatabase scratch;
     SX_REQUIRE_DB(scratch);
     Database db;
@@ -124,14 +123,14 @@ void TestFleetSummary::rules()
     const UnitSummary& u = fleet->units.first();
     QCOMPARE(u.serial, u"U"_s);
     QCOMPARE(u.title(), u"Θάλαμος [12]"_s);
-    QCOMPARE(static_cast<int>(u.state()), state);
+    QTEST(static_cast<int>(u.state()), "state");
     QTEST(static_cast<int>(u.zones.size()), "zones");
     QTEST(static_cast<int>(u.powers.size()), "powers");
     QTEST(u.faults.join(u'|'), "faults");
     QTEST(u.newMessages, "messages");
     // The newest event is the last by sequence number, not the latest date.
     QCOMPARE(u.newestEvent, std::optional<qint64>(1'700'000'000));
-    QCOMPARE(fleet->worst(), static_cast<FleetState>(state));
+    QTEST(static_cast<int>(fleet->worst()), "state");
 }
 
 void TestFleetSummary::dialectTexts_data()
