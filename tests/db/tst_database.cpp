@@ -60,15 +60,12 @@ private slots:
         test::ScratchDatabase scratch;
         SX_REQUIRE_DB(scratch);
         ConnectionSettings s = scratch.settings();
-        if (setup == u"missing") {
-            s.file = scratch.folder() + u"/nosuch.db"_s;
-        } else if (setup == u"garbage") {
-            s.file = scratch.folder() + u"/garbage.db"_s;
+        if (!scratch.isPostgres())
+            s.file = scratch.folder() + u'/' + descriptionHas; // the file's name is in the message
+        if (setup == u"garbage") {
             QFile f(s.file);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write(QByteArray(4096, 'x'));
+            QVERIFY(f.open(QIODevice::WriteOnly) && f.write(QByteArray(4096, 'x')) == 4096);
         } else if (setup == u"folder") {
-            s.file = scratch.folder() + u"/sub"_s;
             QVERIFY(QDir(scratch.folder()).mkdir(u"sub"_s));
         } else if (setup == u"closed port") {
             s.serverPort = u"1"_s;
