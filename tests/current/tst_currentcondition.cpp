@@ -95,6 +95,20 @@ private slots:
         input("missing version counts as older", "NULL 1 1", cut, kRed);
         input("negative fault is no fault", "'1.21' -1 0", u"OK"_s, kGrey);
 
+        // Limits of zone 1: type, Maxlimit, Maxlimitused, Minlimit, Minlimitused.
+        const auto limits = [](const char* name, const char* in, const QString& max,
+                               const QString& min) {
+            QTest::newRow(name) << (u"M "_s + QString::fromLatin1(in)).split(u' ')
+                                << max + u'|' + min;
+        };
+        limits("both in force", "0 50 1 -10.25 1", u"50.0 °C"_s, u"-10.3 °C"_s);
+        limits("only the maximum", "3 6.5 1 1 0", u"6.5 bar"_s, QString());
+        limits("only the minimum", "17 900 0 350 1", QString(), u"350.0 ppm"_s);
+        limits("contact limits never shown", "2 1 1 0 1", QString(), QString());
+        limits("flag 2 is not 1", "0 50 2 10 -1", QString(), QString());
+        limits("missing flags", "0 50 NULL 10 NULL", QString(), QString());
+        limits("missing limit value", "0 NULL 1 NULL 1", QString(), QString());
+
         // Labels: zone or input, its number and SQL name, with a condition row or without.
         const auto label = [](const char* name, const char* kind, int n, const QString& sqlName,
                               bool cond, const QString& shown, const QString& reading,
@@ -125,6 +139,14 @@ private slots:
         QFETCH(QStringList, in);
         const QString s = nextSerial();
         QVERIFY(seed.unit(s, u"Μονάδα"_s, u"1"_s, in[0] == u"P" ? in[1] : u"'1.22'"_s));
+        if (in[0] == u"M") {
+            QVERIFY(seed.point(s, 1, u"'Σημείο'"_s, in[1], u"1"_s, in[2], in[4], in[3], in[5]) &&
+                    seed.pointCondition(s, 1, u"1"_s));
+            const CurrentCondition cc = read(s);
+            QCOMPARE(cc.points.size(), 1);
+            QTEST(cc.points[0].maxLimit + u'|' + cc.points[0].minLimit, "expected");
+            return;
+        }
         const int n = in[2].toInt();
         const bool cond = in.value(4) == u"1";
         if (in[0] == u"Z")
@@ -138,38 +160,6 @@ private slots:
         else
             QVERIFY(seed.point(s, n, in[3]) && (!cond || seed.pointCondition(s, n, u"3"_s)));
         QTEST(rowsOf(read(s)), "expected");
-    }
-
-    void limits_data()
-    {
-        QTest::addColumn<QStringList>("in");
-        QTest::addColumn<QString>("maxText");
-        QTest::addColumn<QString>("minText");
-        // Columns: type, Maxlimit, Maxlimitused, Minlimit, Minlimitused.
-        const auto row = [](const char* name, const char* in, const QString& maxText,
-                            const QString& minText) {
-            QTest::newRow(name) << QString::fromLatin1(in).split(u' ') << maxText << minText;
-        };
-        row("both in force", "0 50 1 -10.25 1", u"50.0 °C"_s, u"-10.3 °C"_s);
-        row("only the maximum", "3 6.5 1 1 0", u"6.5 bar"_s, QString());
-        row("only the minimum", "17 900 0 350 1", QString(), u"350.0 ppm"_s);
-        row("contact limits never shown", "2 1 1 0 1", QString(), QString());
-        row("flag 2 is not 1", "0 50 2 10 -1", QString(), QString());
-        row("missing flags", "0 50 NULL 10 NULL", QString(), QString());
-        row("missing limit value", "0 NULL 1 NULL 1", QString(), QString());
-    }
-
-    void limits()
-    {
-        QFETCH(QStringList, in);
-        const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s));
-        QVERIFY(seed.point(s, 1, u"'Σημείο'"_s, in[0], u"1"_s, in[1], in[3], in[2], in[4]));
-        QVERIFY(seed.pointCondition(s, 1, u"1"_s));
-        const CurrentCondition cc = read(s);
-        QCOMPARE(cc.points.size(), 1);
-        QTEST(cc.points[0].maxLimit, "maxText");
-        QTEST(cc.points[0].minLimit, "minText");
     }
 
     void notificationAndRelay_data()
