@@ -78,14 +78,13 @@ private slots:
         QVERIFY(seed.unit(u"U1"_s, u"Ψυκτικός θάλαμος"_s, u"1"_s, u"'1.22'"_s, u"'7'"_s));
         for (const QString& s : {u"U2"_s, u"U3"_s, u"U4"_s, u"U5"_s})
             QVERIFY(seed.unit(s, u"Αποθήκη "_s + s));
-        for (int p : {1, 2}) {
+        for (int p : {1, 2})
             QVERIFY(seed.point(u"U1"_s, p, p == 1 ? u"'Κρέατα'"_s : u"NULL"_s, u"0"_s, u"1"_s,
-                               u"6"_s, u"-2"_s, u"1"_s, u"1"_s));
-            QVERIFY(seed.pointCondition(u"U1"_s, p, u"4"_s));
-        }
+                               u"6"_s, u"-2"_s, u"1"_s, u"1"_s) &&
+                    seed.pointCondition(u"U1"_s, p, u"4"_s));
         // Already wrong at start-up: U2's zone.
-        QVERIFY(seed.point(u"U2"_s, 1, u"'Ψυγείο'"_s));
-        QVERIFY(seed.pointCondition(u"U2"_s, 1, u"70"_s, u"1"_s, u"1"_s));
+        QVERIFY(seed.point(u"U2"_s, 1, u"'Ψυγείο'"_s) &&
+                seed.pointCondition(u"U2"_s, 1, u"70"_s, u"1"_s, u"1"_s));
 
         ++m_round;
         const QDBusConnection desktop =

@@ -1,9 +1,13 @@
 #include "PdfText.h"
+#include "app/PrintPreview.h"
 #include "model/print/PrintRoutines.h"
 #include "model/print/ReportPainter.h"
 
+#include <QDir>
 #include <QFontInfo>
+#include <QPainter>
 #include <QPdfWriter>
+#include <QPrinter>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -73,19 +77,34 @@ private slots:
         const QString fonts = sx::test::toolOutput(u"pdffonts"_s, {pdf.path});
         QVERIFY2(fonts.contains(u"Bold"_s), qPrintable(fonts)); // the font as printed is bold
     }
-    void printPutsTheTopOfTheTextAtY()
+    // A centred banner, the line under it, then a line placed at x, y and the next one.
+    void bannerAndLinesLandWhereAsked()
     {
         PdfReport pdf;
         sx::ReportPainter& p = *pdf.painter;
         QVERIFY(qAbs(p.pageWidth() - (210.0 - 2 * marginMm)) < 0.1);
         QVERIFY(qAbs(p.pageHeight() - (297.0 - 2 * marginMm)) < 0.1);
+        const double y = 12.0;
+        sx::printBanner(p, 10.0, y, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
+        QCOMPARE(p.currentX(), 0.0);
+        QCOMPARE(p.currentY(), y + 2 * p.textHeight() + 1.0);
+        p.print(u"Γραμμή μετά τον τίτλο"_s);
         p.setCurrentX(30.0);
         p.setCurrentY(50.0);
         p.print(u"ΘΕΣΗ"_s);
         QCOMPARE(p.currentX(), 0.0);
         QCOMPARE(p.currentY(), 50.0 + p.textHeight());
         p.print(u"ΕΠΟΜΕΝΗ"_s);
+        QCOMPARE(pdf.lines(), (QStringList{u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s, u"Γραμμή μετά τον τίτλο"_s,
+                                           u"ΘΕΣΗ"_s, u"ΕΠΟΜΕΝΗ"_s}));
 
+        const QRectF banner = pdf.box(u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
+        QVERIFY2(qAbs(banner.center().x() - 105.0) < 1.0,
+                 qPrintable(QString::number(banner.center().x())));
+        QVERIFY(qAbs(banner.top() - (marginMm + y + 0.5)) < 0.7);
+        const QRectF after = pdf.box(u"Γραμμή μετά τον τίτλο"_s);
+        QVERIFY(after.top() > banner.bottom() + 1.0);
+        QVERIFY(qAbs(after.top() - (marginMm + y + 2 * p.textHeight() + 1.0)) < 0.7);
         const QRectF first = pdf.box(u"ΘΕΣΗ"_s);
         QVERIFY2(qAbs(first.left() - (marginMm + 30.0)) < 0.5,
                  qPrintable(QString::number(first.left())));
@@ -131,12 +150,10 @@ private slots:
     {
         QFETCH(QString, text);
         QFETCH(QString, fits);
-        QFETCH(QString, expected);
-        QFETCH(int, lines);
         PdfReport pdf;
         const double width = pdf.painter->textWidth(fits) + 0.01;
-        QCOMPARE(sx::wrapToWidth(text, width, *pdf.painter), lines);
-        QCOMPARE(text, expected);
+        QTEST(sx::wrapToWidth(text, width, *pdf.painter), "lines");
+        QTEST(text, "expected");
     }
     void wrappedTextPrintsInOneColumn()
     {
@@ -164,24 +181,34 @@ private slots:
         const double end = marginMm + top + (count + 1) * p.textHeight();
         QVERIFY(qAbs(pdf.box(u"ΤΕΛΟΣ"_s).top() - end) < 0.7);
     }
-    void bannerIsCentredAndTextContinuesBelowIt()
-    {
-        PdfReport pdf;
-        sx::ReportPainter& p = *pdf.painter;
-        const double y = 12.0;
-        sx::printBanner(p, 10.0, y, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
-        QCOMPARE(p.currentX(), 0.0);
-        QCOMPARE(p.currentY(), y + 2 * p.textHeight() + 1.0);
-        p.print(u"Γραμμή μετά τον τίτλο"_s);
-        QCOMPARE(pdf.lines(), (QStringList{u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s, u"Γραμμή μετά τον τίτλο"_s}));
 
-        const QRectF banner = pdf.box(u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
-        QVERIFY2(qAbs(banner.center().x() - 105.0) < 1.0,
-                 qPrintable(QString::number(banner.center().x())));
-        QVERIFY(qAbs(banner.top() - (marginMm + y + 0.5)) < 0.7);
-        const QRectF after = pdf.box(u"Γραμμή μετά τον τίτλο"_s);
-        QVERIFY(after.top() > banner.bottom() + 1.0);
-        QVERIFY(qAbs(after.top() - (marginMm + y + 2 * p.textHeight() + 1.0)) < 0.7);
+    // A report written over a file the user already has: the old file goes only
+    // when the new one is complete, and nothing is left beside it.
+    void oldFileStaysUntilTheNewOneIsWhole_data()
+    {
+        QTest::addColumn<bool>("drawn");
+        QTest::newRow("drawing fails half way") << false;
+        QTest::newRow("drawing completes") << true;
+    }
+    void oldFileStaysUntilTheNewOneIsWhole()
+    {
+        QFETCH(bool, drawn);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(u"report.pdf"_s);
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old report") > 0);
+        old.close();
+        const bool ok = sx::writeReportPdf(path, QPageLayout::Portrait, [&](QPrinter& printer) {
+            QPainter painter(&printer);
+            painter.drawText(100, 100, u"Σελίδα 1"_s);
+            if (!drawn)
+                return false;
+            return printer.newPage() && painter.end();
+        });
+        QCOMPARE(ok, drawn);
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.read(4) == "%PDF", drawn);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{u"report.pdf"_s});
     }
 };
 

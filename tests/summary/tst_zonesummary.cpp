@@ -122,7 +122,6 @@ private slots:
     {
         QFETCH(int, type);
         QFETCH(QString, input);
-        QFETCH(QString, expected);
         ZoneRule rule{type, std::nullopt, std::nullopt};
         if (type != kContactType)
             rule = {type, 10.0, 30.0};
@@ -135,7 +134,7 @@ private slots:
         }
         const ZoneSummary s = summarise(in, rule, QDate(2026, 3, 1), QDate(2026, 3, 31), now);
         QCOMPARE(s.days.size(), 31);
-        QCOMPARE(describe(s), expected);
+        QTEST(describe(s), "expected");
     }
 
     void dayRowsKeepTheirOwnFigures()
