@@ -133,6 +133,10 @@ Target targetFor(const QString& name, GuiFixture& f)
         t.where.serverIp = u"127.0.0.1"_s;
         t.where.serverPort = u"1"_s;
         t.waitMessage = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:127.0.0.1  PORT:1"_s;
+    } else if (name.startsWith(u"type")) {
+        t.where.kind = DbKind::Access;
+        t.where.file = f.scratch.folder() + u"/nosuch.mdb"_s;
+        t.waitMessage = kFileWait;
     } else {
         t.where = f.scratch.settings();
         t.waitMessage = f.scratch.isPostgres()
@@ -199,6 +203,10 @@ private slots:
         row("refused port, No", u"1"_s, u"refused"_s, u"No"_s, u"explain unreachable"_s,
             kExitNoConnection);
         row("working database", u"1"_s, scratch, {}, {}, -1);
+        // An old install's DBType that is no number means an Access file.
+        for (const char* type : {"type absent", "type=x", "type="})
+            row(type, u"1"_s, QString::fromLatin1(type), u"No"_s, u"explain unknown"_s,
+                kExitNoConnection);
     }
     void startupPaths()
     {
@@ -222,7 +230,12 @@ private slots:
 
         const Target target = targetFor(database, f);
         const Target working = targetFor(u"scratch"_s, f);
-        if (init != u"-") {
+        if (database.startsWith(u"type")) {
+            f.settings->setApp(u"DBFile"_s, target.where.file);
+            if (database.contains(u'='))
+                f.settings->setApp(u"DBType"_s, database.section(u'=', 1));
+            f.settings->setApp(u"Init"_s, init);
+        } else if (init != u"-") {
             store(*f.settings, target.where, u"1234"_s);
             f.settings->setApp(u"Init"_s, init);
         } else {
@@ -303,6 +316,8 @@ private slots:
         QCOMPARE(startup.mainWindow() != nullptr, connected);
         if (exitCode != kExitNormal)
             QCOMPARE(f.db.isOpen(), connected);
+        if (exitCode == kExitNoConnection)
+            QCOMPARE(f.db.kind(), target.where.kind);
         if (!connected)
             return;
         QCOMPARE(main, startup.mainWindow());
@@ -447,35 +462,6 @@ private slots:
             s.serverPort = c.port;
             QCOMPARE(waitMessageFor(s), c.expected);
         }
-    }
-
-    void storedDbTypeThatIsNoNumberCountsAsAccess_data()
-    {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<bool>("present");
-        QTest::newRow("absent") << QString() << false;
-        QTest::newRow("letters") << u"x"_s << true;
-        QTest::newRow("empty") << QString() << true;
-    }
-    void storedDbTypeThatIsNoNumberCountsAsAccess()
-    {
-        QFETCH(QString, stored);
-        QFETCH(bool, present);
-        GuiFixture f;
-        f.settings->setApp(u"Init"_s, u"1"_s);
-        f.settings->setApp(u"DBFile"_s, f.scratch.folder() + u"/nosuch.mdb"_s);
-        if (present)
-            f.settings->setApp(u"DBType"_s, stored);
-        f.dialogs.answerMessage(Answer::No);
-        QString waitShown;
-        Startup startup(f.ctx, [](AppContext& ctx) -> ViewWindow* { return new ProbeMain(ctx); });
-        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
-        startup.setConnectingHook(
-            [&](QWidget* w) { waitShown = qobject_cast<WaitWindow*>(w)->message(); });
-        QCOMPARE(startup.run(), std::optional<int>(kExitNoConnection));
-        QCOMPARE(f.db.kind(), DbKind::Access);
-        QCOMPARE(waitShown, kFileWait);
-        QCOMPARE(f.terminated, 1);
     }
 
     void versionTextAndBox()
