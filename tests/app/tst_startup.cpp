@@ -203,6 +203,7 @@ private slots:
         row("refused port, No", u"1"_s, u"refused"_s, u"No"_s, u"explain unreachable"_s,
             kExitNoConnection);
         row("working database", u"1"_s, scratch, {}, {}, -1);
+        row("no unit in use: an empty list", u"1"_s, u"idle"_s, {}, {}, -1);
         // An old install's DBType that is no number means an Access file.
         for (const char* type : {"type absent", "type=x", "type="})
             row(type, u"1"_s, QString::fromLatin1(type), u"No"_s, u"explain unknown"_s,
@@ -228,6 +229,9 @@ private slots:
             u"SyI_Used) VALUES ('S2', '2', 'Beta', 1);\n"
             u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s));
 
+        if (database == u"idle")
+            QVERIFY(f.exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
+        f.ctx.systemSerials = {u"kept"_s};
         const Target target = targetFor(database, f);
         const Target working = targetFor(u"scratch"_s, f);
         if (database.startsWith(u"type")) {
@@ -276,18 +280,20 @@ private slots:
         QString waitShown;
         bool waitVisible = false;
         ProbeMain* main = nullptr;
-        Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
+        std::optional<Startup> startup;
+        startup.emplace(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
             main = new ProbeMain(ctx);
             return main;
         });
-        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
-        startup.setConnectingHook([&](QWidget* w) {
+        const QString lock = f.scratch.folder() + u"/console.lock"_s;
+        startup->setLockFile(lock);
+        startup->setConnectingHook([&](QWidget* w) {
             auto* wait = qobject_cast<WaitWindow*>(w);
             QVERIFY(wait);
             waitShown = wait->message();
             waitVisible = wait->isVisible();
         });
-        const std::optional<int> code = startup.run();
+        const std::optional<int> code = startup->run();
 
         QStringList seen;
         for (const auto& s : f.dialogs.shown())
@@ -313,52 +319,31 @@ private slots:
         for (QWidget* w : QApplication::topLevelWidgets())
             QVERIFY(!qobject_cast<WaitWindow*>(w) || !w->isVisible());
 
-        QCOMPARE(startup.mainWindow() != nullptr, connected);
+        QCOMPARE(startup->mainWindow() != nullptr, connected);
         if (exitCode != kExitNormal)
             QCOMPARE(f.db.isOpen(), connected);
         if (exitCode == kExitNoConnection)
             QCOMPARE(f.db.kind(), target.where.kind);
         if (!connected)
             return;
-        QCOMPARE(main, startup.mainWindow());
+        QCOMPARE(main, startup->mainWindow());
         QVERIFY(main->isVisible());
         QCOMPARE(main->windowTitle(), u"SENTORAX Monitor / Τρέχουσα κατάσταση"_s);
         QCOMPARE(main->findChild<QTimer*>(u"UpdateMainfrm"_s)->interval(), 10000);
         QCOMPARE(f.navigator->mainView(), main);
+        // Without a unit in use the list is empty and the serials stay as they were.
+        const bool idle = database == u"idle";
         QCOMPARE(test::comboTexts(main->systemSelect()),
-                 (QStringList{u"Alpha [1] (S1)"_s, u"Beta [2] (S2)"_s}));
-        QCOMPARE(main->selected, QList<int>{0});
-        QCOMPARE(main->serials, QStringList{u"S1"_s});
-    }
-
-    void noUnitInUseOpensAnEmptyListAndTheLockIsFreedAtTheEnd()
-    {
-        GuiFixture f;
-        SX_REQUIRE_FIXTURE(f);
-        QVERIFY(f.exec(
-            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S9', '9', 'Idle', 0)"_s));
-        store(*f.settings, f.scratch.settings(), u"1234"_s);
-        f.settings->setApp(u"Init"_s, u"1"_s);
-        f.ctx.systemSerials = {u"kept"_s};
-        const QString path = f.scratch.folder() + u"/console.lock"_s;
-        {
-            ProbeMain* main = nullptr;
-            Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
-                main = new ProbeMain(ctx);
-                return main;
-            });
-            startup.setLockFile(path);
-            QCOMPARE(startup.run(), std::optional<int>());
-            QVERIFY(main && main->isVisible());
-            QCOMPARE(main->systemSelect()->count(), 0);
-            QVERIFY(main->selected.isEmpty());
-            QCOMPARE(f.ctx.systemSerials, QStringList{u"kept"_s});
-            QVERIFY(f.dialogs.shown().isEmpty());
-            QLockFile other(path);
-            QVERIFY(!other.tryLock(0));
-        }
-        QLockFile after(path);
-        QVERIFY(after.tryLock(0));
+                 (idle ? QStringList() : QStringList{u"Alpha [1] (S1)"_s, u"Beta [2] (S2)"_s}));
+        QCOMPARE(main->selected, idle ? QList<int>() : QList<int>{0});
+        QCOMPARE(main->serials, idle ? QStringList() : QStringList{u"S1"_s});
+        QCOMPARE(f.ctx.systemSerials,
+                 (idle ? QStringList{u"kept"_s} : QStringList{u"S1"_s, u"S2"_s}));
+        // The lock is held while the console runs and freed at its end.
+        QLockFile other(lock);
+        QVERIFY(!other.tryLock(0));
+        startup.reset();
+        QVERIFY(other.tryLock(0));
     }
 
     void secondCopy_data()
