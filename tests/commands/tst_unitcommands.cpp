@@ -1,5 +1,6 @@
 #include "GuiFixture.h"
 #include "model/Dialect.h"
+#include "sim/SimSchema.h"
 #include "sim/UnitCodes.h"
 #include "views/current/CommandHost.h"
 #include "views/current/CommandRules.h"
@@ -101,6 +102,8 @@ class TestUnitCommands : public QObject {
         if (sim && simMode == extra)
             return true;
         stopSimulator();
+        if (extra == QStringList{u"stopped"_s})
+            return true;
         sim = std::make_unique<QProcess>();
         sim->setProcessChannelMode(QProcess::MergedChannels);
         sim->start(QString::fromUtf8(kSimExe),
@@ -154,36 +157,6 @@ class TestUnitCommands : public QObject {
                              .arg(sqlQuote(serial))));
     }
 
-    void addUnit(const QString& serial, const QString& model, const QString& softver, int online,
-                 const QString& code)
-    {
-        QVERIFY(fx->exec(
-            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
-            u"SyI_Used, SyI_Online, SyI_Softver, SyI_Model, SyI_EventsTable_Pagebyteswritt, "
-            u"SyI_EventsTable_Lastpagesn) VALUES (%1, '1001', 'Μονάδα', 1, %2, %3, %4, 0, 0);\n"
-            u"INSERT INTO Systems_Current_Condition (SyCC_SyI_Serialnumber, SyCC_Alarmcondition, "
-            u"SyCC_RelayBcondition, SyCC_Rtc) VALUES (%1, 0, 0, '2026-03-01 10:00:00')"_s
-                .arg(sqlQuote(serial))
-                .arg(online)
-                .arg(sqlQuote(softver), sqlQuote(model))));
-        QVERIFY(!sim::storeUnitCode(fx->db, serial, code).isError());
-    }
-
-    void addPoint(const QString& serial, int number, const QString& name, int used)
-    {
-        QVERIFY(fx->exec(
-            u"INSERT INTO Sensors_Info (SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname, "
-            u"SeI_Sensortype, SeI_Used, SeI_Maxlimit, SeI_Minlimit, SeI_Maxlimitused, "
-            u"SeI_Minlimitused, SeI_RecordsTable_Pagebyteswrit, SeI_RecordsTable_Lastpagesn) "
-            u"VALUES (%1, %2, %3, 0, %4, 30, 0, 1, 1, 0, 0);\n"
-            u"INSERT INTO Sensors_Current_Condition (SeCC_SyI_Serialnumber, SeCC_Sensornumber, "
-            u"SeCC_Currvalue, SeCC_Outofbounds, SeCC_Alarmcondition, SeCC_Notpowered) VALUES "
-            u"(%1, %2, 20, 0, 0, 0)"_s.arg(sqlQuote(serial))
-                .arg(number)
-                .arg(sqlQuote(name))
-                .arg(used)));
-    }
-
     // Runs one command for a unit and returns the request rows seen meanwhile.
     QStringList run(void (*command)(AppContext&, CommandHost&), const QString& serial)
     {
@@ -198,9 +171,7 @@ class TestUnitCommands : public QObject {
     bool recreateRequestTable()
     {
         fx->failures->clear();
-        return fx->exec(u"CREATE TABLE Terminal_Requests (TrmReq_SyI_Serialnumber TEXT, "
-                        u"TrmReq_Requesttype SMALLINT, TrmReq_Attributes TEXT, "
-                        u"TrmReq_Requestcompleted SMALLINT, TrmReq_Requestreply SMALLINT)"_s);
+        return !sim::createSchema(fx->db).isError();
     }
 
     // A shown dialog as one line: a prompt or list with its entries, a message with its icon.
@@ -227,16 +198,27 @@ private slots:
         fx = std::make_unique<GuiFixture>();
         SX_REQUIRE_FIXTURE(*fx);
         QVERIFY(!sim::ensureUnitCodeTable(fx->db).isError());
-        // Non-extended (1A below 1.15), code with a leading zero, two points in use.
-        addUnit(u"SXA1"_s, u"SENTORAX-1A"_s, u"1.14"_s, 1, u"0042"_s);
-        addPoint(u"SXA1"_s, 1, u"Ψυγείο"_s, 1);
-        addPoint(u"SXA1"_s, 2, QString(), 1);
-        addPoint(u"SXA1"_s, 3, u"Εκτός χρήσης"_s, 0);
-        // Extended by model, no point in use.
-        addUnit(u"SXC1"_s, u"SENTORAX-1C"_s, u"1.22"_s, 1, u"1234"_s);
-        addPoint(u"SXC1"_s, 1, u"Αχρησιμοποίητο"_s, 0);
-        addUnit(u"SXOFF"_s, u"SENTORAX-1D"_s, u"1.22"_s, 0, u"1234"_s);
-        addUnit(u"SXPRG"_s, u"SENTORAX-1D"_s, u"1.22"_s, 2, u"1234"_s);
+        // SXA1: not extended (1A below 1.15), code with a leading zero, points 1 and 2 in use.
+        // SXC1: extended by model, no point in use. SXOFF offline, SXPRG being programmed.
+        QVERIFY(fx->exec(
+            u"INSERT INTO Systems_Info VALUES ('SXA1', '1', 'Μονάδα', 1, 1, '1.14', 'SENTORAX-1A', "
+            u"0, 0), ('SXC1', '1', 'Μονάδα', 1, 1, '1.22', 'SENTORAX-1C', 0, 0), "
+            u"('SXOFF', '1', 'Μονάδα', 1, 0, '1.22', 'SENTORAX-1D', 0, 0), "
+            u"('SXPRG', '1', 'Μονάδα', 1, 2, '1.22', 'SENTORAX-1D', 0, 0);\n"
+            u"INSERT INTO Systems_Current_Condition VALUES ('SXA1', 0, 0, '2026-03-01 10:00:00'), "
+            u"('SXC1', 0, 0, '2026-03-01 10:00:00'), ('SXOFF', 0, 0, '2026-03-01 10:00:00'), "
+            u"('SXPRG', 0, 0, '2026-03-01 10:00:00');\n"
+            u"INSERT INTO Sensors_Info VALUES ('SXA1', 1, 'Ψυγείο', 0, 1, 30, 0, 1, 1, 0, 0), "
+            u"('SXA1', 2, NULL, 0, 1, 30, 0, 1, 1, 0, 0), "
+            u"('SXA1', 3, 'Εκτός χρήσης', 0, 0, 30, 0, 1, 1, 0, 0), "
+            u"('SXC1', 1, 'Αχρησιμοποίητο', 0, 0, 30, 0, 1, 1, 0, 0);\n"
+            u"INSERT INTO Sensors_Current_Condition SELECT SeI_SyI_Serialnumber, "
+            u"SeI_Sensornumber, 20, 0, 0, 0 FROM Sensors_Info"_s));
+        for (const auto& [serial, code] : {std::pair{u"SXA1"_s, u"0042"_s},
+                                           {u"SXC1"_s, u"1234"_s},
+                                           {u"SXOFF"_s, u"1234"_s},
+                                           {u"SXPRG"_s, u"1234"_s}})
+            QVERIFY(!sim::storeUnitCode(fx->db, serial, code).isError());
         host = std::make_unique<TestHost>();
         host->show();
     }
@@ -280,12 +262,13 @@ private slots:
         QTest::addColumn<QStringList>("dialogs");
         QTest::addColumn<QString>("check");
         QTest::addColumn<int>("refreshes");
+        QTest::addColumn<QString>("meanwhile"); // what else happens to the request table
         const auto row = [](const char* name, const char* command, const QString& serial,
                             const QList<int>& before, const QString& answers, const QString& sent,
                             const QStringList& dialogs, const QString& check, int refreshes,
-                            const QStringList& simOptions = {}) {
+                            const QStringList& simOptions = {}, const QString& meanwhile = {}) {
             QTest::newRow(name) << QString::fromLatin1(command) << serial << simOptions << before
-                                << answers << sent << dialogs << check << refreshes;
+                                << answers << sent << dialogs << check << refreshes << meanwhile;
         };
         using namespace commands;
         const QString a1 = u"SXA1"_s, c1 = u"SXC1"_s;
@@ -364,6 +347,18 @@ private slots:
             {}, 0);
         row("missing unit is unreachable", "relay", u"NO-SUCH"_s, {}, {}, {},
             {say(Icon::Critical, relayTitle(), offline)}, {}, 1);
+        // A stale, answered row of another console must not be taken for ours.
+        row("other rows of the unit are left alone", "relay", a1, {0, 0}, u"c0042"_s,
+            u"SXA1|2|0042;1"_s, {relayAsk}, relay + u"1"_s, 1, {}, u"stale"_s);
+        // Without a server: someone else (a server tidying up) removes the row while we wait,
+        // or the table is gone; a failed query is reported and the window stays usable.
+        const QStringList stopped{u"stopped"_s};
+        row("vanished row ends without message", "relay", a1, {}, u"c0042"_s, u"SXA1|2|0042;1"_s,
+            {relayAsk}, {}, 1, stopped, u"delete later"_s);
+        row("the poll fails", "relay", a1, {}, u"c0042"_s, u"SXA1|2|0042;1"_s,
+            {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop later"_s);
+        row("the write fails", "relay", a1, {}, u"c0042"_s, {},
+            {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop"_s);
     }
 
     void commands()
@@ -377,7 +372,19 @@ private slots:
         QFETCH(QStringList, dialogs);
         QFETCH(QString, check);
         QFETCH(int, refreshes);
+        QFETCH(QString, meanwhile);
         QVERIFY(useSimulator(simOptions));
+        const int reports = fx->failures->reportsShown();
+        const auto drop = [this] { (void)fx->db.exec(u"DROP TABLE Terminal_Requests"_s); };
+        if (meanwhile == u"stale")
+            QVERIFY(
+                fx->exec(u"INSERT INTO Terminal_Requests VALUES ('SXA1', 3, '0042;1;0', 1, 2)"_s));
+        else if (meanwhile == u"drop")
+            drop();
+        else if (meanwhile == u"drop later")
+            QTimer::singleShot(200, drop);
+        else if (meanwhile == u"delete later")
+            QTimer::singleShot(700, [this] { (void)fx->exec(u"DELETE FROM Terminal_Requests"_s); });
         if (!before.isEmpty()) {
             setCondition(serial, before[0], before[1]);
             host->caption = before[1] ? u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s : u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
@@ -406,16 +413,30 @@ private slots:
             {u"bypass"_s, runBypassCommand}};
         const QStringList rows = run(byName[command], serial);
         fx->dialogs.onShown = {};
+        // Put the table back as it was before anything can fail.
+        const int left = meanwhile.startsWith(u"drop") ? 0 : requestRows();
+        if (meanwhile.startsWith(u"drop"))
+            QVERIFY(recreateRequestTable());
+        if (meanwhile == u"stale")
+            QVERIFY(fx->exec(u"DELETE FROM Terminal_Requests"_s));
 
-        QCOMPARE(rows.value(0), sent.isEmpty() ? QString() : sent + u"|0|0"_s);
+        QVERIFY2(sent.isEmpty() ? rows.size() == (meanwhile == u"stale")
+                                : rows.contains(sent + u"|0|0"_s),
+                 qPrintable(rows.join(u' ')));
         QVERIFY(watch->disabledWhileRowExisted && watch->waitShownWhileRowExisted);
         QVERIFY(disabledAtSelection);
         QStringList shown;
         for (const auto& s : fx->dialogs.shown())
             shown << (s.kind == u"message" ? say(s.icon, s.title, s.text)
                                            : ask(s.title, s.text, s.items));
+        for (qsizetype i = 0; i < qMin(shown.size(), dialogs.size()); ++i) {
+            if (dialogs[i].endsWith(u'*')) // the database's own words follow
+                shown[i] = shown[i].left(dialogs[i].size() - 1) + u'*';
+        }
         QCOMPARE(shown, dialogs);
         QCOMPARE(host->refreshes, refreshes);
+        QCOMPARE(fx->failures->reportsShown(), reports + meanwhile.startsWith(u"drop"));
+        QCOMPARE(left, meanwhile == u"stale" ? 1 : 0);
         if (!check.isEmpty()) {
             const qint64 now = conditionOf(serial, check.section(u'=', 0, 0));
             QVERIFY2(check.section(u'=', 1).split(u'|').contains(QString::number(now)),
@@ -447,61 +468,6 @@ private slots:
         const qint64 waited = watch->firstSeen.msecsTo(messageAt);
         QVERIFY2(waited > 59000 && waited <= 72000, qPrintable(QString::number(waited)));
         QCOMPARE(host->refreshes, 1);
-    }
-
-    void vanishedRowEndsWithoutMessage()
-    {
-        stopSimulator();
-        // Someone else (a server tidying up) removes the row while we wait.
-        QTimer::singleShot(700, [this] { (void)fx->db.exec(u"DELETE FROM Terminal_Requests"_s); });
-        fx->dialogs.answerCode(u"0042"_s);
-        const QStringList rows = run(runRelayCommand, u"SXA1"_s);
-        QCOMPARE(rows, QStringList{u"SXA1|2|0042;1|0|0"_s});
-        QVERIFY(fx->dialogs.messages().isEmpty());
-        QCOMPARE(host->refreshes, 1);
-    }
-
-    void otherRowsOfTheUnitAreLeftAlone()
-    {
-        QVERIFY(useSimulator({}));
-        // A stale, answered row of another console must not be taken for ours.
-        QVERIFY(fx->exec(u"INSERT INTO Terminal_Requests (TrmReq_SyI_Serialnumber, "
-                         u"TrmReq_Requesttype, TrmReq_Attributes, TrmReq_Requestcompleted, "
-                         u"TrmReq_Requestreply) VALUES ('SXA1', 3, '0042;1;0', 1, 2)"_s));
-        setCondition(u"SXA1"_s, 0, 0);
-        host->caption = u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
-        fx->dialogs.answerCode(u"0042"_s);
-        (void)run(runRelayCommand, u"SXA1"_s);
-        QVERIFY(fx->dialogs.messages().isEmpty());
-        QCOMPARE(conditionOf(u"SXA1"_s, u"SyCC_RelayBcondition"_s), 1);
-        QCOMPARE(requestRows(), 1);
-        QVERIFY(fx->exec(u"DELETE FROM Terminal_Requests"_s));
-    }
-
-    void failedQueriesAreReportedAndTheWindowIsUsable_data()
-    {
-        QTest::addColumn<bool>("whileWaiting");
-        QTest::newRow("the poll fails") << true;
-        QTest::newRow("the write fails") << false;
-    }
-
-    void failedQueriesAreReportedAndTheWindowIsUsable()
-    {
-        QFETCH(bool, whileWaiting);
-        stopSimulator();
-        const int reports = fx->failures->reportsShown();
-        const auto drop = [this] { (void)fx->db.exec(u"DROP TABLE Terminal_Requests"_s); };
-        if (whileWaiting)
-            QTimer::singleShot(200, drop);
-        else
-            drop();
-        fx->dialogs.answerCode(u"0042"_s);
-        QCOMPARE(run(runRelayCommand, u"SXA1"_s),
-                 whileWaiting ? QStringList{u"SXA1|2|0042;1|0|0"_s} : QStringList());
-        const QStringList m = said();
-        QVERIFY(m.size() == 1 && m[0].startsWith(say(Icon::Critical, appTitle(), {})));
-        QCOMPARE(fx->failures->reportsShown(), reports + 1);
-        QVERIFY(recreateRequestTable());
     }
 };
 
