@@ -76,40 +76,37 @@ public:
 // What a shown dialog was, by its exact texts; "?" when nothing matches.
 QString classify(const ScriptedDialogs::Shown& s)
 {
-    const QString title = u"SENTORAX Monitor"_s;
+    const QString app = u"SENTORAX Monitor"_s;
+    const struct {
+        const char* name;
+        QString title;
+        Icon icon;
+        Buttons buttons;
+        QString text;
+    } known[] = {
+        {"code", kChangeTitle, Icon::None, Buttons::Ok,
+         u"Παρακαλώ εισάγετε τον κωδικό προστασίας παραμέτρων"_s},
+        {"welcome", app, Icon::Information, Buttons::Ok, kWelcome},
+        {"setup refused", app, Icon::Critical, Buttons::OkCancel, kSetupRefused},
+        {"explain unknown", app, Icon::Critical, Buttons::YesNo, kUnknown + kQuestion},
+        {"explain unreachable", app, Icon::Critical, Buttons::YesNo, kUnreachable + kQuestion},
+        {"wrong code", kChangeTitle, Icon::Critical, Buttons::Ok, u"Λάθος κωδικός !"_s},
+        {"press ok", app, Icon::Information, Buttons::Ok, kPressOk},
+        {"changed", kChangeTitle, Icon::Information, Buttons::Ok, kChanged}};
     if (s.kind == u"settings")
-        return u"settings"_s;
-    if (s.kind == u"code") {
-        return s.title == kChangeTitle &&
-                       s.text == u"Παρακαλώ εισάγετε τον κωδικό προστασίας παραμέτρων"
-                   ? u"code"_s
-                   : u"?"_s;
-    }
-    if (s.kind != u"message")
+        return s.kind;
+    // An explanation: the error's number and words, then the causes that are compared.
+    const bool explains = s.text.startsWith(kHeaderStart) && s.text.contains(kCausesHeading);
+    const QString text = explains ? s.text.section(kCausesHeading, 1) : s.text;
+    const bool code = s.kind == u"code"; // a prompt: no icon or buttons of its own
+    if (!code && s.kind != u"message")
         return u"?"_s;
-    if (s.title == title && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
-        s.text == kWelcome)
-        return u"welcome"_s;
-    if (s.title == title && s.icon == Icon::Critical && s.buttons == Buttons::OkCancel &&
-        s.text == kSetupRefused)
-        return u"setup refused"_s;
-    if (s.title == title && s.icon == Icon::Critical && s.buttons == Buttons::YesNo &&
-        s.text.startsWith(kHeaderStart) && s.text.contains(kCausesHeading)) {
-        const QString causes = s.text.section(kCausesHeading, 1);
-        if (causes == kUnknown + kQuestion)
-            return u"explain unknown"_s;
-        if (causes == kUnreachable + kQuestion)
-            return u"explain unreachable"_s;
+    for (const auto& k : known) {
+        if (code == (k.icon == Icon::None) && s.title == k.title && text == k.text &&
+            (code || (s.icon == k.icon && s.buttons == k.buttons)) &&
+            explains == (k.buttons == Buttons::YesNo))
+            return QString::fromLatin1(k.name);
     }
-    if (s.title == kChangeTitle && s.icon == Icon::Critical && s.buttons == Buttons::Ok &&
-        s.text == u"Λάθος κωδικός !")
-        return u"wrong code"_s;
-    if (s.title == title && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
-        s.text == kPressOk)
-        return u"press ok"_s;
-    if (s.title == kChangeTitle && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
-        s.text == kChanged)
-        return u"changed"_s;
     return u"?"_s;
 }
 
