@@ -118,124 +118,98 @@ private slots:
         QCOMPARE(settingsProblem(form).value_or(QString()), message);
     }
 
-    void dialogOpensWithStoredValues_data()
+    // Opens on the stored values, is switched to the other group of controls by a click and
+    // saves every field exactly as typed.
+    void dialogRoundTrip_data()
     {
         QTest::addColumn<QString>("dbType");
         QTest::addColumn<QString>("checked");
-        QTest::addColumn<bool>("fileControls"); // enabled; the server controls the reverse
-        QTest::newRow("0 Access") << u"0"_s << u"Option1_0"_s << true;
-        QTest::newRow("1 Oracle") << u"1"_s << u"Option1_1"_s << false;
-        QTest::newRow("2 SQLite") << u"2"_s << u"Option1_2"_s << true;
-        QTest::newRow("3 PostgreSQL") << u"3"_s << u"Option1_3"_s << false;
-        QTest::newRow("5 means Oracle") << u"5"_s << u"Option1_1"_s << false;
+        QTest::addColumn<bool>("fileControls");     // enabled; the server controls the reverse
+        QTest::addColumn<QString>("notifications"); // stored; null: absent (on)
+        QTest::addColumn<QString>("click");
+        QTest::addColumn<QString>("saved");
+        QTest::newRow("0 Access, to Oracle")
+            << u"0"_s << u"Option1_0"_s << true << QString() << u"Option1_1"_s << u"1"_s;
+        QTest::newRow("1 Oracle, to Access")
+            << u"1"_s << u"Option1_1"_s << false << u"1"_s << u"Option1_0"_s << u"0"_s;
+        QTest::newRow("2 SQLite, to PostgreSQL")
+            << u"2"_s << u"Option1_2"_s << true << u"0"_s << u"Option1_3"_s << u"3"_s;
+        QTest::newRow("3 PostgreSQL, to SQLite")
+            << u"3"_s << u"Option1_3"_s << false << QString() << u"Option1_2"_s << u"2"_s;
+        QTest::newRow("5 means Oracle")
+            << u"5"_s << u"Option1_1"_s << false << u"0"_s << u"Option1_2"_s << u"2"_s;
     }
-    void dialogOpensWithStoredValues()
+    void dialogRoundTrip()
     {
         QFETCH(QString, dbType);
         QFETCH(QString, checked);
         QFETCH(bool, fileControls);
+        QFETCH(QString, notifications);
+        QFETCH(QString, click);
+        QFETCH(QString, saved);
         Bench b;
-        b.store->setApp(u"DBType"_s, dbType);
-        b.store->setApp(u"DBFile"_s, u"/srv/sx/sxdb.db"_s);
-        b.store->setApp(u"DBDataSource"_s, u"SXDB"_s);
-        b.store->setApp(u"DBServerIP"_s, u"10.1.2.3"_s);
-        b.store->setApp(u"DBServerPORT"_s, u"1521"_s);
+        const QString file = u" /srv/sx/sxdb.db "_s;
+        for (const auto& [key, value] : {std::pair{u"DBType"_s, dbType},
+                                         {u"DBFile"_s, file},
+                                         {u"DBDataSource"_s, u"SXDB"_s},
+                                         {u"DBServerIP"_s, u"10.1.2.3"_s},
+                                         {u"DBServerPORT"_s, u"1521"_s}})
+            b.store->setApp(key, value);
+        if (!notifications.isNull())
+            b.store->setApp(u"Notifications"_s, notifications);
         b.store->setProtectionCode(u"77 "_s);
+        b.store->sync();
 
         SettingsDialog d(*b.store, b.dialogs);
+        d.show();
         QCOMPARE(d.windowTitle(), u"SENTORAX Monitor / Παράμετροι εφαρμογής"_s);
         QVERIFY(child<QRadioButton>(d, checked)->isChecked());
-        QCOMPARE(d.filePath(), u"/srv/sx/sxdb.db"_s);
-        QCOMPARE(child<QLabel>(d, u"Label2"_s)->toolTip(), u"/srv/sx/sxdb.db"_s);
+        QCOMPARE(d.filePath(), file);
+        QCOMPARE(child<QLabel>(d, u"Label2"_s)->toolTip(), file);
         const QStringList texts{u"SXDB"_s, u"10.1.2.3"_s, u"1521"_s, u"77 "_s, u"77 "_s};
         for (int i = 0; i < 5; ++i)
             QCOMPARE(child<QLineEdit>(d, u"AppSetting_%1"_s.arg(i))->text(), texts[i]);
         QCOMPARE(child<QLineEdit>(d, u"AppSetting_4"_s)->echoMode(), QLineEdit::Password);
-        for (const QString& name : {u"Label1_6"_s, u"Label2"_s, u"Command1"_s})
-            QCOMPARE(child<QWidget>(d, name)->isEnabled(), fileControls);
-        for (const QString& name :
-             {u"Label1_0"_s, u"Label1_1"_s, u"Label1_2"_s, u"Label1_3"_s, u"Label1_4"_s,
-              u"AppSetting_0"_s, u"AppSetting_1"_s, u"AppSetting_2"_s})
-            QCOMPARE(child<QWidget>(d, name)->isEnabled(), !fileControls);
-        QVERIFY(child<QWidget>(d, u"AppSetting_3"_s)->isEnabled());
-    }
+        const auto enabling = [&d](bool fileSide) {
+            for (const QString& name : {u"Label1_6"_s, u"Label2"_s, u"Command1"_s})
+                QCOMPARE(child<QWidget>(d, name)->isEnabled(), fileSide);
+            for (const QString& name :
+                 {u"Label1_0"_s, u"Label1_1"_s, u"Label1_2"_s, u"Label1_3"_s, u"Label1_4"_s,
+                  u"AppSetting_0"_s, u"AppSetting_1"_s, u"AppSetting_2"_s})
+                QCOMPARE(child<QWidget>(d, name)->isEnabled(), !fileSide);
+            QVERIFY(child<QWidget>(d, u"AppSetting_3"_s)->isEnabled());
+        };
+        enabling(fileControls);
+        auto* box = child<QCheckBox>(d, u"Notifications"_s);
+        QCOMPARE(box->isChecked(), notifications != u"0");
 
-    void okSavesExactlyAsTyped_data()
-    {
-        QTest::addColumn<QString>("option");
-        QTest::addColumn<QString>("dbType");
-        QTest::addColumn<bool>("fileControls");
-        QTest::newRow("Access") << u"Option1_0"_s << u"0"_s << true;
-        QTest::newRow("Oracle") << u"Option1_1"_s << u"1"_s << false;
-        QTest::newRow("SQLite") << u"Option1_2"_s << u"2"_s << true;
-        QTest::newRow("PostgreSQL") << u"Option1_3"_s << u"3"_s << false;
-    }
-    void okSavesExactlyAsTyped()
-    {
-        QFETCH(QString, option);
-        QFETCH(QString, dbType);
-        QFETCH(bool, fileControls);
-        Bench b;
-        // Opened on the other group of controls, so that the click switches them.
-        b.store->setApp(u"DBType"_s, fileControls ? u"1"_s : u"0"_s);
-        b.store->setApp(u"DBFile"_s, u" /srv/sx/sxdb.mdb "_s);
-        b.store->sync();
-        SettingsDialog d(*b.store, b.dialogs);
-        d.show();
-        auto* radio = child<QRadioButton>(d, option);
+        auto* radio = child<QRadioButton>(d, click);
         QTest::mouseClick(radio, Qt::LeftButton, {}, QPoint(8, radio->height() / 2));
         QVERIFY(radio->isChecked());
-        QCOMPARE(child<QWidget>(d, u"Command1"_s)->isEnabled(), fileControls);
-        QCOMPARE(child<QWidget>(d, u"AppSetting_1"_s)->isEnabled(), !fileControls);
+        enabling(!fileControls);
         // Every field keeps its blanks, also those the chosen kind does not use.
         child<QLineEdit>(d, u"AppSetting_0"_s)->setText(u" Βάση SX "_s);
         child<QLineEdit>(d, u"AppSetting_1"_s)->setText(u"10.0.0.9"_s);
         child<QLineEdit>(d, u"AppSetting_2"_s)->setText(u"5432"_s);
         type(child<QLineEdit>(d, u"AppSetting_3"_s), u" Kod 1 "_s);
         type(child<QLineEdit>(d, u"AppSetting_4"_s), u" Kod 1 "_s);
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
         QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
 
         QVERIFY(b.dialogs.shown().isEmpty());
         // Read back through a fresh store: the values reached the file.
         SettingsStore reread(b.path());
-        QCOMPARE(reread.app(u"DBType"_s), dbType);
-        QCOMPARE(reread.app(u"DBFile"_s), u" /srv/sx/sxdb.mdb "_s);
+        QCOMPARE(reread.app(u"DBType"_s), saved);
+        QCOMPARE(reread.app(u"DBFile"_s), file);
         QCOMPARE(reread.app(u"DBDataSource"_s), u" Βάση SX "_s);
         QCOMPARE(reread.app(u"DBServerIP"_s), u"10.0.0.9"_s);
         QCOMPARE(reread.app(u"DBServerPORT"_s), u"5432"_s);
         QCOMPARE(reread.protectionCode(), u" Kod 1 "_s);
+        QCOMPARE(reread.app(u"Notifications"_s), notifications == u"0" ? u"1"_s : u"0"_s);
+        QCOMPARE(reread.notificationsOn(), notifications == u"0");
         // Readable and writable by the owner alone.
         QCOMPARE(QFile::permissions(b.path()) & 0x7077, // owner, group, others
                  QFile::Permissions(QFile::ReadOwner | QFile::WriteOwner));
-    }
-
-    void notificationSwitchIsSavedWithTheRest_data()
-    {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<bool>("checked");
-        QTest::newRow("absent: on") << QString() << true;
-        QTest::newRow("1: on") << u"1"_s << true;
-        QTest::newRow("0: off") << u"0"_s << false;
-    }
-    void notificationSwitchIsSavedWithTheRest()
-    {
-        QFETCH(QString, stored);
-        QFETCH(bool, checked);
-        Bench b;
-        if (!stored.isNull())
-            b.store->setApp(u"Notifications"_s, stored);
-        b.store->setApp(u"DBType"_s, u"2"_s);
-        b.store->setApp(u"DBFile"_s, u"/srv/sx/sxdb.db"_s);
-        b.store->setProtectionCode(u"1"_s);
-        SettingsDialog d(*b.store, b.dialogs);
-        d.show();
-        auto* box = child<QCheckBox>(d, u"Notifications"_s);
-        QCOMPARE(box->isChecked(), checked);
-        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
-        QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
-        SettingsStore reread(b.path());
-        QCOMPARE(reread.app(u"Notifications"_s), checked ? u"0"_s : u"1"_s);
-        QCOMPARE(reread.notificationsOn(), !checked);
     }
 
     void refusedOkAndCancelSaveNothing()

@@ -76,40 +76,37 @@ public:
 // What a shown dialog was, by its exact texts; "?" when nothing matches.
 QString classify(const ScriptedDialogs::Shown& s)
 {
-    const QString title = u"SENTORAX Monitor"_s;
+    const QString app = u"SENTORAX Monitor"_s;
+    const struct {
+        const char* name;
+        QString title;
+        Icon icon;
+        Buttons buttons;
+        QString text;
+    } known[] = {
+        {"code", kChangeTitle, Icon::None, Buttons::Ok,
+         u"Παρακαλώ εισάγετε τον κωδικό προστασίας παραμέτρων"_s},
+        {"welcome", app, Icon::Information, Buttons::Ok, kWelcome},
+        {"setup refused", app, Icon::Critical, Buttons::OkCancel, kSetupRefused},
+        {"explain unknown", app, Icon::Critical, Buttons::YesNo, kUnknown + kQuestion},
+        {"explain unreachable", app, Icon::Critical, Buttons::YesNo, kUnreachable + kQuestion},
+        {"wrong code", kChangeTitle, Icon::Critical, Buttons::Ok, u"Λάθος κωδικός !"_s},
+        {"press ok", app, Icon::Information, Buttons::Ok, kPressOk},
+        {"changed", kChangeTitle, Icon::Information, Buttons::Ok, kChanged}};
     if (s.kind == u"settings")
-        return u"settings"_s;
-    if (s.kind == u"code") {
-        return s.title == kChangeTitle &&
-                       s.text == u"Παρακαλώ εισάγετε τον κωδικό προστασίας παραμέτρων"
-                   ? u"code"_s
-                   : u"?"_s;
-    }
-    if (s.kind != u"message")
+        return s.kind;
+    // An explanation: the error's number and words, then the causes that are compared.
+    const bool explains = s.text.startsWith(kHeaderStart) && s.text.contains(kCausesHeading);
+    const QString text = explains ? s.text.section(kCausesHeading, 1) : s.text;
+    const bool code = s.kind == u"code"; // a prompt: no icon or buttons of its own
+    if (!code && s.kind != u"message")
         return u"?"_s;
-    if (s.title == title && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
-        s.text == kWelcome)
-        return u"welcome"_s;
-    if (s.title == title && s.icon == Icon::Critical && s.buttons == Buttons::OkCancel &&
-        s.text == kSetupRefused)
-        return u"setup refused"_s;
-    if (s.title == title && s.icon == Icon::Critical && s.buttons == Buttons::YesNo &&
-        s.text.startsWith(kHeaderStart) && s.text.contains(kCausesHeading)) {
-        const QString causes = s.text.section(kCausesHeading, 1);
-        if (causes == kUnknown + kQuestion)
-            return u"explain unknown"_s;
-        if (causes == kUnreachable + kQuestion)
-            return u"explain unreachable"_s;
+    for (const auto& k : known) {
+        if (code == (k.icon == Icon::None) && s.title == k.title && text == k.text &&
+            (code || (s.icon == k.icon && s.buttons == k.buttons)) &&
+            explains == (k.buttons == Buttons::YesNo))
+            return QString::fromLatin1(k.name);
     }
-    if (s.title == kChangeTitle && s.icon == Icon::Critical && s.buttons == Buttons::Ok &&
-        s.text == u"Λάθος κωδικός !")
-        return u"wrong code"_s;
-    if (s.title == title && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
-        s.text == kPressOk)
-        return u"press ok"_s;
-    if (s.title == kChangeTitle && s.icon == Icon::Information && s.buttons == Buttons::Ok &&
-        s.text == kChanged)
-        return u"changed"_s;
     return u"?"_s;
 }
 
@@ -133,6 +130,10 @@ Target targetFor(const QString& name, GuiFixture& f)
         t.where.serverIp = u"127.0.0.1"_s;
         t.where.serverPort = u"1"_s;
         t.waitMessage = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:127.0.0.1  PORT:1"_s;
+    } else if (name.startsWith(u"type")) {
+        t.where.kind = DbKind::Access;
+        t.where.file = f.scratch.folder() + u"/nosuch.mdb"_s;
+        t.waitMessage = kFileWait;
     } else {
         t.where = f.scratch.settings();
         t.waitMessage = f.scratch.isPostgres()
@@ -199,6 +200,11 @@ private slots:
         row("refused port, No", u"1"_s, u"refused"_s, u"No"_s, u"explain unreachable"_s,
             kExitNoConnection);
         row("working database", u"1"_s, scratch, {}, {}, -1);
+        row("no unit in use: an empty list", u"1"_s, u"idle"_s, {}, {}, -1);
+        // An old install's DBType that is no number means an Access file.
+        for (const char* type : {"type absent", "type=x", "type="})
+            row(type, u"1"_s, QString::fromLatin1(type), u"No"_s, u"explain unknown"_s,
+                kExitNoConnection);
     }
     void startupPaths()
     {
@@ -220,9 +226,17 @@ private slots:
             u"SyI_Used) VALUES ('S2', '2', 'Beta', 1);\n"
             u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s));
 
+        if (database == u"idle")
+            QVERIFY(f.exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
+        f.ctx.systemSerials = {u"kept"_s};
         const Target target = targetFor(database, f);
         const Target working = targetFor(u"scratch"_s, f);
-        if (init != u"-") {
+        if (database.startsWith(u"type")) {
+            f.settings->setApp(u"DBFile"_s, target.where.file);
+            if (database.contains(u'='))
+                f.settings->setApp(u"DBType"_s, database.section(u'=', 1));
+            f.settings->setApp(u"Init"_s, init);
+        } else if (init != u"-") {
             store(*f.settings, target.where, u"1234"_s);
             f.settings->setApp(u"Init"_s, init);
         } else {
@@ -263,18 +277,20 @@ private slots:
         QString waitShown;
         bool waitVisible = false;
         ProbeMain* main = nullptr;
-        Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
+        std::optional<Startup> startup;
+        startup.emplace(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
             main = new ProbeMain(ctx);
             return main;
         });
-        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
-        startup.setConnectingHook([&](QWidget* w) {
+        const QString lock = f.scratch.folder() + u"/console.lock"_s;
+        startup->setLockFile(lock);
+        startup->setConnectingHook([&](QWidget* w) {
             auto* wait = qobject_cast<WaitWindow*>(w);
             QVERIFY(wait);
             waitShown = wait->message();
             waitVisible = wait->isVisible();
         });
-        const std::optional<int> code = startup.run();
+        const std::optional<int> code = startup->run();
 
         QStringList seen;
         for (const auto& s : f.dialogs.shown())
@@ -300,50 +316,31 @@ private slots:
         for (QWidget* w : QApplication::topLevelWidgets())
             QVERIFY(!qobject_cast<WaitWindow*>(w) || !w->isVisible());
 
-        QCOMPARE(startup.mainWindow() != nullptr, connected);
+        QCOMPARE(startup->mainWindow() != nullptr, connected);
         if (exitCode != kExitNormal)
             QCOMPARE(f.db.isOpen(), connected);
+        if (exitCode == kExitNoConnection)
+            QCOMPARE(f.db.kind(), target.where.kind);
         if (!connected)
             return;
-        QCOMPARE(main, startup.mainWindow());
+        QCOMPARE(main, startup->mainWindow());
         QVERIFY(main->isVisible());
         QCOMPARE(main->windowTitle(), u"SENTORAX Monitor / Τρέχουσα κατάσταση"_s);
         QCOMPARE(main->findChild<QTimer*>(u"UpdateMainfrm"_s)->interval(), 10000);
         QCOMPARE(f.navigator->mainView(), main);
+        // Without a unit in use the list is empty and the serials stay as they were.
+        const bool idle = database == u"idle";
         QCOMPARE(test::comboTexts(main->systemSelect()),
-                 (QStringList{u"Alpha [1] (S1)"_s, u"Beta [2] (S2)"_s}));
-        QCOMPARE(main->selected, QList<int>{0});
-        QCOMPARE(main->serials, QStringList{u"S1"_s});
-    }
-
-    void noUnitInUseOpensAnEmptyListAndTheLockIsFreedAtTheEnd()
-    {
-        GuiFixture f;
-        SX_REQUIRE_FIXTURE(f);
-        QVERIFY(f.exec(
-            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S9', '9', 'Idle', 0)"_s));
-        store(*f.settings, f.scratch.settings(), u"1234"_s);
-        f.settings->setApp(u"Init"_s, u"1"_s);
-        f.ctx.systemSerials = {u"kept"_s};
-        const QString path = f.scratch.folder() + u"/console.lock"_s;
-        {
-            ProbeMain* main = nullptr;
-            Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
-                main = new ProbeMain(ctx);
-                return main;
-            });
-            startup.setLockFile(path);
-            QCOMPARE(startup.run(), std::optional<int>());
-            QVERIFY(main && main->isVisible());
-            QCOMPARE(main->systemSelect()->count(), 0);
-            QVERIFY(main->selected.isEmpty());
-            QCOMPARE(f.ctx.systemSerials, QStringList{u"kept"_s});
-            QVERIFY(f.dialogs.shown().isEmpty());
-            QLockFile other(path);
-            QVERIFY(!other.tryLock(0));
-        }
-        QLockFile after(path);
-        QVERIFY(after.tryLock(0));
+                 (idle ? QStringList() : QStringList{u"Alpha [1] (S1)"_s, u"Beta [2] (S2)"_s}));
+        QCOMPARE(main->selected, idle ? QList<int>() : QList<int>{0});
+        QCOMPARE(main->serials, idle ? QStringList() : QStringList{u"S1"_s});
+        QCOMPARE(f.ctx.systemSerials,
+                 (idle ? QStringList{u"kept"_s} : QStringList{u"S1"_s, u"S2"_s}));
+        // The lock is held while the console runs and freed at its end.
+        QLockFile other(lock);
+        QVERIFY(!other.tryLock(0));
+        startup.reset();
+        QVERIFY(other.tryLock(0));
     }
 
     void secondCopy_data()
@@ -447,35 +444,6 @@ private slots:
             s.serverPort = c.port;
             QCOMPARE(waitMessageFor(s), c.expected);
         }
-    }
-
-    void storedDbTypeThatIsNoNumberCountsAsAccess_data()
-    {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<bool>("present");
-        QTest::newRow("absent") << QString() << false;
-        QTest::newRow("letters") << u"x"_s << true;
-        QTest::newRow("empty") << QString() << true;
-    }
-    void storedDbTypeThatIsNoNumberCountsAsAccess()
-    {
-        QFETCH(QString, stored);
-        QFETCH(bool, present);
-        GuiFixture f;
-        f.settings->setApp(u"Init"_s, u"1"_s);
-        f.settings->setApp(u"DBFile"_s, f.scratch.folder() + u"/nosuch.mdb"_s);
-        if (present)
-            f.settings->setApp(u"DBType"_s, stored);
-        f.dialogs.answerMessage(Answer::No);
-        QString waitShown;
-        Startup startup(f.ctx, [](AppContext& ctx) -> ViewWindow* { return new ProbeMain(ctx); });
-        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
-        startup.setConnectingHook(
-            [&](QWidget* w) { waitShown = qobject_cast<WaitWindow*>(w)->message(); });
-        QCOMPARE(startup.run(), std::optional<int>(kExitNoConnection));
-        QCOMPARE(f.db.kind(), DbKind::Access);
-        QCOMPARE(waitShown, kFileWait);
-        QCOMPARE(f.terminated, 1);
     }
 
     void versionTextAndBox()

@@ -1,3 +1,4 @@
+#include "sim/RequestHandler.h"
 #include "views/current/CommandRules.h"
 
 #include <QTest>
@@ -30,13 +31,17 @@ class TestCommandRules : public QObject {
     Q_OBJECT
 
 private slots:
+    // The console and the simulator decide alike, but for a version that is missing or has no
+    // point: the simulator then goes by the model alone.
     void extendedUnit_data()
     {
         QTest::addColumn<std::optional<QString>>("model");
         QTest::addColumn<std::optional<QString>>("softver");
         QTest::addColumn<bool>("extended");
-        const auto row = [](const char* name, const char16_t* model, const char16_t* ver, bool e) {
-            QTest::newRow(name) << opt(model) << opt(ver) << e;
+        QTest::addColumn<bool>("simulator");
+        const auto row = [](const char* name, const char16_t* model, const char16_t* ver, bool e,
+                            std::optional<bool> sim = {}) {
+            QTest::newRow(name) << opt(model) << opt(ver) << e << sim.value_or(e);
         };
         row("1A at 1.15", u"SENTORAX-1A", u"1.15", true);
         row("1A at 1.14", u"SENTORAX-1A", u"1.14", false);
@@ -46,19 +51,20 @@ private slots:
         row("1A at 1.225 is 122", u"SENTORAX-1A", u"1.225", true);
         row("1A at 11.5 is 115", u"SENTORAX-1A", u"11.5", true);
         row("1A unreadable minor", u"SENTORAX-1A", u"1.x5", false);
+        row("1A unreadable version", u"SENTORAX-1A", u"abc", false);
         row("1C at 0.1", u"SENTORAX-1C", u"0.1", true);
         for (const char16_t* m : {u"SENTORAX-1D", u"SENTORAX-1E", u"SENTORAX-1F", u"SENTORAX-1G",
                                   u"SENTORAX-2D", u"SENTORAX-2E", u"SENTORAX-2F"})
             QTest::addRow("%s", QString::fromUtf16(m).toUtf8().constData())
-                << opt(m) << opt(u"1.00") << true;
+                << opt(m) << opt(u"1.00") << true << true;
         row("2B never", u"SENTORAX-2B", u"9.99", false);
         row("2A never", u"SENTORAX-2A", u"1.22", false);
         row("contained in a longer text", u"Μονάδα SENTORAX-1D rev2", u"1.00", true);
         row("1A contained, 1.15", u"XSENTORAX-1AX", u"1.15", true);
         row("case counts", u"sentorax-1c", u"1.22", false);
         row("missing model", nullptr, u"1.22", false);
-        row("version without point", u"SENTORAX-1C", u"2", false);
-        row("missing version", u"SENTORAX-2F", nullptr, false);
+        row("version without point", u"SENTORAX-1C", u"2", false, true);
+        row("missing version", u"SENTORAX-2F", nullptr, false, true);
     }
 
     void extendedUnit()
@@ -66,7 +72,11 @@ private slots:
         QFETCH(std::optional<QString>, model);
         QFETCH(std::optional<QString>, softver);
         QFETCH(bool, extended);
+        QFETCH(bool, simulator);
         QCOMPARE(isExtendedUnit(model, softver), extended);
+        QCOMPARE(
+            sx::sim::isExtendedNotification(model.value_or(QString()), softver.value_or(QString())),
+            simulator);
     }
 
     // The notice texts are checked end to end in tst_unitcommands.

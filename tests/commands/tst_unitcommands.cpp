@@ -1,5 +1,6 @@
 #include "GuiFixture.h"
 #include "model/Dialect.h"
+#include "sim/SimSchema.h"
 #include "sim/UnitCodes.h"
 #include "views/current/CommandHost.h"
 #include "views/current/CommandRules.h"
@@ -101,6 +102,8 @@ class TestUnitCommands : public QObject {
         if (sim && simMode == extra)
             return true;
         stopSimulator();
+        if (extra == QStringList{u"stopped"_s})
+            return true;
         sim = std::make_unique<QProcess>();
         sim->setProcessChannelMode(QProcess::MergedChannels);
         sim->start(QString::fromUtf8(kSimExe),
@@ -154,36 +157,6 @@ class TestUnitCommands : public QObject {
                              .arg(sqlQuote(serial))));
     }
 
-    void addUnit(const QString& serial, const QString& model, const QString& softver, int online,
-                 const QString& code)
-    {
-        QVERIFY(fx->exec(
-            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
-            u"SyI_Used, SyI_Online, SyI_Softver, SyI_Model, SyI_EventsTable_Pagebyteswritt, "
-            u"SyI_EventsTable_Lastpagesn) VALUES (%1, '1001', 'Μονάδα', 1, %2, %3, %4, 0, 0);\n"
-            u"INSERT INTO Systems_Current_Condition (SyCC_SyI_Serialnumber, SyCC_Alarmcondition, "
-            u"SyCC_RelayBcondition, SyCC_Rtc) VALUES (%1, 0, 0, '2026-03-01 10:00:00')"_s
-                .arg(sqlQuote(serial))
-                .arg(online)
-                .arg(sqlQuote(softver), sqlQuote(model))));
-        QVERIFY(!sim::storeUnitCode(fx->db, serial, code).isError());
-    }
-
-    void addPoint(const QString& serial, int number, const QString& name, int used)
-    {
-        QVERIFY(fx->exec(
-            u"INSERT INTO Sensors_Info (SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname, "
-            u"SeI_Sensortype, SeI_Used, SeI_Maxlimit, SeI_Minlimit, SeI_Maxlimitused, "
-            u"SeI_Minlimitused, SeI_RecordsTable_Pagebyteswrit, SeI_RecordsTable_Lastpagesn) "
-            u"VALUES (%1, %2, %3, 0, %4, 30, 0, 1, 1, 0, 0);\n"
-            u"INSERT INTO Sensors_Current_Condition (SeCC_SyI_Serialnumber, SeCC_Sensornumber, "
-            u"SeCC_Currvalue, SeCC_Outofbounds, SeCC_Alarmcondition, SeCC_Notpowered) VALUES "
-            u"(%1, %2, 20, 0, 0, 0)"_s.arg(sqlQuote(serial))
-                .arg(number)
-                .arg(sqlQuote(name))
-                .arg(used)));
-    }
-
     // Runs one command for a unit and returns the request rows seen meanwhile.
     QStringList run(void (*command)(AppContext&, CommandHost&), const QString& serial)
     {
@@ -198,28 +171,25 @@ class TestUnitCommands : public QObject {
     bool recreateRequestTable()
     {
         fx->failures->clear();
-        return fx->exec(u"CREATE TABLE Terminal_Requests (TrmReq_SyI_Serialnumber TEXT, "
-                        u"TrmReq_Requesttype SMALLINT, TrmReq_Attributes TEXT, "
-                        u"TrmReq_Requestcompleted SMALLINT, TrmReq_Requestreply SMALLINT)"_s);
+        return !sim::createSchema(fx->db).isError();
     }
 
-    void expectMessage(Icon icon, const QString& title, const QString& text = {})
+    // A shown dialog as one line: a prompt or list with its entries, a message with its icon.
+    static QString ask(const QString& title, const QString& text, const QStringList& items = {})
     {
-        const auto m = fx->dialogs.messages();
-        QCOMPARE(m.size(), 1);
-        QCOMPARE(m.at(0).icon, icon);
-        QCOMPARE(m.at(0).title, title);
-        if (!text.isNull())
-            QCOMPARE(m.at(0).text, text);
+        return title + u" / "_s + text +
+               (items.isEmpty() ? QString() : u" / "_s + items.join(u','));
     }
-
-    // Whether the window was disabled while the selection list was up.
-    void watchSelection(bool& disabled)
+    static QString say(Icon icon, const QString& title, const QString& text)
     {
-        fx->dialogs.onShown = [this, &disabled](const ScriptedDialogs::Shown& s) {
-            if (s.kind == u"selection")
-                disabled = !host->isEnabled();
-        };
+        return u"(%1) "_s.arg(int(icon)) + ask(title, text);
+    }
+    QStringList said() const
+    {
+        QStringList out;
+        for (const auto& m : fx->dialogs.messages())
+            out << say(m.icon, m.title, m.text);
+        return out;
     }
 
 private slots:
@@ -228,16 +198,27 @@ private slots:
         fx = std::make_unique<GuiFixture>();
         SX_REQUIRE_FIXTURE(*fx);
         QVERIFY(!sim::ensureUnitCodeTable(fx->db).isError());
-        // Non-extended (1A below 1.15), code with a leading zero, two points in use.
-        addUnit(u"SXA1"_s, u"SENTORAX-1A"_s, u"1.14"_s, 1, u"0042"_s);
-        addPoint(u"SXA1"_s, 1, u"Ψυγείο"_s, 1);
-        addPoint(u"SXA1"_s, 2, QString(), 1);
-        addPoint(u"SXA1"_s, 3, u"Εκτός χρήσης"_s, 0);
-        // Extended by model, no point in use.
-        addUnit(u"SXC1"_s, u"SENTORAX-1C"_s, u"1.22"_s, 1, u"1234"_s);
-        addPoint(u"SXC1"_s, 1, u"Αχρησιμοποίητο"_s, 0);
-        addUnit(u"SXOFF"_s, u"SENTORAX-1D"_s, u"1.22"_s, 0, u"1234"_s);
-        addUnit(u"SXPRG"_s, u"SENTORAX-1D"_s, u"1.22"_s, 2, u"1234"_s);
+        // SXA1: not extended (1A below 1.15), code with a leading zero, points 1 and 2 in use.
+        // SXC1: extended by model, no point in use. SXOFF offline, SXPRG being programmed.
+        QVERIFY(fx->exec(
+            u"INSERT INTO Systems_Info VALUES ('SXA1', '1', 'Μονάδα', 1, 1, '1.14', 'SENTORAX-1A', "
+            u"0, 0), ('SXC1', '1', 'Μονάδα', 1, 1, '1.22', 'SENTORAX-1C', 0, 0), "
+            u"('SXOFF', '1', 'Μονάδα', 1, 0, '1.22', 'SENTORAX-1D', 0, 0), "
+            u"('SXPRG', '1', 'Μονάδα', 1, 2, '1.22', 'SENTORAX-1D', 0, 0);\n"
+            u"INSERT INTO Systems_Current_Condition VALUES ('SXA1', 0, 0, '2026-03-01 10:00:00'), "
+            u"('SXC1', 0, 0, '2026-03-01 10:00:00'), ('SXOFF', 0, 0, '2026-03-01 10:00:00'), "
+            u"('SXPRG', 0, 0, '2026-03-01 10:00:00');\n"
+            u"INSERT INTO Sensors_Info VALUES ('SXA1', 1, 'Ψυγείο', 0, 1, 30, 0, 1, 1, 0, 0), "
+            u"('SXA1', 2, NULL, 0, 1, 30, 0, 1, 1, 0, 0), "
+            u"('SXA1', 3, 'Εκτός χρήσης', 0, 0, 30, 0, 1, 1, 0, 0), "
+            u"('SXC1', 1, 'Αχρησιμοποίητο', 0, 0, 30, 0, 1, 1, 0, 0);\n"
+            u"INSERT INTO Sensors_Current_Condition SELECT SeI_SyI_Serialnumber, "
+            u"SeI_Sensornumber, 20, 0, 0, 0 FROM Sensors_Info"_s));
+        for (const auto& [serial, code] : {std::pair{u"SXA1"_s, u"0042"_s},
+                                           {u"SXC1"_s, u"1234"_s},
+                                           {u"SXOFF"_s, u"1234"_s},
+                                           {u"SXPRG"_s, u"1234"_s}})
+            QVERIFY(!sim::storeUnitCode(fx->db, serial, code).isError());
         host = std::make_unique<TestHost>();
         host->show();
     }
@@ -267,245 +248,200 @@ private slots:
         QCOMPARE(requestRows(), 0);
     }
 
-    void relayFollowsTheShownCaption_data()
+    // Every command from its first dialog to its end. Answers: cCODE (c- cancels), sENTRY,POINT
+    // (s- cancels), iTEXT (i- cancels); sent: the row written, empty when none; check:
+    // COLUMN=VALUE|VALUE of the unit's condition afterwards.
+    void commands_data()
     {
-        QTest::addColumn<QString>("caption");
-        QTest::addColumn<int>("relay");
-        QTest::newRow("shown off is switched on") << u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s << 0;
-        QTest::newRow("shown on is switched off") << u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s << 1;
-    }
-
-    void relayFollowsTheShownCaption()
-    {
-        QFETCH(QString, caption);
-        QFETCH(int, relay);
-        QVERIFY(useSimulator({}));
-        setCondition(u"SXA1"_s, 0, relay);
-        host->caption = caption;
-        fx->dialogs.answerCode(u"0042"_s); // the leading zero is kept
-        const QStringList rows = run(runRelayCommand, u"SXA1"_s);
-        const QString sent = u"SXA1|2|0042;%1|"_s.arg(1 - relay);
-        QCOMPARE(rows.value(0), sent + u"0|0"_s);
-        QVERIFY2(rows.contains(sent + u"1|1"_s), qPrintable(rows.join(u' ')));
-        QVERIFY(watch->disabledWhileRowExisted && watch->waitShownWhileRowExisted);
-        const auto shown = fx->dialogs.shown();
-        QCOMPARE(shown.size(), 1); // the code prompt, no message
-        QCOMPARE(shown.at(0).title, commands::relayTitle());
-        QCOMPARE(shown.at(0).text, commands::securityCodePrompt());
-        QCOMPARE(host->refreshes, 1);
-        QCOMPARE(conditionOf(u"SXA1"_s, u"SyCC_RelayBcondition"_s), 1 - relay);
-    }
-
-    void replyMessages_data()
-    {
-        QTest::addColumn<QStringList>("simOptions");
+        QTest::addColumn<QString>("command");
         QTest::addColumn<QString>("serial");
-        QTest::addColumn<QString>("code");
-        QTest::addColumn<int>("icon");
-        QTest::addColumn<QString>("text");
-
-        const auto row = [](const char* name, const QStringList& options, const QString& serial,
-                            const QString& code, Icon icon, const QString& text) {
-            QTest::newRow(name) << options << serial << code << int(icon) << text;
-        };
-        row("2 wrong code", {}, u"SXA1"_s, u"9999"_s, Icon::Critical, u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ"_s);
-        row("3 unit offline", {}, u"SXOFF"_s, u"1234"_s, Icon::Critical,
-            u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
-        row("4 unit programming", {}, u"SXPRG"_s, u"1234"_s, Icon::Exclamation,
-            u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s);
-        row("6 forced, as 5", {u"--reply"_s, u"6"_s}, u"SXA1"_s, u"0042"_s, Icon::Exclamation,
-            u"Η συγκεκριμένη λειτουργία δέν είναι διαθέσιμη στο σύστημα"_s);
-    }
-
-    void replyMessages()
-    {
-        QFETCH(QStringList, simOptions);
-        QFETCH(QString, serial);
-        QFETCH(QString, code);
-        QFETCH(int, icon);
-        QFETCH(QString, text);
-        QVERIFY(useSimulator(simOptions));
-        setCondition(serial, 0, 0);
-        host->caption = u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
-        fx->dialogs.answerCode(code);
-        const QStringList rows = run(runRelayCommand, serial);
-        QCOMPARE(rows.value(0), serial + u"|2|"_s + code + u";1|0|0"_s);
-        expectMessage(Icon(icon), commands::relayTitle(), text);
-        QCOMPARE(host->refreshes, 1);
-        // Nothing was carried out.
-        QCOMPARE(conditionOf(serial, u"SyCC_RelayBcondition"_s), 0);
-    }
-
-    void extendedUnitOffersAutomaticWithoutDelay()
-    {
-        QVERIFY(useSimulator({}));
-        setCondition(u"SXC1"_s, 0, 0);
-        bool disabledDuringSelection = false;
-        watchSelection(disabledDuringSelection);
-        fx->dialogs.answerCode(u"1234"_s);
-        fx->dialogs.answerSelection(Selection{2, -1});
-        const QStringList rows = run(runNotificationCommand, u"SXC1"_s);
-        fx->dialogs.onShown = {};
-        QCOMPARE(rows.value(0), u"SXC1|1|1234;2|0|0"_s);
-        const auto shown = fx->dialogs.shown();
-        QCOMPARE(shown.size(), 2); // no delay question, no message
-        QCOMPARE(shown.at(0).title, commands::notificationTitle());
-        QCOMPARE(shown.at(1).title, u"Επιλογή κατάστασης τηλεφωνικής ειδοποίησης"_s);
-        QCOMPARE(shown.at(1).text, u"Παρακαλώ επιλέξτε"_s);
-        QCOMPARE(shown.at(1).items,
-                 (QStringList{u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΑΥΤΟΜΑΤΗ"_s}));
-        QVERIFY(disabledDuringSelection);
-        // Automatic flips between off (2) and on (3) by the unit's own timetable.
-        const qint64 alarm = conditionOf(u"SXC1"_s, u"SyCC_Alarmcondition"_s);
-        QVERIFY2(alarm == 2 || alarm == 3, qPrintable(QString::number(alarm)));
-        QCOMPARE(host->refreshes, 1);
-    }
-
-    void otherUnitsGetTwoStatesAndTheDelay_data()
-    {
-        QTest::addColumn<int>("entry");
-        QTest::addColumn<QString>("delay");
+        QTest::addColumn<QStringList>("simOptions");
+        QTest::addColumn<QList<int>>("before"); // notification, relay
+        QTest::addColumn<QString>("answers");
         QTest::addColumn<QString>("sent");
-        QTest::newRow("1A at 1.14, enabled, 24 h") << 1 << u"24"_s << u"0042;1;24"_s;
-        QTest::newRow("disabled sends 0 hours, no question") << 0 << QString() << u"0042;0;0"_s;
-    }
-
-    void otherUnitsGetTwoStatesAndTheDelay()
-    {
-        QFETCH(int, entry);
-        QFETCH(QString, delay);
-        QFETCH(QString, sent);
-        const QString serial = u"SXA1"_s;
-        QVERIFY(useSimulator({}));
-        setCondition(serial, 1 - entry, 0);
-        fx->dialogs.answerCode(u"0042"_s);
-        fx->dialogs.answerSelection(Selection{entry, -1});
-        if (!delay.isNull())
-            fx->dialogs.answerInput(delay);
-        const QStringList rows = run(runNotificationCommand, serial);
-        QCOMPARE(rows.value(0), serial + u"|1|"_s + sent + u"|0|0"_s);
-        const auto shown = fx->dialogs.shown();
-        QCOMPARE(shown.at(0).text, commands::entryCodePrompt());
-        QCOMPARE(shown.at(1).items, (QStringList{u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s}));
-        if (!delay.isNull()) {
-            QCOMPARE(shown.size(), 3);
-            QCOMPARE(shown.at(2).title, commands::notificationTitle());
-            QCOMPARE(shown.at(2).text,
-                     u"Παρακαλώ εισάγετε την καθυστέρηση τηλεφωνικής ειδοποίησης σε ΩΡΕΣ"_s);
-            QCOMPARE(shown.at(2).items, QStringList{u"1"_s});
-        } else {
-            QCOMPARE(shown.size(), 2);
-        }
-        QCOMPARE(conditionOf(serial, u"SyCC_Alarmcondition"_s), entry);
-        QCOMPARE(host->refreshes, 1);
-    }
-
-    void refusedDelayWritesNothing_data()
-    {
-        QTest::addColumn<std::optional<QString>>("typed");
-        QTest::addColumn<QString>("text");
-
+        QTest::addColumn<QStringList>("dialogs");
+        QTest::addColumn<QString>("check");
+        QTest::addColumn<int>("refreshes");
+        QTest::addColumn<QString>("meanwhile"); // what else happens to the request table
+        const auto row = [](const char* name, const char* command, const QString& serial,
+                            const QList<int>& before, const QString& answers, const QString& sent,
+                            const QStringList& dialogs, const QString& check, int refreshes,
+                            const QStringList& simOptions = {}, const QString& meanwhile = {}) {
+            QTest::newRow(name) << QString::fromLatin1(command) << serial << simOptions << before
+                                << answers << sent << dialogs << check << refreshes << meanwhile;
+        };
+        using namespace commands;
+        const QString a1 = u"SXA1"_s, c1 = u"SXC1"_s;
+        const QString relayAsk = ask(relayTitle(), securityCodePrompt());
+        const QString entryAsk = ask(notificationTitle(), entryCodePrompt());
+        const QString bypassAsk = ask(bypassTitle(), securityCodePrompt());
+        const QString twoStates = ask(notificationSelectionCaption(), notificationSelectionLabel(),
+                                      {u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s});
+        const QString delayAsk = ask(notificationTitle(), delayPrompt(), {u"1"_s});
+        const QString points = ask(
+            bypassTitle(), u"Παρακαλώ επιλέξτε σημείο και κατάσταση"_s,
+            {u"[1] Ψυγείο"_s, u"[2] Ανώνυμη ζώνη"_s, u"|"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟ"_s, u"ΠΑΡΑΚΑΜΨΗ"_s});
+        const QString relay = u"SyCC_RelayBcondition="_s, alarm = u"SyCC_Alarmcondition="_s;
+        const QString offline = u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s;
         const QString range =
             u"Η καθυστέρηση τηλεφωνικής ειδοποίησης πρέπει να είναι μεταξύ 0 και 24 ΩΡΕΣ"_s;
-        QTest::newRow("25") << std::optional<QString>(u"25"_s) << range;
-        QTest::newRow("cancelled") << std::optional<QString>() << range;
-        QTest::newRow("1.5") << std::optional<QString>(u"1.5"_s) << u"ΛΑΘΟΣ ΕΠΙΛΟΓΗ"_s;
+
+        // The caption shown follows the stored relay; the leading zero of the code is kept.
+        row("relay shown off is switched on", "relay", a1, {0, 0}, u"c0042"_s, u"SXA1|2|0042;1"_s,
+            {relayAsk}, relay + u"1"_s, 1);
+        row("relay shown on is switched off", "relay", a1, {0, 1}, u"c0042"_s, u"SXA1|2|0042;0"_s,
+            {relayAsk}, relay + u"0"_s, 1);
+        // Replies that carry nothing out.
+        row("reply 2, wrong code", "relay", a1, {0, 0}, u"c9999"_s, u"SXA1|2|9999;1"_s,
+            {relayAsk, say(Icon::Critical, relayTitle(), u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ"_s)}, relay + u"0"_s, 1);
+        row("reply 3, unit offline", "relay", u"SXOFF"_s, {0, 0}, u"c1234"_s, u"SXOFF|2|1234;1"_s,
+            {relayAsk, say(Icon::Critical, relayTitle(), offline)}, relay + u"0"_s, 1);
+        row("reply 4, unit programming", "relay", u"SXPRG"_s, {0, 0}, u"c1234"_s,
+            u"SXPRG|2|1234;1"_s,
+            {relayAsk,
+             say(Icon::Exclamation, relayTitle(), u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s)},
+            relay + u"0"_s, 1);
+        row("reply 6 forced, as 5", "relay", a1, {0, 0}, u"c0042"_s, u"SXA1|2|0042;1"_s,
+            {relayAsk, say(Icon::Exclamation, relayTitle(),
+                           u"Η συγκεκριμένη λειτουργία δέν είναι διαθέσιμη στο σύστημα"_s)},
+            relay + u"0"_s, 1, {u"--reply"_s, u"6"_s});
+        // Automatic flips between off (2) and on (3) by the unit's own timetable; no delay asked.
+        row("extended unit, automatic", "notification", c1, {0, 0}, u"c1234 s2,-1"_s,
+            u"SXC1|1|1234;2"_s,
+            {ask(notificationTitle(), securityCodePrompt()),
+             ask(u"Επιλογή κατάστασης τηλεφωνικής ειδοποίησης"_s, u"Παρακαλώ επιλέξτε"_s,
+                 {u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΑΥΤΟΜΑΤΗ"_s})},
+            alarm + u"2|3"_s, 1);
+        row("1A at 1.14, enabled, 24 h", "notification", a1, {0, 0}, u"c0042 s1,-1 i24"_s,
+            u"SXA1|1|0042;1;24"_s, {entryAsk, twoStates, delayAsk}, alarm + u"1"_s, 1);
+        row("disabled sends 0 hours, no question", "notification", a1, {1, 0}, u"c0042 s0,-1"_s,
+            u"SXA1|1|0042;0;0"_s, {entryAsk, twoStates}, alarm + u"0"_s, 1);
+        row("bypass lists the points in use", "bypass", a1, {0, 0}, u"c0042 s1,1"_s,
+            u"SXA1|3|0042;2;1"_s, {bypassAsk, points}, {}, 1);
+        // Refused before anything is written.
+        const QString delayRefused = u"c0042 s1,-1 i"_s;
+        row("delay 25", "notification", a1, {}, delayRefused + u"25"_s, {},
+            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), range)}, {}, 0);
+        row("delay cancelled", "notification", a1, {}, delayRefused + u"-"_s, {},
+            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), range)}, {}, 0);
+        row("delay 1.5", "notification", a1, {}, delayRefused + u"1.5"_s, {},
+            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), u"ΛΑΘΟΣ ΕΠΙΛΟΓΗ"_s)},
+            {}, 0);
+        // One code check per command: they share the prompt and its checks.
+        row("relay, code of 3 digits", "relay", a1, {}, u"c123"_s, {},
+            {relayAsk, say(Icon::Exclamation, relayTitle(),
+                           u"Ο κωδικός πρέπει να έχει μήκος απο 4 εώς 8 νούμερα"_s)},
+            {}, 0);
+        row("notification, code 12a4", "notification", a1, {}, u"c12a4"_s, {},
+            {entryAsk, say(Icon::Exclamation, notificationTitle(),
+                           u"Ο κωδικός πρέπει να αποτελείται μόνο απο αριθμούς"_s)},
+            {}, 0);
+        row("bypass, code cancelled, silent", "bypass", a1, {}, u"c-"_s, {}, {bypassAsk}, {}, 0);
+        row("notification, selection cancelled", "notification", a1, {}, u"c0042 s-"_s, {},
+            {entryAsk, twoStates}, {}, 0);
+        row("bypass, selection cancelled", "bypass", a1, {}, u"c0042 s-"_s, {}, {bypassAsk, points},
+            {}, 0);
+        row("bypass without points in use, no code asked", "bypass", c1, {}, {}, {},
+            {say(Icon::Exclamation, bypassTitle(),
+                 u"Δεν υπάρχουν ενεργοποιημένα σημεία προς παρακολούθηση στο σύστημα !"_s)},
+            {}, 0);
+        row("missing unit is unreachable", "relay", u"NO-SUCH"_s, {}, {}, {},
+            {say(Icon::Critical, relayTitle(), offline)}, {}, 1);
+        // A stale, answered row of another console must not be taken for ours.
+        row("other rows of the unit are left alone", "relay", a1, {0, 0}, u"c0042"_s,
+            u"SXA1|2|0042;1"_s, {relayAsk}, relay + u"1"_s, 1, {}, u"stale"_s);
+        // Without a server: someone else (a server tidying up) removes the row while we wait,
+        // or the table is gone; a failed query is reported and the window stays usable.
+        const QStringList stopped{u"stopped"_s};
+        row("vanished row ends without message", "relay", a1, {}, u"c0042"_s, u"SXA1|2|0042;1"_s,
+            {relayAsk}, {}, 1, stopped, u"delete later"_s);
+        row("the poll fails", "relay", a1, {}, u"c0042"_s, u"SXA1|2|0042;1"_s,
+            {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop later"_s);
+        row("the write fails", "relay", a1, {}, u"c0042"_s, {},
+            {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop"_s);
     }
 
-    void refusedDelayWritesNothing()
+    void commands()
     {
-        QFETCH(std::optional<QString>, typed);
-        QFETCH(QString, text);
-        fx->dialogs.answerCode(u"0042"_s);
-        fx->dialogs.answerSelection(Selection{1, -1});
-        fx->dialogs.answerInput(typed);
-        QCOMPARE(run(runNotificationCommand, u"SXA1"_s), QStringList());
-        expectMessage(Icon::Exclamation, appTitle(), text);
-        QCOMPARE(host->refreshes, 0);
-    }
-
-    void codeChecksWriteNothing_data()
-    {
-        QTest::addColumn<std::optional<QString>>("typed");
-        QTest::addColumn<QString>("text");
-
-        const QString length = u"Ο κωδικός πρέπει να έχει μήκος απο 4 εώς 8 νούμερα"_s;
-        QTest::newRow("3 digits") << std::optional<QString>(u"123"_s) << length;
-        QTest::newRow("12a4") << std::optional<QString>(u"12a4"_s)
-                              << u"Ο κωδικός πρέπει να αποτελείται μόνο απο αριθμούς"_s;
-        QTest::newRow("cancelled, silent") << std::optional<QString>() << QString();
-    }
-
-    void codeChecksWriteNothing()
-    {
-        QFETCH(std::optional<QString>, typed);
-        QFETCH(QString, text);
-        using Command = void (*)(AppContext&, CommandHost&);
-        const QList<std::pair<Command, QString>> all{
-            {runRelayCommand, commands::relayTitle()},
-            {runNotificationCommand, commands::notificationTitle()},
-            {runBypassCommand, commands::bypassTitle()}};
-        for (const auto& [command, title] : all) {
-            fx->dialogs.answerCode(typed);
-            QCOMPARE(run(command, u"SXA1"_s), QStringList());
-            const auto shown = fx->dialogs.shown();
-            QCOMPARE(shown.size(), text.isNull() ? 1 : 2);
-            QCOMPARE(shown.at(0).title, title);
-            if (!text.isNull()) {
-                QCOMPARE(shown.at(1).icon, Icon::Exclamation);
-                QCOMPARE(shown.at(1).title, title);
-                QCOMPARE(shown.at(1).text, text);
-            }
-            QCOMPARE(host->refreshes, 0);
+        QFETCH(QString, command);
+        QFETCH(QString, serial);
+        QFETCH(QStringList, simOptions);
+        QFETCH(QList<int>, before);
+        QFETCH(QString, answers);
+        QFETCH(QString, sent);
+        QFETCH(QStringList, dialogs);
+        QFETCH(QString, check);
+        QFETCH(int, refreshes);
+        QFETCH(QString, meanwhile);
+        QVERIFY(useSimulator(simOptions));
+        const int reports = fx->failures->reportsShown();
+        const auto drop = [this] { (void)fx->db.exec(u"DROP TABLE Terminal_Requests"_s); };
+        if (meanwhile == u"stale")
+            QVERIFY(
+                fx->exec(u"INSERT INTO Terminal_Requests VALUES ('SXA1', 3, '0042;1;0', 1, 2)"_s));
+        else if (meanwhile == u"drop")
+            drop();
+        else if (meanwhile == u"drop later")
+            QTimer::singleShot(200, drop);
+        else if (meanwhile == u"delete later")
+            QTimer::singleShot(700, [this] { (void)fx->exec(u"DELETE FROM Terminal_Requests"_s); });
+        if (!before.isEmpty()) {
+            setCondition(serial, before[0], before[1]);
+            host->caption = before[1] ? u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s : u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
         }
-    }
-
-    void bypassListsPointsInUse()
-    {
-        QVERIFY(useSimulator({}));
-        bool disabledDuringSelection = false;
-        watchSelection(disabledDuringSelection);
-        fx->dialogs.answerCode(u"0042"_s);
-        fx->dialogs.answerSelection(Selection{1, 1});
-        const QStringList rows = run(runBypassCommand, u"SXA1"_s);
+        for (const QString& a : answers.split(u' ', Qt::SkipEmptyParts)) {
+            const QString v = a.mid(1);
+            const auto typed = v == u"-" ? std::nullopt : std::optional<QString>(v);
+            if (a.startsWith(u'c'))
+                fx->dialogs.answerCode(typed);
+            else if (a.startsWith(u'i'))
+                fx->dialogs.answerInput(typed);
+            else if (typed)
+                fx->dialogs.answerSelection(
+                    Selection{v.section(u',', 0, 0).toInt(), v.section(u',', 1).toInt()});
+            else
+                fx->dialogs.answerSelection(std::nullopt);
+        }
+        // The window stays disabled while a selection list is up.
+        bool disabledAtSelection = true;
+        fx->dialogs.onShown = [&](const ScriptedDialogs::Shown& s) {
+            disabledAtSelection &= s.kind != u"selection" || !host->isEnabled();
+        };
+        const QHash<QString, void (*)(AppContext&, CommandHost&)> byName{
+            {u"relay"_s, runRelayCommand},
+            {u"notification"_s, runNotificationCommand},
+            {u"bypass"_s, runBypassCommand}};
+        const QStringList rows = run(byName[command], serial);
         fx->dialogs.onShown = {};
-        QCOMPARE(rows.value(0), u"SXA1|3|0042;2;1|0|0"_s);
-        const auto shown = fx->dialogs.shown();
-        QCOMPARE(shown.size(), 2);
-        QCOMPARE(shown.at(1).title, u"Αλλαγή κατάστασης παράκαμψης σημείου"_s);
-        QCOMPARE(shown.at(1).text, u"Παρακαλώ επιλέξτε σημείο και κατάσταση"_s);
-        QCOMPARE(shown.at(1).items, (QStringList{u"[1] Ψυγείο"_s, u"[2] Ανώνυμη ζώνη"_s, u"|"_s,
-                                                 u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟ"_s, u"ΠΑΡΑΚΑΜΨΗ"_s}));
-        QVERIFY(disabledDuringSelection);
-        QCOMPARE(host->refreshes, 1);
-    }
+        // Put the table back as it was before anything can fail.
+        const int left = meanwhile.startsWith(u"drop") ? 0 : requestRows();
+        if (meanwhile.startsWith(u"drop"))
+            QVERIFY(recreateRequestTable());
+        if (meanwhile == u"stale")
+            QVERIFY(fx->exec(u"DELETE FROM Terminal_Requests"_s));
 
-    void bypassWithoutPointsInUse()
-    {
-        QCOMPARE(run(runBypassCommand, u"SXC1"_s), QStringList());
-        QCOMPARE(fx->dialogs.shown().size(), 1); // no code asked
-        expectMessage(Icon::Exclamation, commands::bypassTitle(),
-                      u"Δεν υπάρχουν ενεργοποιημένα σημεία προς παρακολούθηση στο σύστημα !"_s);
-        QCOMPARE(host->refreshes, 0);
-    }
-
-    void cancelledSelectionWritesNothing()
-    {
-        for (auto command : {runNotificationCommand, runBypassCommand}) {
-            fx->dialogs.answerCode(u"0042"_s);
-            fx->dialogs.answerSelection(std::nullopt);
-            QCOMPARE(run(command, u"SXA1"_s), QStringList());
-            QVERIFY(fx->dialogs.messages().isEmpty());
-            QCOMPARE(host->refreshes, 0);
+        QVERIFY2(sent.isEmpty() ? rows.size() == (meanwhile == u"stale")
+                                : rows.contains(sent + u"|0|0"_s),
+                 qPrintable(rows.join(u' ')));
+        QVERIFY(watch->disabledWhileRowExisted && watch->waitShownWhileRowExisted);
+        QVERIFY(disabledAtSelection);
+        QStringList shown;
+        for (const auto& s : fx->dialogs.shown())
+            shown << (s.kind == u"message" ? say(s.icon, s.title, s.text)
+                                           : ask(s.title, s.text, s.items));
+        for (qsizetype i = 0; i < qMin(shown.size(), dialogs.size()); ++i) {
+            if (dialogs[i].endsWith(u'*')) // the database's own words follow
+                shown[i] = shown[i].left(dialogs[i].size() - 1) + u'*';
         }
-    }
-
-    void missingUnitIsTreatedAsUnreachable()
-    {
-        QCOMPARE(run(runRelayCommand, u"NO-SUCH"_s), QStringList());
-        QCOMPARE(fx->dialogs.shown().size(), 1); // no code asked
-        expectMessage(Icon::Critical, commands::relayTitle(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
-        QCOMPARE(host->refreshes, 1);
+        QCOMPARE(shown, dialogs);
+        QCOMPARE(host->refreshes, refreshes);
+        QCOMPARE(fx->failures->reportsShown(), reports + meanwhile.startsWith(u"drop"));
+        QCOMPARE(left, meanwhile == u"stale" ? 1 : 0);
+        if (!check.isEmpty()) {
+            const qint64 now = conditionOf(serial, check.section(u'=', 0, 0));
+            QVERIFY2(check.section(u'=', 1).split(u'|').contains(QString::number(now)),
+                     qPrintable(QString::number(now)));
+        }
     }
 
     void silentServerTimesOutAndTheRowIsGone()
@@ -522,69 +458,16 @@ private slots:
         const QStringList rows = run(runRelayCommand, u"SXA1"_s);
         fx->dialogs.onShown = {};
         QCOMPARE(rows, QStringList{u"SXA1|2|0042;1|0|0"_s});
-        expectMessage(Icon::Critical, commands::relayTitle(),
-                      u"Η εκτέλεση της εντολής είναι αδύνατη.\r\nΒεβαιωθείτε ότι "
-                      u"η εφαρμογή SENTORAX Server βρίσκεται σε λειτουργία και "
-                      u"είναι συνδεδεμένη"_s);
+        QCOMPARE(said(),
+                 QStringList{say(Icon::Critical, commands::relayTitle(),
+                                 u"Η εκτέλεση της εντολής είναι αδύνατη.\r\nΒεβαιωθείτε ότι "
+                                 u"η εφαρμογή SENTORAX Server βρίσκεται σε λειτουργία και "
+                                 u"είναι συνδεδεμένη"_s)});
         // The first poll more than 60 whole seconds on; polls are 10 s apart here and the
         // row is first seen up to 0.4 s late.
         const qint64 waited = watch->firstSeen.msecsTo(messageAt);
         QVERIFY2(waited > 59000 && waited <= 72000, qPrintable(QString::number(waited)));
         QCOMPARE(host->refreshes, 1);
-    }
-
-    void vanishedRowEndsWithoutMessage()
-    {
-        stopSimulator();
-        // Someone else (a server tidying up) removes the row while we wait.
-        QTimer::singleShot(700, [this] { (void)fx->db.exec(u"DELETE FROM Terminal_Requests"_s); });
-        fx->dialogs.answerCode(u"0042"_s);
-        const QStringList rows = run(runRelayCommand, u"SXA1"_s);
-        QCOMPARE(rows, QStringList{u"SXA1|2|0042;1|0|0"_s});
-        QVERIFY(fx->dialogs.messages().isEmpty());
-        QCOMPARE(host->refreshes, 1);
-    }
-
-    void otherRowsOfTheUnitAreLeftAlone()
-    {
-        QVERIFY(useSimulator({}));
-        // A stale, answered row of another console must not be taken for ours.
-        QVERIFY(fx->exec(u"INSERT INTO Terminal_Requests (TrmReq_SyI_Serialnumber, "
-                         u"TrmReq_Requesttype, TrmReq_Attributes, TrmReq_Requestcompleted, "
-                         u"TrmReq_Requestreply) VALUES ('SXA1', 3, '0042;1;0', 1, 2)"_s));
-        setCondition(u"SXA1"_s, 0, 0);
-        host->caption = u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
-        fx->dialogs.answerCode(u"0042"_s);
-        (void)run(runRelayCommand, u"SXA1"_s);
-        QVERIFY(fx->dialogs.messages().isEmpty());
-        QCOMPARE(conditionOf(u"SXA1"_s, u"SyCC_RelayBcondition"_s), 1);
-        QCOMPARE(requestRows(), 1);
-        QVERIFY(fx->exec(u"DELETE FROM Terminal_Requests"_s));
-    }
-
-    void failedQueriesAreReportedAndTheWindowIsUsable_data()
-    {
-        QTest::addColumn<bool>("whileWaiting");
-        QTest::newRow("the poll fails") << true;
-        QTest::newRow("the write fails") << false;
-    }
-
-    void failedQueriesAreReportedAndTheWindowIsUsable()
-    {
-        QFETCH(bool, whileWaiting);
-        stopSimulator();
-        const int reports = fx->failures->reportsShown();
-        const auto drop = [this] { (void)fx->db.exec(u"DROP TABLE Terminal_Requests"_s); };
-        if (whileWaiting)
-            QTimer::singleShot(200, drop);
-        else
-            drop();
-        fx->dialogs.answerCode(u"0042"_s);
-        QCOMPARE(run(runRelayCommand, u"SXA1"_s),
-                 whileWaiting ? QStringList{u"SXA1|2|0042;1|0|0"_s} : QStringList());
-        expectMessage(Icon::Critical, appTitle());
-        QCOMPARE(fx->failures->reportsShown(), reports + 1);
-        QVERIFY(recreateRequestTable());
     }
 };
 

@@ -109,32 +109,6 @@ private slots:
         QVERIFY(!p.error.contains(u'\n'));
     }
 
-    void extendedNotification_data()
-    {
-        QTest::addColumn<QString>("model");
-        QTest::addColumn<QString>("softver");
-        QTest::addColumn<bool>("extended");
-        QTest::newRow("1A before 115") << u"SENTORAX-1A"_s << u"1.14"_s << false;
-        QTest::newRow("1A at 115") << u"SENTORAX-1A"_s << u"1.15"_s << true;
-        QTest::newRow("1B at 122") << u"SENTORAX-1B"_s << u"1.22"_s << true;
-        QTest::newRow("1B 1.5 is 15") << u"SENTORAX-1B"_s << u"1.5"_s << false;
-        QTest::newRow("1A unreadable version") << u"SENTORAX-1A"_s << u"abc"_s << false;
-        QTest::newRow("1C any version") << u"SENTORAX-1C"_s << u"0.1"_s << true;
-        QTest::newRow("2F no version") << u"SENTORAX-2F"_s << QString() << true;
-        QTest::newRow("model inside text") << u"X SENTORAX-2E rev b"_s << u"1.0"_s << true;
-        QTest::newRow("2B unknown model") << u"SENTORAX-2B"_s << u"1.22"_s << false;
-        QTest::newRow("case matters") << u"sentorax-1c"_s << u"1.22"_s << false;
-        QTest::newRow("empty model") << QString() << u"1.22"_s << false;
-    }
-
-    void extendedNotification()
-    {
-        QFETCH(QString, model);
-        QFETCH(QString, softver);
-        QFETCH(bool, extended);
-        QCOMPARE(isExtendedNotification(model, softver), extended);
-    }
-
     void replies_data()
     {
         QTest::addColumn<QString>("model");

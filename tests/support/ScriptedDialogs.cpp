@@ -6,6 +6,17 @@ using namespace Qt::StringLiterals;
 
 namespace sx::test {
 
+namespace {
+
+// The next scripted answer; without one the dialog counts as unexpected.
+template <typename T> T take(QList<T>& answers, ScriptedDialogs::Shown& s, T fallback = {})
+{
+    s.unexpected = answers.isEmpty();
+    return s.unexpected ? fallback : answers.takeFirst();
+}
+
+} // namespace
+
 ScriptedDialogs::Shown& ScriptedDialogs::record(Shown s)
 {
     m_shown.append(std::move(s));
@@ -26,11 +37,7 @@ QList<ScriptedDialogs::Shown> ScriptedDialogs::messages() const
 
 bool ScriptedDialogs::anyUnexpected() const
 {
-    for (const Shown& s : m_shown) {
-        if (s.unexpected)
-            return true;
-    }
-    return false;
+    return std::any_of(m_shown.begin(), m_shown.end(), [](const Shown& s) { return s.unexpected; });
 }
 
 int ScriptedDialogs::pendingAnswers() const
@@ -44,16 +51,11 @@ DialogService::Answer ScriptedDialogs::message(QWidget*, Icon icon, const QStrin
                                                const QString& text, Buttons buttons)
 {
     Shown s{u"message"_s, icon, buttons, title, text, {}, false};
-    Answer a = buttons == Buttons::Ok      ? Answer::Ok
-               : buttons == Buttons::YesNo ? Answer::No
-                                           : Answer::Cancel;
     // A box with only OK needs no script.
-    if (buttons != Buttons::Ok) {
-        if (m_messages.isEmpty())
-            s.unexpected = true;
-        else
-            a = m_messages.takeFirst();
-    }
+    const Answer a =
+        buttons == Buttons::Ok
+            ? Answer::Ok
+            : take(m_messages, s, buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
     record(s);
     return a;
 }
@@ -62,11 +64,7 @@ std::optional<QString> ScriptedDialogs::inputText(QWidget*, const QString& title
                                                   const QString& prompt, const QString& defaultText)
 {
     Shown s{u"input"_s, Icon::None, Buttons::OkCancel, title, prompt, {defaultText}, false};
-    std::optional<QString> a;
-    if (m_inputs.isEmpty())
-        s.unexpected = true;
-    else
-        a = m_inputs.takeFirst();
+    const std::optional<QString> a = take(m_inputs, s);
     record(s);
     return a;
 }
@@ -75,11 +73,7 @@ std::optional<QString> ScriptedDialogs::codePrompt(QWidget*, const QString& titl
                                                    const QString& label)
 {
     Shown s{u"code"_s, Icon::None, Buttons::OkCancel, title, label, {}, false};
-    std::optional<QString> a;
-    if (m_codes.isEmpty())
-        s.unexpected = true;
-    else
-        a = m_codes.takeFirst();
+    const std::optional<QString> a = take(m_codes, s);
     record(s);
     return a;
 }
@@ -93,11 +87,7 @@ std::optional<DialogService::Selection> ScriptedDialogs::selection(QWidget*, con
     if (!second.isEmpty())
         items << u"|"_s << second;
     Shown s{u"selection"_s, Icon::None, Buttons::OkCancel, caption, label, items, false};
-    std::optional<Selection> a;
-    if (m_selections.isEmpty())
-        s.unexpected = true;
-    else
-        a = m_selections.takeFirst();
+    const std::optional<Selection> a = take(m_selections, s);
     record(s);
     return a;
 }
@@ -106,11 +96,7 @@ QString ScriptedDialogs::openFileName(QWidget*, const QString& title, const QStr
                                       const QString& proposed)
 {
     Shown s{u"open"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false};
-    QString a;
-    if (m_files.isEmpty())
-        s.unexpected = true;
-    else
-        a = m_files.takeFirst();
+    const QString a = take(m_files, s);
     record(s);
     return a;
 }
@@ -119,11 +105,7 @@ QString ScriptedDialogs::saveFileName(QWidget*, const QString& title, const QStr
                                       const QString& proposed)
 {
     Shown s{u"save"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false};
-    QString a;
-    if (m_files.isEmpty())
-        s.unexpected = true;
-    else
-        a = m_files.takeFirst();
+    const QString a = take(m_files, s);
     record(s);
     return a;
 }
@@ -131,15 +113,9 @@ QString ScriptedDialogs::saveFileName(QWidget*, const QString& title, const QStr
 bool ScriptedDialogs::printDialog(QWidget*, QPrinter& printer)
 {
     Shown s{u"print"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false};
-    bool accept = false;
-    if (m_prints.isEmpty()) {
-        s.unexpected = true;
-    } else {
-        auto [ok, setup] = m_prints.takeFirst();
-        accept = ok;
-        if (setup)
-            setup(printer);
-    }
+    const auto [accept, setup] = take(m_prints, s);
+    if (setup)
+        setup(printer);
     record(s);
     return accept;
 }
@@ -156,16 +132,9 @@ void ScriptedDialogs::printPreview(QWidget*, QPrinter& printer,
 bool ScriptedDialogs::settingsDialog(QWidget*)
 {
     Shown s{u"settings"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false};
-    bool accepted = false;
-    std::function<bool()> hook;
-    if (m_settings.isEmpty())
-        s.unexpected = true;
-    else
-        hook = m_settings.takeFirst();
+    const std::function<bool()> hook = take(m_settings, s);
     record(s);
-    if (hook)
-        accepted = hook();
-    return accepted;
+    return hook && hook();
 }
 
 } // namespace sx::test
