@@ -3,6 +3,7 @@
 #include "app/Colors.h"
 #include "app/NavigationFrame.h"
 #include "app/UnitList.h"
+#include "sim/Seeder.h"
 #include "sim/SimSchema.h"
 #include "views/messages/MessagesBuilder.h"
 #include "views/messages/MessagesWindow.h"
@@ -131,7 +132,7 @@ private slots:
         emit w.systemSelect()->activated(0);
         QCOMPARE(shownText(w), before);
         // Emptied lists are centred; the indicator is set on opening only.
-        QVERIFY(clearMessages(m_fx->db));
+        QVERIFY(!sim::clearAllData(m_fx->db).isError());
         QTest::mouseClick(w.newButton(), Qt::LeftButton);
         QCOMPARE(shownText(w), u"ΔΕΝ ΥΠΑΡΧΟΥΝ ΝΕΑ ΜΗΝΥΜΑΤΑ"_s);
         QCOMPARE(alignment(w), Qt::AlignHCenter);
