@@ -31,11 +31,13 @@ private slots:
         QVERIFY(m_fx->ready() && seedMessages(m_fx->db, u"U S1,'1','Αποθήκη',1"_s));
     }
     void cleanup() { m_fx.reset(); }
-    void nothingToPrintAndNothingRebuilt_data()
+    // Nothing left to print: a box, and the text is not rebuilt. The printer
+    // dialog cancelled: nothing printed, but the text is rebuilt.
+    void nothingPrinted_data()
     {
         QTest::addColumn<bool>("archive");
         QTest::addColumn<QString>("left"); // what stays in the database
-        QTest::addColumn<QString>("box");
+        QTest::addColumn<QString>("box");  // empty: the printer dialog is cancelled
 
         const QString newBox = u"Δέν υπάρχουν νέα μηνύματα για εκτύπωση"_s;
         QTest::newRow("new, none") << false << u""_s << newBox;
@@ -43,9 +45,10 @@ private slots:
         QTest::newRow("archive, new and fault only")
             << true << u"P S1,1,0,NULL,60,1; F S1,0,'3'"_s
             << u"Δέν υπάρχουν αρχειοθετημένα μηνύματα για εκτύπωση"_s;
+        QTest::newRow("printer cancelled") << false << u"E S1,7,1,1,5,NULL,60,1"_s << QString();
     }
 
-    void nothingToPrintAndNothingRebuilt()
+    void nothingPrinted()
     {
         QFETCH(bool, archive);
         QFETCH(QString, left);
@@ -57,26 +60,20 @@ private slots:
         const QString before = w.textBox()->toPlainText();
         QVERIFY(!m_fx->db.exec(u"DELETE FROM Sensors_Events"_s).isError());
         QVERIFY(seedMessages(m_fx->db, left));
+        const QString pdf = m_fx->answerPdf(false);
 
         w.printList();
         QCOMPARE(m_fx->dialogs.shown().size(), 1);
         const auto& shown = m_fx->dialogs.shown().first();
+        QVERIFY(!QFile::exists(pdf));
+        if (box.isEmpty()) {
+            QVERIFY(w.textBox()->toPlainText().contains(u"ΖΩΝΗΣ [7]"_s));
+            return;
+        }
         QCOMPARE(shown.text, box);
         QCOMPARE(shown.icon, DialogService::Icon::Exclamation);
         QCOMPARE(shown.title, QString());
         QCOMPARE(w.textBox()->toPlainText(), before);
-    }
-
-    void cancelledPrinterPrintsNothingButRebuilds()
-    {
-        QVERIFY(seedMessages(m_fx->db, u"E S1,1,1,1,5,NULL,60,1"_s));
-        MessagesWindow w(m_fx->ctx);
-        QVERIFY(seedMessages(m_fx->db, u"E S1,7,1,1,5,NULL,60,1"_s));
-        const QString pdf = m_fx->answerPdf(false);
-        w.printList();
-        QCOMPARE(m_fx->dialogs.shown().size(), 1);
-        QVERIFY(w.textBox()->toPlainText().contains(u"ΖΩΝΗΣ [7]"_s));
-        QVERIFY(!QFile::exists(pdf));
     }
 
     void titleDateTextAndEnd_data()
