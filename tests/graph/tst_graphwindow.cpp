@@ -201,10 +201,7 @@ private slots:
         // The click that ends a drag adds no marker; the band is gone.
         QVERIFY(g->state().markers.empty());
         QVERIFY(!g->chart()->rubberBand());
-        QCOMPARE(g->hScroll()->maximum(), 99);
         QCOMPARE(g->hScroll()->value(), 50);
-        QCOMPARE(g->vScroll()->maximum(), 14);
-        QCOMPARE(g->vScroll()->value(), 7);
 
         // A drag within one minute zooms nowhere.
         dragFromTo(g, {40.1, 20}, {40.3, 10});
