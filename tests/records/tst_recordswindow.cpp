@@ -67,9 +67,31 @@ private slots:
         m_fx.reset();
     }
 
-    void layoutCaptionsAndMenus()
+    void startUpSelectsTheClocksMonthWithoutQueryingAndTheLayoutFits()
     {
-        open();
+        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        QCOMPARE(m_w->queriesRun(), 0);
+        QVERIFY(!m_w->loading());
+        // The third without its accent, exactly as listed.
+        QCOMPARE(
+            comboTexts(m_w->monthSelect()),
+            (QStringList{u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s, u"Απρίλιος"_s, u"Μάιος"_s,
+                         u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
+                         u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
+        QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
+        QCOMPARE(m_w->monthText(), u"Μαρτιος"_s);
+        QCOMPARE(m_w->yearText(), u"2026"_s);
+        // At creation: lists enabled, record commands disabled.
+        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled() &&
+                m_w->yearSelect()->isEnabled());
+        QCOMPARE(commandsOn(*m_w), 0);
+
+        fillSystemSelect(*m_w, 0, false);
+        QCOMPARE(m_w->queriesRun(), 2); // the zone list, then the first zone's records
+        chooseItem(m_w->monthSelect(), 1);
+        QCOMPARE(m_w->queriesRun(), 3);
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+
         m_w->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
         QCOMPARE(m_w->windowTitle(), u"SENTORAX Monitor / Αρχείο καταγραφών"_s);
@@ -124,32 +146,6 @@ private slots:
         QVERIFY2(total <= grid->viewport()->width(), qPrintable(QString::number(total)));
     }
 
-    void startUpSelectsTheClocksMonthWithoutQuerying()
-    {
-        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
-        QCOMPARE(m_w->queriesRun(), 0);
-        QVERIFY(!m_w->loading());
-        // The third without its accent, exactly as listed.
-        QCOMPARE(
-            comboTexts(m_w->monthSelect()),
-            (QStringList{u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s, u"Απρίλιος"_s, u"Μάιος"_s,
-                         u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
-                         u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
-        QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
-        QCOMPARE(m_w->monthText(), u"Μαρτιος"_s);
-        QCOMPARE(m_w->yearText(), u"2026"_s);
-        // At creation: lists enabled, record commands disabled.
-        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled() &&
-                m_w->yearSelect()->isEnabled());
-        QCOMPARE(commandsOn(*m_w), 0);
-
-        fillSystemSelect(*m_w, 0, false);
-        QCOMPARE(m_w->queriesRun(), 2); // the zone list, then the first zone's records
-        chooseItem(m_w->monthSelect(), 1);
-        QCOMPARE(m_w->queriesRun(), 3);
-        QVERIFY(m_fx->dialogs.shown().isEmpty());
-    }
-
     void zoneFillsTheGridNewestFirstWithItsLimits()
     {
         open();
@@ -190,21 +186,17 @@ private slots:
         QCOMPARE(shared->records.front().secs, at(u"2026-03-02 13:00:00"_s));
         QCOMPARE(shared->records.front().sensorType, quint8(3));
         QCOMPARE(shared->minLimitText + shared->maxLimitText, u"10.030.0"_s);
-    }
 
-    void contactZoneShowsStatesAndNoLimits()
-    {
-        open();
+        // A contact zone: states in the normal colour, no limits.
         chooseItem(m_w->sensorSelect(), 1);
-        RecordsModel* model = m_w->model();
         QCOMPARE(model->rowCount(), 3);
         for (int r = 0; r < 3; ++r) {
             QCOMPARE(model->index(r, 1).data().toString(), r < 2 ? u"ΑΝΟΙΧΤΗ"_s : u"ΚΛΕΙΣΤΗ"_s);
             QCOMPARE(textColor(model->index(r, 1)), QColor());
         }
         QCOMPARE(m_w->minLimitCaption() + m_w->maxLimitCaption(), QString());
-        const auto shared = m_fx->ctx.loadedRecords;
-        QCOMPARE(shared->minLimitText + shared->maxLimitText, QString());
+        QCOMPARE(m_fx->ctx.loadedRecords->minLimitText + m_fx->ctx.loadedRecords->maxLimitText,
+                 QString());
     }
 
     void choosingTheShownEntryAgainFetchesNewRecords()
