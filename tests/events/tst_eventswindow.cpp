@@ -71,7 +71,7 @@ private slots:
         m_fx.reset();
     }
 
-    void startUpSetsThePeriodWithoutFillingAndTheLayoutFits()
+    void startUpWithoutFillingThenLayoutAndWrappedRows()
     {
         m_w = std::make_unique<EventsWindow>(m_fx->ctx);
         QCOMPARE(m_w->fills(), 0);
@@ -117,6 +117,23 @@ private slots:
                     fm.horizontalAdvance(EventsModel::headerText(c)));
         QVERIFY(m_w->grid()->viewport()->width() >=
                 m_w->grid()->columnWidth(0) + m_w->grid()->columnWidth(1));
+
+        // A description wider than its column gets a row that fits it wrapped whole.
+        chooseItem(m_w->systemSelect(), 3);
+        pickSource(u"Παράκαμψη ζώνης"_s);
+        const QString text = m_w->model()->descriptionText(0);
+        const int column = m_w->grid()->columnWidth(EventsModel::DescriptionColumn);
+        QVERIFY(fm.horizontalAdvance(text) > column);
+        QVERIFY(m_w->model()->lines(0) >= 2);
+        const QRectF needed =
+            fm.boundingRect(QRectF(0, 0, column - 8, 1e6), Qt::TextWordWrap, text);
+        QVERIFY2(m_w->grid()->rowHeight(0) >= needed.height(),
+                 qPrintable(u"%1 < %2"_s.arg(m_w->grid()->rowHeight(0)).arg(needed.height())));
+        // A short one keeps a single line.
+        pickSource(u"Δίκτυο ρεύματος"_s);
+        m_w->kindOption(2)->click();
+        QCOMPARE(m_w->model()->lines(0), 1);
+        QCOMPARE(m_w->grid()->rowHeight(0), m_w->grid()->verticalHeader()->defaultSectionSize());
     }
 
     // The list per unit; each entry fills once and sets the kind options, every
@@ -270,31 +287,6 @@ private slots:
         QVERIFY(m_w->isEnabled());
         QVERIFY(!GuiFixture::waitWindowShown());
         QVERIFY(m_fx->dialogs.shown().isEmpty());
-    }
-
-    void descriptionsWiderThanTheColumnGetTallerRows()
-    {
-        open(3);
-        pickSource(u"Παράκαμψη ζώνης"_s);
-        m_w->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
-        QCOMPARE(m_w->model()->rowCount(), 1);
-        const QFontMetricsF fm(m_w->grid()->font());
-        const QString text = m_w->model()->descriptionText(0);
-        const int column = m_w->grid()->columnWidth(EventsModel::DescriptionColumn);
-        QVERIFY(fm.horizontalAdvance(text) > column);
-        QVERIFY(m_w->model()->lines(0) >= 2);
-        // The whole wrapped text fits the row it is given.
-        const QRectF needed =
-            fm.boundingRect(QRectF(0, 0, column - 8, 1e6), Qt::TextWordWrap, text);
-        QVERIFY2(m_w->grid()->rowHeight(0) >= needed.height(),
-                 qPrintable(u"%1 < %2"_s.arg(m_w->grid()->rowHeight(0)).arg(needed.height())));
-
-        // A short one keeps a single line.
-        pickSource(u"Δίκτυο ρεύματος"_s);
-        m_w->kindOption(2)->click();
-        QCOMPARE(m_w->model()->lines(0), 1);
-        QCOMPARE(m_w->grid()->rowHeight(0), m_w->grid()->verticalHeader()->defaultSectionSize());
     }
 
     void choosingTheShownPeriodAgainFetchesNewEvents()
