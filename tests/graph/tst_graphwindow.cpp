@@ -35,11 +35,6 @@ namespace {
 
 constexpr int kSeries = 2000; // one-minute records from 2 March 2026 00:00
 
-qint64 at(const QString& when)
-{
-    return *parseSqlDateTime(QStringView(when));
-}
-
 // Minute i of the series: 5 to 23 in steps of 0.5, so the range is 0 to 30.
 double seriesValue(int i)
 {
@@ -281,16 +276,11 @@ private slots:
         dragFromTo(g, {left, 4.5}, {right, 1.5});
         const graph::GraphView zoomed = g->state().view;
         QVERIFY(zoomed.spanMinutes >= 900 && zoomed.spanMinutes <= 1100);
-        const int free = full.spanMinutes - zoomed.spanMinutes;
         QCOMPARE(g->hScroll()->maximum(), 32767);
-        QCOMPARE(g->state().scrollFactor, 32767.0 / free);
-
+        // The bar's sums are tst_graphrules' part; here one step is one minute and the end
+        // is the full range's end.
         g->hScroll()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
         QCOMPARE(g->state().view.startSecs, zoomed.startSecs + 60);
-        const qint64 before = g->state().view.startSecs;
-        g->hScroll()->triggerAction(QAbstractSlider::SliderPageStepAdd);
-        const double minutes = g->hScroll()->pageStep() / g->state().scrollFactor;
-        QCOMPARE(g->state().view.startSecs, before + qint64(graph::roundHalfEven(minutes)) * 60);
         g->hScroll()->triggerAction(QAbstractSlider::SliderToMaximum);
         QCOMPARE(g->state().view.startSecs + qint64(g->state().view.spanMinutes) * 60,
                  full.startSecs + qint64(full.spanMinutes) * 60);

@@ -9,6 +9,12 @@
 // as the events view's tests write them.
 namespace sx::test {
 
+// Seconds of a wall-clock time "YYYY-MM-DD HH:MM:SS".
+inline qint64 at(const QString& when)
+{
+    return *parseSqlDateTime(QStringView(when));
+}
+
 struct ZoneRow {
     int number = 1;
     QString name; // SQL literal: "'Ψυγείο'", "''", "NULL"
@@ -41,8 +47,7 @@ public:
                 qint64 sn)
     {
         return series(
-            serial, point, *parseSqlDateTime(QStringView(when)), 0, 1,
-            [value](int) { return value; }, type, sn);
+            serial, point, at(when), 0, 1, [value](int) { return value; }, type, sn);
     }
 
     // `count` records `stepSecs` apart from `fromSecs`; value and type by index.

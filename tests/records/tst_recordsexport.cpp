@@ -271,10 +271,8 @@ private slots:
         QVERIFY(s.zone(u"A-100"_s, {.number = 1, .name = u"'Θερμοκρασία & <υγρασία>'"_s}));
         QVERIFY(s.zone(u"A-100"_s, {.number = 5, .name = u"NULL"_s, .type = 2}));
         const double values[] = {20, 30.5, 9.5, 25, 21, 22};
-        for (int i = 0; i < 6; ++i) {
-            const qint64 when = *parseSqlDateTime(QStringView(u"2026-03-02 08:00:00")) + i * 3600;
-            QVERIFY(s.record(u"A-100"_s, 1, sqlDateTimeText(when), values[i], 0, i + 1));
-        }
+        QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-02 08:00:00"_s), 3600, 6,
+                         [&values](int i) { return values[i]; }));
         QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 10:00:00"_s, 1, 2, 1));
         m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
     }

@@ -191,8 +191,8 @@ private:
 void TestRecordsReport::open(int records)
 {
     RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, *parseSqlDateTime(QStringView(u"2026-03-01 00:00:00")), 60,
-                     records, [](int i) { return -20.0 + (i % 500) * 0.1; }));
+    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-01 00:00:00"_s), 60, records,
+                     [](int i) { return -20.0 + (i % 500) * 0.1; }));
     m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
     fillSystemSelect(*m_w, 0, false);
     QCOMPARE(m_w->model()->rowCount(), records);

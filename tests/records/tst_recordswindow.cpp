@@ -27,11 +27,6 @@ using namespace sx::test;
 
 namespace {
 
-qint64 at(const QString& when)
-{
-    return *parseSqlDateTime(QStringView(when));
-}
-
 QColor textColor(const QModelIndex& index)
 {
     const QVariant v = index.data(Qt::ForegroundRole);
@@ -212,7 +207,7 @@ private slots:
         }
     }
 
-    void unitWithoutZonesDisablesTheListsSilently()
+    void unitWithoutZonesDisablesTheListsSilentlyAndFailuresAreReported()
     {
         open();
         QCOMPARE(m_w->model()->rowCount(), 6);
@@ -229,6 +224,28 @@ private slots:
         chooseItem(m_w->systemSelect(), 0);
         QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
         QCOMPARE(m_w->model()->rowCount(), 6);
+
+        // Failures are reported and the window stays usable.
+        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
+        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
+        QVERIFY(m_fx->exec(u"ALTER TABLE Records RENAME TO Records_away"_s));
+        chooseItem(m_w->monthSelect(), 12);
+        QCOMPARE(m_fx->dialogs.messages().size(), 1);
+        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
+        QCOMPARE(commandsOn(*m_w), 0);
+        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
+
+        // The table is back: the next selection loads, and a later failure is news again.
+        QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
+        chooseItem(m_w->monthSelect(), 2);
+        QCOMPARE(m_w->model()->rowCount(), 6);
+        QVERIFY(m_w->saveAction()->isEnabled());
+        QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
+        emit m_w->systemSelect()->activated(0);
+        QCOMPARE(m_fx->dialogs.messages().size(), 2);
+        QVERIFY(!m_w->sensorSelect()->isEnabled());
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
     }
 
     void decemberAndWholeYearKeepTheirEdges()
@@ -325,31 +342,6 @@ private slots:
         QVERIFY(m_w->model()->rowCount() > 60000);
     }
 
-    void failuresAreReportedAndTheWindowStaysUsable()
-    {
-        open();
-        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
-        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
-        QVERIFY(m_fx->exec(u"ALTER TABLE Records RENAME TO Records_away"_s));
-        chooseItem(m_w->monthSelect(), 12);
-        QCOMPARE(m_fx->dialogs.messages().size(), 1);
-        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
-        QCOMPARE(commandsOn(*m_w), 0);
-        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
-
-        // The table is back: the next selection loads, and a later failure is news again.
-        QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
-        chooseItem(m_w->monthSelect(), 2);
-        QCOMPARE(m_w->model()->rowCount(), 6);
-        QVERIFY(m_w->saveAction()->isEnabled());
-        QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
-        emit m_w->systemSelect()->activated(0);
-        QCOMPARE(m_fx->dialogs.messages().size(), 2);
-        QVERIFY(!m_w->sensorSelect()->isEnabled());
-        QCOMPARE(m_w->model()->rowCount(), 0);
-        QVERIFY(!m_fx->dialogs.anyUnexpected());
-    }
-
 private:
     void seed()
     {
@@ -359,12 +351,11 @@ private:
         QVERIFY(s.zone(u"A-100"_s, {.number = 1, .name = u"'Ψυγείο'"_s}));
         QVERIFY(s.zone(u"A-100"_s, {.number = 5, .name = u"NULL"_s, .type = 2}));
         QVERIFY(s.zone(u"A-100"_s, {.number = 8, .name = u"'Άδεια'"_s, .pageBytes = 0}));
-        const double march[] = {20, 30, 30.5, 10, 9.5, 25};
-        for (int i = 0; i < 6; ++i) {
-            QVERIFY(s.record(u"A-100"_s, 1,
-                             sqlDateTimeText(at(u"2026-03-02 08:00:00"_s) + i * 3600), march[i],
-                             i == 5 ? 3 : 0, 100 + i));
-        }
+        const double march[] = {20, 30, 30.5, 10, 9.5};
+        QVERIFY(s.series(
+            u"A-100"_s, 1, at(u"2026-03-02 08:00:00"_s), 3600, 5,
+            [&march](int i) { return march[i]; }, 0, 100));
+        QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 13:00:00"_s, 25, 3, 105));
         QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 10:00:00"_s, 0.5, 2, 1));
         QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 11:00:00"_s, 0, 2, 2));
         QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 12:00:00"_s, -1, 2, 3));
