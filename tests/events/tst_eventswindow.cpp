@@ -79,8 +79,7 @@ private slots:
         QCOMPARE(m_w->monthSelect()->currentText(), u"Μαρτιος"_s);
         QCOMPARE(m_w->yearSelect()->currentText(), u"2026"_s);
         QVERIFY(!m_w->sensorSelect()->isEnabled());
-        QVERIFY(!m_w->markButton()->isEnabled());
-        QVERIFY(!m_w->printAction()->isEnabled());
+        QVERIFY(!m_w->markButton()->isEnabled() && !m_w->printAction()->isEnabled());
         QVERIFY(m_w->kindOption(0)->isChecked());
         QVERIFY(m_w->newOption(0)->isChecked());
         // The unit arrives with the navigation: one list, one fill.
@@ -183,8 +182,7 @@ private slots:
         if (!any) {
             QCOMPARE(m_w->fills(), 0);
             QCOMPARE(m_w->model()->rowCount(), 0);
-            QVERIFY(!m_w->markButton()->isEnabled());
-            QVERIFY(!m_w->printAction()->isEnabled());
+            QVERIFY(!m_w->markButton()->isEnabled() && !m_w->printAction()->isEnabled());
             return;
         }
         QCOMPARE(m_w->sensorSelect()->currentText(), u"ΟΛΑ"_s);
@@ -284,8 +282,7 @@ private slots:
         m_w->grid()->selectAll();
         QCOMPARE(m_w->selectedRows(),
                  (any ? std::pair{0, int(rows.size()) - 1} : std::pair{-1, -1}));
-        QVERIFY(m_w->isEnabled());
-        QVERIFY(!GuiFixture::waitWindowShown());
+        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
         QVERIFY(m_fx->dialogs.shown().isEmpty());
     }
 
@@ -345,8 +342,7 @@ private slots:
         QCOMPARE(s.acks(u"A-1"_s), acksA);
         QCOMPARE(s.acks(u"B-2"_s), acksB);
         QCOMPARE(m_w->model()->rowCount(), rowsAfter);
-        QVERIFY(m_w->isEnabled());
-        QVERIFY(!GuiFixture::waitWindowShown());
+        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
         const auto shown = m_fx->dialogs.shown();
         QCOMPARE(shown.size(), refused ? 1 : 0);
         if (!refused)
@@ -382,10 +378,8 @@ private slots:
         QCOMPARE(m_fx->dialogs.messages().first().icon, DialogService::Icon::Critical);
         QCOMPARE(m_fx->dialogs.messages().first().title, u"SENTORAX Monitor"_s);
         QCOMPARE(m_w->model()->rowCount(), 0);
-        QVERIFY(!m_w->markButton()->isEnabled());
-        QVERIFY(!m_w->printAction()->isEnabled());
-        QVERIFY(m_w->isEnabled());
-        QVERIFY(!GuiFixture::waitWindowShown());
+        QVERIFY(!m_w->markButton()->isEnabled() && !m_w->printAction()->isEnabled());
+        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
         // The source list fails too: the user's every action is explained.
         emit m_w->systemSelect()->activated(1);
         QVERIFY(m_w->sources().isEmpty());
