@@ -60,9 +60,10 @@ public:
         return out.join(u' ');
     }
 
-    bool run(const QString& sql)
+    bool run(const QString& sql) { return ok(m_db.exec(sql), sql); }
+
+    static bool ok(const DbError& e, const QString& sql = {})
     {
-        const DbError e = m_db.exec(sql);
         if (e.isError())
             qWarning("%s\n  in: %s", qPrintable(e.description), qPrintable(sql.left(300)));
         return !e.isError();

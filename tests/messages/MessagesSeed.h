@@ -43,14 +43,4 @@ inline bool seedMessages(Database& db, const QString& script)
     return true;
 }
 
-inline bool clearMessages(Database& db)
-{
-    for (const char16_t* t : {u"Systems_Info", u"Sensors_Info", u"Powermonitoring_Info",
-                              u"Systems_Faults", u"Sensors_Events", u"Powermonitoring_Events"}) {
-        if (db.exec(u"DELETE FROM "_s + QString::fromUtf16(t)).isError())
-            return false;
-    }
-    return true;
-}
-
 } // namespace sx::test

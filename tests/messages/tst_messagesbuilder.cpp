@@ -1,5 +1,6 @@
 #include "MessagesSeed.h"
 #include "ScratchDatabase.h"
+#include "sim/Seeder.h"
 #include "sim/SimSchema.h"
 #include "views/messages/MessagesBuilder.h"
 
@@ -42,7 +43,7 @@ private slots:
         SX_REQUIRE_DB(m_scratch);
         QVERIFY(m_scratch.open(m_db));
     }
-    void init() { QVERIFY(clearMessages(m_db)); }
+    void init() { QVERIFY(!sim::clearAllData(m_db).isError()); }
     void text_data()
     {
         QTest::addColumn<int>("kind");

@@ -1,14 +1,18 @@
 #include "GuiFixture.h"
 #include "MessagesSeed.h"
+#include "PdfText.h"
 #include "app/Colors.h"
 #include "app/NavigationFrame.h"
 #include "app/UnitList.h"
+#include "model/Formatting.h"
+#include "sim/Seeder.h"
 #include "sim/SimSchema.h"
 #include "views/messages/MessagesBuilder.h"
 #include "views/messages/MessagesWindow.h"
 
 #include <QAction>
 #include <QComboBox>
+#include <QFile>
 #include <QGroupBox>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -45,6 +49,9 @@ QColor indicator(MessagesWindow& w)
 {
     return w.navigation()->button(ViewId::Messages)->property("sxColor").value<QColor>();
 }
+
+// The unit of the printing tests.
+const QString kStore = u"U S1,'1','Αποθήκη',1;"_s;
 
 } // namespace
 
@@ -131,7 +138,7 @@ private slots:
         emit w.systemSelect()->activated(0);
         QCOMPARE(shownText(w), before);
         // Emptied lists are centred; the indicator is set on opening only.
-        QVERIFY(clearMessages(m_fx->db));
+        QVERIFY(!sim::clearAllData(m_fx->db).isError());
         QTest::mouseClick(w.newButton(), Qt::LeftButton);
         QCOMPARE(shownText(w), u"ΔΕΝ ΥΠΑΡΧΟΥΝ ΝΕΑ ΜΗΝΥΜΑΤΑ"_s);
         QCOMPARE(alignment(w), Qt::AlignHCenter);
@@ -188,6 +195,114 @@ private slots:
         QVERIFY(shownText(w).contains(u"ΜΗΝΥΜΑΤΑ ΤΗΣ ΖΩΝΗΣ [1]"_s));
         QCOMPARE(m_fx->dialogs.messages().size(), 2);
         QVERIFY(!m_fx->failures->inOutage());
+    }
+
+    void nothingPrinted_data()
+    {
+        QTest::addColumn<bool>("archive");
+        QTest::addColumn<QString>("left"); // what stays in the database
+        QTest::addColumn<QString>("box");  // empty: the printer dialog is cancelled
+
+        const QString newBox = u"Δέν υπάρχουν νέα μηνύματα για εκτύπωση"_s;
+        QTest::newRow("new, none") << false << u""_s << newBox;
+        QTest::newRow("new, archived only") << false << u"P S1,1,0,NULL,60,0"_s << newBox;
+        QTest::newRow("archive, new and fault only")
+            << true << u"P S1,1,0,NULL,60,1; F S1,0,'3'"_s
+            << u"Δέν υπάρχουν αρχειοθετημένα μηνύματα για εκτύπωση"_s;
+        QTest::newRow("printer cancelled") << false << u"E S1,7,1,1,5,NULL,60,1"_s << QString();
+    }
+
+    void nothingPrinted()
+    {
+        QFETCH(bool, archive);
+        QFETCH(QString, left);
+        QFETCH(QString, box);
+        QVERIFY(
+            seedMessages(m_fx->db, kStore + u"E S1,1,1,1,5,NULL,60,1; E S1,1,2,1,5,NULL,60,0"_s));
+        MessagesWindow w(m_fx->ctx);
+        if (archive)
+            QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
+        const QString before = w.textBox()->toPlainText();
+        QVERIFY(!m_fx->db.exec(u"DELETE FROM Sensors_Events"_s).isError());
+        QVERIFY(seedMessages(m_fx->db, left));
+        const QString pdf = m_fx->answerPdf(false);
+
+        w.printList();
+        QCOMPARE(m_fx->dialogs.shown().size(), 1);
+        const auto& shown = m_fx->dialogs.shown().first();
+        QVERIFY(!QFile::exists(pdf));
+        if (box.isEmpty()) {
+            QVERIFY(w.textBox()->toPlainText().contains(u"ΖΩΝΗΣ [7]"_s));
+            return;
+        }
+        QCOMPARE(shown.text, box);
+        QCOMPARE(shown.icon, DialogService::Icon::Exclamation);
+        QCOMPARE(shown.title, QString());
+        QCOMPARE(w.textBox()->toPlainText(), before);
+    }
+
+    // Title, date and text, then the end box after the last line, on its page or at
+    // the top of the next; a long text runs over pages without a title, every value
+    // once and in order.
+    void printedPages_data()
+    {
+        QTest::addColumn<bool>("archive");
+        QTest::addColumn<int>("messages"); // of zone 1; none: a fault and a power message
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("end");
+        // The unit has a fault and no new message: it is printed in the new list.
+        QTest::newRow("new") << false << 0 << u"SENTORAX Monitor / ΝΕΑ ΜΗΝΥΜΑΤΑ"_s
+                             << u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s << u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s;
+        QTest::newRow("archive") << true << 0 << u"SENTORAX Monitor / ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ"_s
+                                 << u"ΤΑΣΗ ΔΙΚΤΥΟΥ [1]:ΚΑΝΟΝΙΚΗ"_s << u"ΤΕΛΟΣ ΑΡΧΕΙΟY ΜΗΝΥΜΑΤΩΝ"_s;
+        QTest::newRow("long") << false << 150 << u"SENTORAX Monitor / ΝΕΑ ΜΗΝΥΜΑΤΑ"_s
+                              << u"ΕΚΤΟΣ ΟΡΙΩΝ: 150.0 °C"_s << u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s;
+    }
+
+    void printedPages()
+    {
+        QFETCH(bool, archive);
+        QFETCH(int, messages);
+        QFETCH(QString, title);
+        QFETCH(QString, line);
+        QFETCH(QString, end);
+        QString rows = kStore + u"Z S1,1,'Ψυγείο',0;"_s;
+        for (int i = 1; i <= messages; ++i)
+            rows += u"E S1,1,%1,1,%1,NULL,60,1;"_s.arg(i);
+        QVERIFY(
+            seedMessages(m_fx->db, messages ? rows : rows + u"F S1,0,'3'; P S1,1,16,NULL,60,0"_s));
+        MessagesWindow w(m_fx->ctx);
+        if (archive)
+            QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
+        const QString pdf = m_fx->answerPdf();
+        const QString dateBefore = greekDateTime(m_fx->clock.now(), true);
+        w.printList();
+        const QString dateAfter = greekDateTime(m_fx->clock.now(), true);
+
+        const QList<QStringList> pages = pdfLines(pdf);
+        QVERIFY2(messages ? pages.size() >= 3 : pages.size() == 1,
+                 qPrintable(QString::number(pages.size())));
+        const QStringList& lines = pages.first();
+        QCOMPARE(lines.at(0), title);
+        QVERIFY2(lines.at(1) == dateBefore || lines.at(1) == dateAfter, qPrintable(lines.at(1)));
+        QCOMPARE(lines.at(2), w.messageText().section(u"\r\n"_s, 0, 0));
+        QStringList all;
+        QStringList values;
+        for (const QStringList& page : pages) {
+            QVERIFY(!page.first().startsWith(u"SENTORAX Monitor"_s) || &page == &pages.first());
+            all << page;
+        }
+        for (const QString& l : all) {
+            if (l.startsWith(u"ΕΚΤΟΣ ΟΡΙΩΝ: "_s))
+                values << l;
+        }
+        QStringList expected;
+        for (int i = 1; i <= messages; ++i)
+            expected << u"ΕΚΤΟΣ ΟΡΙΩΝ: %1.0 °C"_s.arg(i);
+        QCOMPARE(values, expected);
+        QCOMPARE(all.last(), end);
+        QCOMPARE(all.at(all.size() - 2), line);
     }
 
 private:

@@ -1,5 +1,4 @@
 #include "../current/CurrentSeed.h"
-#include "../events/EventsSeed.h"
 #include "../records/RecordsSeed.h"
 #include "ChooseItem.h"
 #include "FaultProxy.h"
@@ -87,9 +86,8 @@ class TestFaults : public QObject {
              !db.exec(u"UPDATE Sensors_Info SET SeI_RecordsTable_Pagebyteswrit=64"_s).isError() &&
              !db.exec(u"UPDATE Systems_Info SET SyI_EventsTable_Pagebyteswritt=32"_s).isError();
         const qint64 from = *parseSqlDateTime(u"2026-03-02 00:00:00");
-        ok = ok && RecordsSeed(db).series(u"S-1"_s, 1, from, 3600, kRecords,
-                                          [](int i) { return 20.0 + i; });
-        EventsSeed e(db);
+        RecordsSeed e(db);
+        ok = ok && e.series(u"S-1"_s, 1, from, 3600, kRecords, [](int i) { return 20.0 + i; });
         for (int i = 1; i <= kEvents; ++i)
             ok = ok && e.event(u"S-1"_s, i, u"2026-03-0%1 08:00:00"_s.arg(i), 1, 1);
         return ok;

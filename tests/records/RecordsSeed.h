@@ -1,19 +1,19 @@
 #pragma once
 
-#include "model/Database.h"
-#include "model/Dialect.h"
-#include "model/SqlDateTime.h"
-
-#include <QString>
-#include <QStringList>
-#include <QtTest>
+#include "../events/EventsSeed.h"
+#include "sim/BulkInsert.h"
 
 #include <functional>
 
-// Units, zones and records written with plain SQL for the records view's tests.
+// Zones and records written with plain SQL for the records view's tests; units
+// as the events view's tests write them.
 namespace sx::test {
 
-using namespace Qt::StringLiterals;
+// Seconds of a wall-clock time "YYYY-MM-DD HH:MM:SS".
+inline qint64 at(const QString& when)
+{
+    return *parseSqlDateTime(QStringView(when));
+}
 
 struct ZoneRow {
     int number = 1;
@@ -27,16 +27,9 @@ struct ZoneRow {
     int lastPage = 0;
 };
 
-class RecordsSeed {
+class RecordsSeed : public EventsSeed {
 public:
-    explicit RecordsSeed(Database& db) : m_db(db) {}
-
-    bool unit(const QString& serial, const QString& name, const QString& location = u"7"_s)
-    {
-        return run(
-            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used, SyI_Online, SyI_Softver, SyI_Model) VALUES (%1, %2, %3, 1, 1, '1.22', 'SENTORAX-1C')"_s
-                .arg(sqlQuote(serial), sqlQuote(location), sqlQuote(name)));
-    }
+    explicit RecordsSeed(Database& db) : EventsSeed(db), m_db(db) {}
 
     bool zone(const QString& serial, const ZoneRow& z)
     {
@@ -53,48 +46,26 @@ public:
     bool record(const QString& serial, int point, const QString& when, double value, int type,
                 qint64 sn)
     {
-        return run(insertHead() +
-                   row(serial, point, *parseSqlDateTime(QStringView(when)), value, type, sn));
+        return series(
+            serial, point, at(when), 0, 1, [value](int) { return value; }, type, sn);
     }
 
     // `count` records `stepSecs` apart from `fromSecs`; value and type by index.
     bool series(const QString& serial, int point, qint64 fromSecs, qint64 stepSecs, int count,
                 const std::function<double(int)>& value, int type = 0, qint64 firstSn = 1)
     {
-        QStringList rows;
-        for (int i = 0; i < count; ++i) {
-            rows << row(serial, point, fromSecs + i * stepSecs, value(i), type, firstSn + i);
-            if (rows.size() == 500 || i == count - 1) {
-                if (!run(insertHead() + rows.join(u", "_s)))
-                    return false;
-                rows.clear();
-            }
-        }
-        return true;
+        sim::BulkInsert rows(m_db, u"Records",
+                             {u"Rec_SyI_Serialnumber"_s, u"Rec_SeI_Sensornumber"_s,
+                              u"Rec_Datetime"_s, u"Rec_Value"_s, u"Rec_Sensortype"_s,
+                              u"Rec_SensRecSN"_s});
+        DbError e;
+        for (int i = 0; i < count && !e.isError(); ++i)
+            e = rows.add({serial, qint64(point), SqlDateTimeValue{fromSecs + i * stepSecs},
+                          value(i), qint64(type), firstSn + i});
+        return ok(e.isError() ? e : rows.finish());
     }
 
 private:
-    static QString insertHead()
-    {
-        return u"INSERT INTO Records (Rec_SyI_Serialnumber, Rec_SeI_Sensornumber, Rec_Datetime, Rec_Value, Rec_Sensortype, Rec_SensRecSN) VALUES "_s;
-    }
-
-    QString row(const QString& serial, int point, qint64 secs, double value, int type,
-                qint64 sn) const
-    {
-        return u"(%1, %2, %3, %4, %5, %6)"_s.arg(
-            sqlQuote(serial), QString::number(point), sqlDateTimeLiteral(m_db.kind(), secs),
-            QString::number(value, 'g', 9), QString::number(type), QString::number(sn));
-    }
-
-    bool run(const QString& sql)
-    {
-        const DbError e = m_db.exec(sql);
-        if (e.isError())
-            qWarning("%s\n  in: %s", qPrintable(e.description), qPrintable(sql.left(300)));
-        return !e.isError();
-    }
-
     Database& m_db;
 };
 

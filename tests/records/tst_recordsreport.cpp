@@ -109,59 +109,53 @@ private slots:
         m_fx.reset();
     }
 
-    void oneRowPrintsOnePageOfOne()
+    // Columns run top to bottom, then left to right, four to a page; only the
+    // selection is printed, under the long heading that wraps whole.
+    void printsTheSelectionInColumnsAndPages_data()
     {
-        open(30);
-        const QStringList pages = print();
-        QCOMPARE(pages.size(), 1);
-        const QString& page = pages.first();
-        QVERIFY2(page.contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ"_s) &&
-                     page.contains(u"Σελίδα 1/1"_s),
-                 qPrintable(page));
-        // The long heading wraps: every part of it is printed, the last one whole.
-        const QString flat = page.simplified();
-        QVERIFY2(flat.contains(u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΚΑΤΑΓΡΑΦΩΝ. ΣΥΣΤΗΜΑ:Ψυκτικός"_s),
-                 qPrintable(flat));
-        QVERIFY(flat.contains(u"ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Θερμοκρασία"_s));
-        QVERIFY(flat.contains(u"ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s));
-        QVERIFY(page.contains(m_w->model()->dateText(0)));
-        QVERIFY(page.contains(m_w->model()->readingText(0)));
-        QVERIFY(!page.contains(m_w->model()->dateText(1)));
+        QTest::addColumn<int>("columns"); // full columns of records, all selected; 0: the first
+        QTest::addColumn<int>("extra");   // of 30 alone
+        QTest::addColumn<QStringList>("pageLines"); // none: the printer dialog is cancelled
+        QTest::newRow("printer cancelled") << 0 << 5 << QStringList{};
+        QTest::newRow("one selected of 30") << 0 << 30 << QStringList{u"Σελίδα 1/1"_s};
+        QTest::newRow("four full columns") << 4 << 0 << QStringList{u"Σελίδα 1/1"_s};
+        QTest::newRow("one more record") << 4 << 1 << QStringList{u"Σελίδα 1/2"_s, u"Σελίδα 2/2"_s};
     }
 
-    void fourFullColumnsAreOnePageAndOneMoreMakesTwo_data()
+    void printsTheSelectionInColumnsAndPages()
     {
-        QTest::addColumn<int>("extra");
-        QTest::addColumn<QStringList>("pageLines");
-        QTest::newRow("four full columns") << 0 << QStringList{u"Σελίδα 1/1"_s};
-        QTest::newRow("one more record") << 1 << QStringList{u"Σελίδα 1/2"_s, u"Σελίδα 2/2"_s};
-    }
-
-    void fourFullColumnsAreOnePageAndOneMoreMakesTwo()
-    {
+        QFETCH(int, columns);
         QFETCH(int, extra);
         QFETCH(QStringList, pageLines);
         const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
         QVERIFY(perColumn > 40);
-        const int rows = 4 * perColumn + extra;
+        const int rows = columns * perColumn + extra;
         open(rows);
-        m_w->selectAllRecords();
-        QCOMPARE(m_w->selectedRows(), std::make_pair(0, rows - 1));
-        const QStringList pages = print();
+        if (columns > 0)
+            m_w->selectAllRecords();
+        const int printed = columns > 0 ? rows : 1;
+        const QString pdf = m_fx->answerPdf(!pageLines.isEmpty());
+        m_w->printAction()->trigger();
+        QVERIFY(m_fx->dialogs.messages().isEmpty());
+        QCOMPARE(QFile::exists(pdf), !pageLines.isEmpty());
+        if (pageLines.isEmpty())
+            return;
+        const QStringList pages = pdfPages(pdf);
         QCOMPARE(pages.size(), pageLines.size());
         for (int i = 0; i < pages.size(); ++i)
             QVERIFY2(pages[i].contains(pageLines[i]), qPrintable(pages[i].left(400)));
-        // The last record is on the last page.
-        QVERIFY(pages.last().contains(m_w->model()->dateText(rows - 1)));
-    }
+        const QString flat = pages.first().simplified();
+        QVERIFY2(flat.contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ"_s) &&
+                     flat.contains(u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΚΑΤΑΓΡΑΦΩΝ. ΣΥΣΤΗΜΑ:Ψυκτικός"_s),
+                 qPrintable(flat));
+        QVERIFY(flat.contains(u"ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Θερμοκρασία"_s));
+        QVERIFY(flat.contains(u"ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s));
+        RecordsModel* m = m_w->model();
+        QVERIFY(pages.last().contains(m->dateText(printed - 1)));
+        QVERIFY(pages.last().contains(m->readingText(printed - 1)));
+        if (printed < rows)
+            QVERIFY(!pages.join(u'\n').contains(m->dateText(printed)));
 
-    void pdfColumnsRunTopToBottomThenLeftToRight()
-    {
-        const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
-        open(2 * perColumn + 3);
-        m_w->selectAllRecords();
-        const QStringList pages = print();
-        QCOMPARE(pages.size(), 1);
         const QStringList lines = pages.first().split(u'\n');
         const auto lineWith = [&lines](const QString& text) {
             for (qsizetype i = 0; i < lines.size(); ++i) {
@@ -170,32 +164,22 @@ private slots:
             }
             return qsizetype(-1);
         };
-        RecordsModel* m = m_w->model();
         const qsizetype top = lineWith(m->dateText(0));
         QVERIFY(top >= 0);
-        // Row 0 and the first row of columns 1 and 2 share the top line, in that order.
-        QCOMPARE(lineWith(m->dateText(perColumn)), top);
-        QCOMPARE(lineWith(m->dateText(2 * perColumn)), top);
-        QVERIFY(lines[top].indexOf(m->dateText(0)) < lines[top].indexOf(m->dateText(perColumn)));
-        QCOMPARE(lineWith(m->dateText(1)), top + 1);
-        QCOMPARE(lineWith(m->dateText(2 * perColumn + 2)), top + 2);
-        // Each reading sits right of its date in the same column.
-        QVERIFY(lines[top].indexOf(m->readingText(0)) > lines[top].indexOf(m->dateText(0)));
-        QVERIFY(lines[top].indexOf(m->readingText(0)) < lines[top].indexOf(m->dateText(perColumn)));
-    }
-
-    void cancelledPrinterDialogPrintsNothing()
-    {
-        open(5);
-        const QString pdf = m_fx->answerPdf(false);
-        m_w->printRecords();
-        QVERIFY(!QFile::exists(pdf));
-        QVERIFY(m_fx->dialogs.messages().isEmpty());
+        // The first row of each column on the top line, in order; each reading right of its date.
+        for (int c = 1; c < columns; ++c) {
+            QCOMPARE(lineWith(m->dateText(c * perColumn)), top);
+            QVERIFY(lines[top].indexOf(m->dateText((c - 1) * perColumn)) <
+                    lines[top].indexOf(m->readingText((c - 1) * perColumn)));
+            QVERIFY(lines[top].indexOf(m->readingText((c - 1) * perColumn)) <
+                    lines[top].indexOf(m->dateText(c * perColumn)));
+        }
+        if (columns > 0)
+            QCOMPARE(lineWith(m->dateText(perColumn + 2)), top + 2);
     }
 
 private:
     void open(int records);
-    QStringList print();
 
     std::unique_ptr<GuiFixture> m_fx;
     std::unique_ptr<RecordsWindow> m_w;
@@ -204,18 +188,11 @@ private:
 void TestRecordsReport::open(int records)
 {
     RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, *parseSqlDateTime(QStringView(u"2026-03-01 00:00:00")), 60,
-                     records, [](int i) { return -20.0 + (i % 500) * 0.1; }));
+    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-01 00:00:00"_s), 60, records,
+                     [](int i) { return -20.0 + (i % 500) * 0.1; }));
     m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
     fillSystemSelect(*m_w, 0, false);
     QCOMPARE(m_w->model()->rowCount(), records);
-}
-
-QStringList TestRecordsReport::print()
-{
-    const QString pdf = m_fx->answerPdf();
-    m_w->printAction()->trigger();
-    return pdfPages(pdf);
 }
 
 QTEST_MAIN(TestRecordsReport)

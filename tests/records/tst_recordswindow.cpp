@@ -27,11 +27,6 @@ using namespace sx::test;
 
 namespace {
 
-qint64 at(const QString& when)
-{
-    return *parseSqlDateTime(QStringView(when));
-}
-
 QColor textColor(const QModelIndex& index)
 {
     const QVariant v = index.data(Qt::ForegroundRole);
@@ -67,9 +62,31 @@ private slots:
         m_fx.reset();
     }
 
-    void layoutCaptionsAndMenus()
+    void startUpSelectsTheClocksMonthWithoutQueryingAndTheLayoutFits()
     {
-        open();
+        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        QCOMPARE(m_w->queriesRun(), 0);
+        QVERIFY(!m_w->loading());
+        // The third without its accent, exactly as listed.
+        QCOMPARE(
+            comboTexts(m_w->monthSelect()),
+            (QStringList{u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s, u"Απρίλιος"_s, u"Μάιος"_s,
+                         u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
+                         u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
+        QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
+        QCOMPARE(m_w->monthText(), u"Μαρτιος"_s);
+        QCOMPARE(m_w->yearText(), u"2026"_s);
+        // At creation: lists enabled, record commands disabled.
+        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled() &&
+                m_w->yearSelect()->isEnabled());
+        QCOMPARE(commandsOn(*m_w), 0);
+
+        fillSystemSelect(*m_w, 0, false);
+        QCOMPARE(m_w->queriesRun(), 2); // the zone list, then the first zone's records
+        chooseItem(m_w->monthSelect(), 1);
+        QCOMPARE(m_w->queriesRun(), 3);
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+
         m_w->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
         QCOMPARE(m_w->windowTitle(), u"SENTORAX Monitor / Αρχείο καταγραφών"_s);
@@ -124,32 +141,6 @@ private slots:
         QVERIFY2(total <= grid->viewport()->width(), qPrintable(QString::number(total)));
     }
 
-    void startUpSelectsTheClocksMonthWithoutQuerying()
-    {
-        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
-        QCOMPARE(m_w->queriesRun(), 0);
-        QVERIFY(!m_w->loading());
-        // The third without its accent, exactly as listed.
-        QCOMPARE(
-            comboTexts(m_w->monthSelect()),
-            (QStringList{u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s, u"Απρίλιος"_s, u"Μάιος"_s,
-                         u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
-                         u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
-        QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
-        QCOMPARE(m_w->monthText(), u"Μαρτιος"_s);
-        QCOMPARE(m_w->yearText(), u"2026"_s);
-        // At creation: lists enabled, record commands disabled.
-        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled() &&
-                m_w->yearSelect()->isEnabled());
-        QCOMPARE(commandsOn(*m_w), 0);
-
-        fillSystemSelect(*m_w, 0, false);
-        QCOMPARE(m_w->queriesRun(), 2); // the zone list, then the first zone's records
-        chooseItem(m_w->monthSelect(), 1);
-        QCOMPARE(m_w->queriesRun(), 3);
-        QVERIFY(m_fx->dialogs.shown().isEmpty());
-    }
-
     void zoneFillsTheGridNewestFirstWithItsLimits()
     {
         open();
@@ -190,44 +181,33 @@ private slots:
         QCOMPARE(shared->records.front().secs, at(u"2026-03-02 13:00:00"_s));
         QCOMPARE(shared->records.front().sensorType, quint8(3));
         QCOMPARE(shared->minLimitText + shared->maxLimitText, u"10.030.0"_s);
-    }
 
-    void contactZoneShowsStatesAndNoLimits()
-    {
-        open();
+        // A contact zone: states in the normal colour, no limits.
         chooseItem(m_w->sensorSelect(), 1);
-        RecordsModel* model = m_w->model();
         QCOMPARE(model->rowCount(), 3);
         for (int r = 0; r < 3; ++r) {
             QCOMPARE(model->index(r, 1).data().toString(), r < 2 ? u"ΑΝΟΙΧΤΗ"_s : u"ΚΛΕΙΣΤΗ"_s);
             QCOMPARE(textColor(model->index(r, 1)), QColor());
         }
         QCOMPARE(m_w->minLimitCaption() + m_w->maxLimitCaption(), QString());
-        const auto shared = m_fx->ctx.loadedRecords;
-        QCOMPARE(shared->minLimitText + shared->maxLimitText, QString());
+        QCOMPARE(m_fx->ctx.loadedRecords->minLimitText + m_fx->ctx.loadedRecords->maxLimitText,
+                 QString());
     }
 
-    void choosingTheShownEntryAgainFetchesNewRecords_data()
-    {
-        QTest::addColumn<int>("list"); // 0 zone, 1 month, 2 year
-        QTest::newRow("zone") << 0;
-        QTest::newRow("month") << 1;
-        QTest::newRow("year") << 2;
-    }
     void choosingTheShownEntryAgainFetchesNewRecords()
     {
-        QFETCH(int, list);
         open();
-        QCOMPARE(m_w->model()->rowCount(), 6);
         RecordsSeed s(m_fx->db);
-        QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 14:00:00"_s, 21, 0, 106));
         QComboBox* lists[] = {m_w->sensorSelect(), m_w->monthSelect(), m_w->yearSelect()};
-        chooseItem(lists[list], lists[list]->currentIndex());
-        QCOMPARE(m_w->model()->rowCount(), 7);
-        QCOMPARE(m_w->model()->dateText(0), u"02/03/2026 - 14:00"_s);
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(m_w->model()->rowCount(), 6 + i);
+            QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 14:0%1:00"_s.arg(i), 21, 0, 106 + i));
+            chooseItem(lists[i], lists[i]->currentIndex());
+            QCOMPARE(m_w->model()->dateText(0), u"02/03/2026 - 14:0%1"_s.arg(i));
+        }
     }
 
-    void unitWithoutZonesDisablesTheListsSilently()
+    void unitWithoutZonesDisablesTheListsSilentlyAndFailuresAreReported()
     {
         open();
         QCOMPARE(m_w->model()->rowCount(), 6);
@@ -244,6 +224,28 @@ private slots:
         chooseItem(m_w->systemSelect(), 0);
         QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
         QCOMPARE(m_w->model()->rowCount(), 6);
+
+        // Failures are reported and the window stays usable.
+        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
+        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
+        QVERIFY(m_fx->exec(u"ALTER TABLE Records RENAME TO Records_away"_s));
+        chooseItem(m_w->monthSelect(), 12);
+        QCOMPARE(m_fx->dialogs.messages().size(), 1);
+        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
+        QCOMPARE(commandsOn(*m_w), 0);
+        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
+
+        // The table is back: the next selection loads, and a later failure is news again.
+        QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
+        chooseItem(m_w->monthSelect(), 2);
+        QCOMPARE(m_w->model()->rowCount(), 6);
+        QVERIFY(m_w->saveAction()->isEnabled());
+        QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
+        emit m_w->systemSelect()->activated(0);
+        QCOMPARE(m_fx->dialogs.messages().size(), 2);
+        QVERIFY(!m_w->sensorSelect()->isEnabled());
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QVERIFY(!m_fx->dialogs.anyUnexpected());
     }
 
     void decemberAndWholeYearKeepTheirEdges()
@@ -268,36 +270,9 @@ private slots:
         QCOMPARE(m_w->model()->dateText(3), u"01/01/2025 - 00:00"_s);
     }
 
-    void selectAllWorksOnlyWhileRecordsAreShownAndAnEmptyPeriodKeepsSharedRecords()
-    {
-        open();
-        m_w->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
-        RecordsGrid* grid = m_w->grid();
-        m_w->selectRows(3, 3, 3);
-        QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
-        QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
-        QCOMPARE(grid->currentIndex().row(), 0);
-
-        m_w->selectRows(2, 2, 2);
-        auto* corner = grid->findChild<QAbstractButton*>();
-        QVERIFY(corner && corner->isVisible());
-        QTest::mouseClick(corner, Qt::LeftButton);
-        QCOMPARE(m_w->selectedRows(), std::make_pair(0, 5));
-
-        // An empty period: commands off, the shared records kept, and the action selects nothing.
-        chooseItem(m_w->monthSelect(), 1);
-        QCOMPARE(m_w->model()->rowCount(), 0);
-        QCOMPARE(commandsOn(*m_w), 0);
-        QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(6));
-        QVERIFY(m_fx->dialogs.shown().isEmpty());
-        QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
-        QTest::mouseClick(corner, Qt::LeftButton);
-        QVERIFY(grid->selectionModel()->selection().isEmpty());
-        QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
-    }
-
-    void selectionIsOneRangeOfWholeRows()
+    // One range of whole rows; select-all only while records are shown; an empty
+    // period keeps the shared records.
+    void selectionIsOneRangeOfWholeRowsAndSelectAll()
     {
         RecordsSeed s(m_fx->db);
         QVERIFY(s.series(
@@ -324,6 +299,26 @@ private slots:
         QCOMPARE(m_w->selectedRows(), std::make_pair(150, 150));
         QCOMPARE(grid->currentIndex().row(), 150);
         QCOMPARE(grid->rowAt(1), 150);
+
+        QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(m_w->selectedRows(), std::make_pair(0, 205));
+        QCOMPARE(grid->currentIndex().row(), 0);
+        m_w->selectRows(2, 2, 2);
+        auto* corner = grid->findChild<QAbstractButton*>();
+        QVERIFY(corner && corner->isVisible());
+        QTest::mouseClick(corner, Qt::LeftButton);
+        QCOMPARE(m_w->selectedRows(), std::make_pair(0, 205));
+
+        // An empty period: commands off, the shared records kept, and the action selects nothing.
+        chooseItem(m_w->monthSelect(), 1);
+        QCOMPARE(m_w->model()->rowCount(), 0);
+        QCOMPARE(commandsOn(*m_w), 0);
+        QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(206));
+        QVERIFY(m_fx->dialogs.shown().isEmpty());
+        QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
+        QTest::mouseClick(corner, Qt::LeftButton);
+        QVERIFY(grid->selectionModel()->selection().isEmpty());
+        QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
     }
 
     void loadKeepsServingEventsBehindTheWaitWindow()
@@ -347,31 +342,6 @@ private slots:
         QVERIFY(m_w->model()->rowCount() > 60000);
     }
 
-    void failuresAreReportedAndTheWindowStaysUsable()
-    {
-        open();
-        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
-        m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
-        QVERIFY(m_fx->exec(u"ALTER TABLE Records RENAME TO Records_away"_s));
-        chooseItem(m_w->monthSelect(), 12);
-        QCOMPARE(m_fx->dialogs.messages().size(), 1);
-        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
-        QCOMPARE(commandsOn(*m_w), 0);
-        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
-
-        // The table is back: the next selection loads, and a later failure is news again.
-        QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
-        chooseItem(m_w->monthSelect(), 2);
-        QCOMPARE(m_w->model()->rowCount(), 6);
-        QVERIFY(m_w->saveAction()->isEnabled());
-        QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
-        emit m_w->systemSelect()->activated(0);
-        QCOMPARE(m_fx->dialogs.messages().size(), 2);
-        QVERIFY(!m_w->sensorSelect()->isEnabled());
-        QCOMPARE(m_w->model()->rowCount(), 0);
-        QVERIFY(!m_fx->dialogs.anyUnexpected());
-    }
-
 private:
     void seed()
     {
@@ -381,12 +351,11 @@ private:
         QVERIFY(s.zone(u"A-100"_s, {.number = 1, .name = u"'Ψυγείο'"_s}));
         QVERIFY(s.zone(u"A-100"_s, {.number = 5, .name = u"NULL"_s, .type = 2}));
         QVERIFY(s.zone(u"A-100"_s, {.number = 8, .name = u"'Άδεια'"_s, .pageBytes = 0}));
-        const double march[] = {20, 30, 30.5, 10, 9.5, 25};
-        for (int i = 0; i < 6; ++i) {
-            QVERIFY(s.record(u"A-100"_s, 1,
-                             sqlDateTimeText(at(u"2026-03-02 08:00:00"_s) + i * 3600), march[i],
-                             i == 5 ? 3 : 0, 100 + i));
-        }
+        const double march[] = {20, 30, 30.5, 10, 9.5};
+        QVERIFY(s.series(
+            u"A-100"_s, 1, at(u"2026-03-02 08:00:00"_s), 3600, 5,
+            [&march](int i) { return march[i]; }, 0, 100));
+        QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 13:00:00"_s, 25, 3, 105));
         QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 10:00:00"_s, 0.5, 2, 1));
         QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 11:00:00"_s, 0, 2, 2));
         QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 12:00:00"_s, -1, 2, 3));
