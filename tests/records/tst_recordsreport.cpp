@@ -12,6 +12,7 @@
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPrinter>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <memory>
@@ -88,21 +89,6 @@ private slots:
         QCOMPARE(records_report::pageLine(3, 12), u"Σελίδα 3/12"_s);
     }
 
-    void init()
-    {
-        if (!QByteArray(QTest::currentTestFunction()).startsWith("layout") &&
-            !QByteArray(QTest::currentTestFunction()).startsWith("heading")) {
-            m_fx = std::make_unique<GuiFixture>();
-            SX_REQUIRE_FIXTURE(*m_fx);
-            RecordsSeed s(m_fx->db);
-            QVERIFY(s.unit(u"A-100"_s,
-                           u"Ψυκτικός θάλαμος αποθήκης τροφίμων της ανατολικής πτέρυγας"_s));
-            QVERIFY(
-                s.zone(u"A-100"_s, {.number = 1, .name = u"'Θερμοκρασία θαλάμου συντήρησης'"_s}));
-            m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
-        }
-    }
-
     void cleanup()
     {
         m_w.reset();
@@ -127,6 +113,8 @@ private slots:
         QFETCH(int, columns);
         QFETCH(int, extra);
         QFETCH(QStringList, pageLines);
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_FIXTURE(*m_fx);
         const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
         QVERIFY(perColumn > 40);
         const int rows = columns * perColumn + extra;
@@ -158,11 +146,8 @@ private slots:
 
         const QStringList lines = pages.first().split(u'\n');
         const auto lineWith = [&lines](const QString& text) {
-            for (qsizetype i = 0; i < lines.size(); ++i) {
-                if (lines[i].contains(text))
-                    return i;
-            }
-            return qsizetype(-1);
+            return lines.indexOf(
+                QRegularExpression(u".*"_s + QRegularExpression::escape(text) + u".*"_s));
         };
         const qsizetype top = lineWith(m->dateText(0));
         QVERIFY(top >= 0);
@@ -179,21 +164,23 @@ private slots:
     }
 
 private:
-    void open(int records);
+    void open(int records)
+    {
+        RecordsSeed s(m_fx->db);
+        QVERIFY(
+            s.unit(u"A-100"_s, u"Ψυκτικός θάλαμος αποθήκης τροφίμων της ανατολικής πτέρυγας"_s));
+        QVERIFY(s.zone(u"A-100"_s, {.number = 1, .name = u"'Θερμοκρασία θαλάμου συντήρησης'"_s}));
+        QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-01 00:00:00"_s), 60, records,
+                         [](int i) { return -20.0 + (i % 500) * 0.1; }));
+        m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
+        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        fillSystemSelect(*m_w, 0, false);
+        QCOMPARE(m_w->model()->rowCount(), records);
+    }
 
     std::unique_ptr<GuiFixture> m_fx;
     std::unique_ptr<RecordsWindow> m_w;
 };
-
-void TestRecordsReport::open(int records)
-{
-    RecordsSeed s(m_fx->db);
-    QVERIFY(s.series(u"A-100"_s, 1, at(u"2026-03-01 00:00:00"_s), 60, records,
-                     [](int i) { return -20.0 + (i % 500) * 0.1; }));
-    m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
-    fillSystemSelect(*m_w, 0, false);
-    QCOMPARE(m_w->model()->rowCount(), records);
-}
 
 QTEST_MAIN(TestRecordsReport)
 #include "tst_recordsreport.moc"
