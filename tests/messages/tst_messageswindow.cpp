@@ -70,21 +70,14 @@ private slots:
     {
         MessagesWindow w(m_fx->ctx);
         QCOMPARE(w.windowTitle(), u"SENTORAX Monitor / Μηνύματα"_s);
-        const char16_t* rows[][2] = {{u"Frame1", u"Πλοήγηση"},
-                                     {u"Frame6", u"Επιλογή συστήματος"},
-                                     {u"Frame2", u"Νέα Μηνύματα"},
-                                     {u"Command1", u"Τρέχουσα κατάσταση"},
-                                     {u"Command2", u"Αρχείο καταγραφών"},
-                                     {u"Command6", u"Αρχείο συμβάντων"},
-                                     {u"Command3", u"Mηνύματα"},
-                                     {u"Command4", u"Νέα μηνύματα"},
-                                     {u"Command5", u"Αρχείο μηνυμάτων"},
-                                     {u"Diahirisi", u"Διαχείριση"},
-                                     {u"Printmsgs", u"Εκτύπωση μηνυμάτων"},
-                                     {u"l1", u""},
-                                     {u"Terminateprg", u"Έξοδος"}};
-        for (const auto& r : rows) {
-            const QString name = QString::fromUtf16(r[0]);
+        // name=caption of every control; the separator l1 has none.
+        const QString rows = u"Frame1=Πλοήγηση;Frame6=Επιλογή συστήματος;Frame2=Νέα Μηνύματα;"
+                             u"Command1=Τρέχουσα κατάσταση;Command2=Αρχείο καταγραφών;"
+                             u"Command6=Αρχείο συμβάντων;Command3=Mηνύματα;Command4=Νέα μηνύματα;"
+                             u"Command5=Αρχείο μηνυμάτων;Diahirisi=Διαχείριση;"
+                             u"Printmsgs=Εκτύπωση μηνυμάτων;l1=;Terminateprg=Έξοδος"_s;
+        for (const QString& r : rows.split(u';')) {
+            const QString name = r.section(u'=', 0, 0);
             QString text = u"<missing>"_s;
             if (auto* box = w.findChild<QGroupBox*>(name))
                 text = box->title();
@@ -94,8 +87,7 @@ private slots:
                 text = menu->title();
             else if (auto* action = w.findChild<QAction*>(name))
                 text = action->isSeparator() ? QString() : action->text();
-            QCOMPARE(name + u'=' + text.replace(u'\n', u' '),
-                     name + u'=' + QString::fromUtf16(r[1]));
+            QCOMPARE(name + u'=' + text.replace(u'\n', u' '), r);
         }
         QPlainTextEdit* box = w.textBox();
         QVERIFY(box->isReadOnly());
