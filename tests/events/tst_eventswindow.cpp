@@ -80,8 +80,7 @@ private slots:
         QCOMPARE(m_w->yearSelect()->currentText(), u"2026"_s);
         QVERIFY(!m_w->sensorSelect()->isEnabled());
         QVERIFY(!m_w->markButton()->isEnabled() && !m_w->printAction()->isEnabled());
-        QVERIFY(m_w->kindOption(0)->isChecked());
-        QVERIFY(m_w->newOption(0)->isChecked());
+        QVERIFY(m_w->kindOption(0)->isChecked() && m_w->newOption(0)->isChecked());
         // The unit arrives with the navigation: one list, one fill.
         fillSystemSelect(*m_w, 0, true);
         QCOMPARE(m_w->fills(), 1);
@@ -156,13 +155,8 @@ private slots:
         QTest::newRow("no event memory") << 2 << QStringList{} << QStringList{};
         QTest::newRow("all units, without queries")
             << 3
-            << QStringList{u"Ζώνες παρακολούθησης"_s,
-                           u"Δίκτυο ρεύματος"_s,
-                           u"Βλάβες αισθητηρίων"_s,
-                           faults,
-                           delivery,
-                           bypass,
-                           u"ΟΛΑ"_s}
+            << u"Ζώνες παρακολούθησης|Δίκτυο ρεύματος|Βλάβες αισθητηρίων"_s.split(u'|') +
+                   QStringList{faults, delivery, bypass, u"ΟΛΑ"_s}
             << QStringList{u"Βλάβες αισθητηρίων"_s, faults, delivery, bypass};
     }
 
