@@ -52,20 +52,14 @@ public:
 private:
     void look()
     {
-        Rows r = m_db.read(u"SELECT TrmReq_SyI_Serialnumber, TrmReq_Requesttype, "
-                           u"TrmReq_Attributes, TrmReq_Requestcompleted, TrmReq_Requestreply "
-                           u"FROM Terminal_Requests"_s);
+        Rows r = m_db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || '|' || "
+                           u"TrmReq_Attributes || '|' || TrmReq_Requestcompleted || '|' || "
+                           u"TrmReq_Requestreply AS r FROM Terminal_Requests"_s);
         bool any = false;
         while (r.next()) {
             any = true;
-            const auto n = [&r](QStringView c) { return QString::number(r.intOr(c)); };
-            const QString row =
-                QStringList{r.textOr(u"TrmReq_SyI_Serialnumber"), n(u"TrmReq_Requesttype"),
-                            r.textOr(u"TrmReq_Attributes"), n(u"TrmReq_Requestcompleted"),
-                            n(u"TrmReq_Requestreply")}
-                    .join(u'|');
-            if (!rows.contains(row))
-                rows << row;
+            if (!rows.contains(r.textOr(u"r")))
+                rows << r.textOr(u"r");
         }
         if (!any)
             return;

@@ -25,24 +25,10 @@ records::ZoneEntry zone(const QString& serial, int number, int type = 0)
 
 } // namespace
 
-// Only the tests that read a database make one (a server database takes a while).
-#define OPEN_SCRATCH_DB()                                                                          \
-    m_scratch = std::make_unique<ScratchDatabase>();                                               \
-    SX_REQUIRE_DB(*m_scratch);                                                                     \
-    QVERIFY(m_scratch->open(*m_db))
-
 class TestRecordsRules : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() { m_db = std::make_unique<Database>(); }
-
-    void cleanup()
-    {
-        m_db.reset();
-        m_scratch.reset();
-    }
-
     void periodIncludesBothEnds_data()
     {
         QTest::addColumn<int>("year");
@@ -146,10 +132,14 @@ private slots:
         QCOMPARE(int(records::LimitRule(z)(r)), marking);
     }
 
-    void onlyZonesWithRecordsAreOfferedInNumberOrder()
+    // On one scratch database: the zones offered, then the records loaded.
+    void zonesWithRecordsInNumberOrderThenRecordsInSequenceOrder()
     {
-        OPEN_SCRATCH_DB();
-        RecordsSeed s(*m_db);
+        ScratchDatabase scratch;
+        SX_REQUIRE_DB(scratch);
+        Database db;
+        QVERIFY(scratch.open(db));
+        RecordsSeed s(db);
         const QString serial = u"Q'1"_s;
         QVERIFY(
             s.zone(serial, {.number = 9, .name = u"'Θάλαμος'"_s, .pageBytes = 0, .lastPage = 3}));
@@ -164,7 +154,7 @@ private slots:
         QVERIFY(s.zone(u"OTHER"_s, {.number = 1, .name = u"'Ξένη'"_s}));
 
         DbError e;
-        const QList<records::ZoneEntry> zones = records::readZones(*m_db, serial, &e);
+        const QList<records::ZoneEntry> zones = records::readZones(db, serial, &e);
         QVERIFY2(!e.isError(), qPrintable(e.description));
         QStringList texts;
         for (const auto& z : zones)
@@ -178,20 +168,14 @@ private slots:
         QVERIFY(zones[1].maxUsed);
         // Only exactly 1 puts a limit in force.
         QVERIFY(!zones[1].minUsed);
-    }
 
-    void gridOrderFollowsSequenceNumbersNotTimesAndFailuresCarryTheirError()
-    {
-        OPEN_SCRATCH_DB();
-        RecordsSeed s(*m_db);
         // A unit whose clock was set back: sequence 3 carries an older time than 2.
         QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:00:00"_s, 1.5, 0, 1));
         QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:02:00"_s, 2.5, 3, 2));
         QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:01:00"_s, 0.5, 2, 3));
         QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 09:00:00"_s, -7.25, 0, 10));
-        const records::RecordsLoad got =
-            records::loadRecords(*m_db, records::recordsSql(m_db->kind(), zone(u"U1"_s, 1),
-                                                            records::recordsPeriod(26, 4)));
+        const records::RecordsLoad got = records::loadRecords(
+            db, records::recordsSql(db.kind(), zone(u"U1"_s, 1), records::recordsPeriod(26, 4)));
         QVERIFY2(!got.error.isError(), qPrintable(got.error.description));
         QStringList rows;
         for (const RecordPoint& r : got.records)
@@ -202,20 +186,16 @@ private slots:
 
         // Without the table, both ways of loading carry the error, as does a database
         // that cannot be opened.
-        QVERIFY(!m_db->exec(u"ALTER TABLE Records RENAME TO Records_away"_s).isError());
+        QVERIFY(!db.exec(u"ALTER TABLE Records RENAME TO Records_away"_s).isError());
         const QString sql =
-            records::recordsSql(m_db->kind(), zone(u"U1"_s, 1), records::recordsPeriod(25, 6));
-        QVERIFY(records::loadRecords(*m_db, sql).error.isError());
-        QVERIFY(records::loadRecordsAside(m_db->settings(), sql).error.isError());
-        ConnectionSettings nowhere = m_db->settings();
-        nowhere.file = m_scratch->folder() + u"/missing/none.db"_s;
+            records::recordsSql(db.kind(), zone(u"U1"_s, 1), records::recordsPeriod(25, 6));
+        QVERIFY(records::loadRecords(db, sql).error.isError());
+        QVERIFY(records::loadRecordsAside(db.settings(), sql).error.isError());
+        ConnectionSettings nowhere = db.settings();
+        nowhere.file = scratch.folder() + u"/missing/none.db"_s;
         nowhere.dataSource = u"sx_no_such_database"_s;
         QVERIFY(records::loadRecordsAside(nowhere, sql).error.isError());
     }
-
-private:
-    std::unique_ptr<ScratchDatabase> m_scratch;
-    std::unique_ptr<Database> m_db;
 };
 
 QTEST_GUILESS_MAIN(TestRecordsRules)
