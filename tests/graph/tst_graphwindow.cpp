@@ -137,9 +137,8 @@ private slots:
         QVERIFY(!openGraphOn(0, last));
         const auto shown = m_fx->dialogs.messages();
         QCOMPARE(shown.size(), 1);
-        QCOMPARE(shown[0].title, u"Γράφημα"_s);
+        QCOMPARE(shown[0].title + u" / "_s + shown[0].text, u"Γράφημα / "_s + message);
         QCOMPARE(shown[0].icon, DialogService::Icon::Exclamation);
-        QCOMPARE(shown[0].text, message);
         QCOMPARE(m_w->selectedRows(),
                  (selectedRow < 0 ? std::pair{0, last} : std::pair{selectedRow, selectedRow}));
     }
@@ -181,7 +180,7 @@ private slots:
             {100.0, u"03/03/2026 - 07:40"_s, u"11.5 °C"_s}, // series minute 1900: 1900 % 37 = 13
             {0.0, u"03/03/2026 - 06:00"_s, u"17 °C"_s}};    // 1800 % 37 = 24
         for (const auto& [x, time, value] : readouts) {
-            moveTo(g, {x, 15});
+            sendMove(g->chart(), g->pixelOf({x, 15}).toPoint());
             QCOMPARE(g->timeReadout(), time);
             QCOMPARE(g->valueReadout(), value);
             QCOMPARE(g->chart()->cursorLine().value_or(-1),
@@ -287,8 +286,8 @@ private slots:
         QVERIFY(!QFile::exists(printTo(g)));
         auto shown = m_fx->dialogs.messages();
         QCOMPARE(shown.size(), 1);
-        QCOMPARE(shown[0].text, u"Δέν υπάρχουν μαρκαρισμένα σημεία !"_s);
-        QCOMPARE(shown[0].title, u"SENTORAX Monitor"_s);
+        QCOMPARE(shown[0].title + u" / "_s + shown[0].text,
+                 u"SENTORAX Monitor / Δέν υπάρχουν μαρκαρισμένα σημεία !"_s);
         QCOMPARE(shown[0].icon, DialogService::Icon::Information);
         QCOMPARE(m_fx->dialogs.pendingAnswers(), 1);
         m_fx->dialogs = ScriptedDialogs();
@@ -339,8 +338,8 @@ private slots:
         QCOMPARE(g->markerList(), full);
         shown = m_fx->dialogs.messages();
         QCOMPARE(shown.size(), 1);
-        QCOMPARE(shown[0].title, u"Προσοχή"_s);
-        QCOMPARE(shown[0].text, u"Δεν μπορείτε να προσθέσετε άλλον δείκτη σημείου"_s);
+        QCOMPARE(shown[0].title + u" / "_s + shown[0].text,
+                 u"Προσοχή / Δεν μπορείτε να προσθέσετε άλλον δείκτη σημείου"_s);
         QCOMPARE(shown[0].icon, DialogService::Icon::None);
 
         // The marked points: cancelled, then on pages of their own, each entry whole on one.
@@ -421,10 +420,6 @@ private:
             return nullptr;
         openRecords();
         return openGraphOn(0, 199);
-    }
-    void moveTo(GraphWindow* g, QPointF chart)
-    {
-        sendMove(g->chart(), g->pixelOf(chart).toPoint());
     }
     void clickAt(GraphWindow* g, QPointF chart)
     {
