@@ -308,8 +308,7 @@ private slots:
             QCOMPARE(old.readAll(), kept);
         }
         Rows left = fx.db.read(u"SELECT COUNT(*) AS n FROM Terminal_Requests"_s);
-        QVERIFY(left.next());
-        QCOMPARE(left.intOr(u"n", -1), 0);
+        QVERIFY(left.next() && left.intOr(u"n", -1) == 0);
         if (shown != main)
             delete shown;
     }
