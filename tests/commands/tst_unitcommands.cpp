@@ -45,8 +45,7 @@ public:
     }
 
     QStringList rows; // "serial|type|attributes|completed|reply", each once
-    bool disabledWhileRowExisted = true;
-    bool waitShownWhileRowExisted = true;
+    bool disabledAndWaitingWhileRowExisted = true;
     QDateTime firstSeen;
 
 private:
@@ -55,18 +54,15 @@ private:
         Rows r = m_db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || '|' || "
                            u"TrmReq_Attributes || '|' || TrmReq_Requestcompleted || '|' || "
                            u"TrmReq_Requestreply AS r FROM Terminal_Requests"_s);
-        bool any = false;
-        while (r.next()) {
-            any = true;
+        if (!r.next())
+            return;
+        do {
             if (!rows.contains(r.textOr(u"r")))
                 rows << r.textOr(u"r");
-        }
-        if (!any)
-            return;
+        } while (r.next());
         if (!firstSeen.isValid())
             firstSeen = m_clock.now();
-        disabledWhileRowExisted = disabledWhileRowExisted && !m_host.isEnabled();
-        waitShownWhileRowExisted = waitShownWhileRowExisted && GuiFixture::waitWindowShown();
+        disabledAndWaitingWhileRowExisted &= !m_host.isEnabled() && GuiFixture::waitWindowShown();
     }
 
     Database& m_db;
@@ -387,7 +383,7 @@ private slots:
         QVERIFY2(sent.isEmpty() ? rows.size() == (meanwhile == u"stale")
                                 : rows.contains(serial + u"|"_s + sent + u"|0|0"_s),
                  qPrintable(rows.join(u' ')));
-        QVERIFY(watch->disabledWhileRowExisted && watch->waitShownWhileRowExisted);
+        QVERIFY(watch->disabledAndWaitingWhileRowExisted);
         QVERIFY(disabledAtSelection);
         QStringList shown;
         for (const auto& s : fx->dialogs.shown())
