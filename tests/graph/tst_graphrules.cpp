@@ -231,8 +231,7 @@ private slots:
         QCOMPARE(s.fullStartSecs, kBase + 20);
         QCOMPARE(s.fullEndSecs, kBase + 90 * 60 + 10);
         QCOMPARE(s.view, (GraphView{kBase + 20, 90, 0.0f, 30.0f}));
-        QCOMPARE(s.fullBottom, 0.0f);
-        QCOMPARE(s.fullTop, 30.0f);
+        QCOMPARE(QPointF(s.fullBottom, s.fullTop), QPointF(0, 30));
         QVERIFY(!s.zoomed);
     }
 
