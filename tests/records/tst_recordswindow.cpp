@@ -74,8 +74,7 @@ private slots:
                          u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
                          u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
         QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
-        QCOMPARE(m_w->monthText(), u"Μαρτιος"_s);
-        QCOMPARE(m_w->yearText(), u"2026"_s);
+        QCOMPARE(m_w->monthText() + u'/' + m_w->yearText(), u"Μαρτιος/2026"_s);
         // At creation: lists enabled, record commands disabled.
         QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled() &&
                 m_w->yearSelect()->isEnabled());
