@@ -1,6 +1,6 @@
 #include "ScratchDatabase.h"
 #include "SimTestHelpers.h"
-#include "model/Schema.h"
+#include "sim/SimSchema.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -52,12 +52,11 @@ class TestSimCli : public QObject {
     // Leaves the shared database without any table.
     void dropAllTables()
     {
-        for (const QString& t :
-             {u"Systems_Info"_s, u"Systems_Current_Condition"_s, u"Sensors_Info"_s,
-              u"Sensors_Current_Condition"_s, u"Powermonitoring_Info"_s,
-              u"Powermonitoring_Current_Condit"_s, u"Systems_Faults"_s, u"Sensors_Events"_s,
-              u"Powermonitoring_Events"_s, u"Records"_s, u"Events_1"_s, u"Terminal_Requests"_s,
-              u"Sim_Unit_Codes"_s}) {
+        QStringList tables{u"Sim_Unit_Codes"_s};
+        for (const sim::SchemaColumn& c : sim::schemaColumns())
+            tables << c.table;
+        tables.removeDuplicates();
+        for (const QString& t : tables) {
             const DbError e = m_db.exec(u"DROP TABLE IF EXISTS "_s + t);
             QVERIFY2(!e.isError(), qPrintable(e.description));
         }
