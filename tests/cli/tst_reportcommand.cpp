@@ -9,22 +9,11 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
-#include <QProcess>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
-
-namespace {
-
-struct Run {
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-} // namespace
 
 // `sentorax-monitor report ...` run as a process against the scratch database.
 class TestReportCommand : public QObject {
@@ -47,7 +36,7 @@ private slots:
 
     void helpListsEveryKind()
     {
-        const Run r = run({u"--help"_s}, false);
+        const ToolRun r = run({u"--help"_s}, false);
         QCOMPARE(r.code, 0);
         for (const QString& line :
              {u"report current  --unit SERIAL --pdf FILE"_s, u"report records"_s,
@@ -109,7 +98,7 @@ private slots:
         const QString out = QDir(m_dir).filePath(u"failed.out"_s);
         args.replaceInStrings(u"OUT"_s, out);
         const bool noDb = args.removeAll(u"NODB"_s) > 0;
-        const Run r = run(args, !noDb && !args.join(u' ').contains(u"--db"));
+        const ToolRun r = run(args, !noDb && !args.join(u' ').contains(u"--db"));
         QCOMPARE(r.code, code);
         QVERIFY2(r.err.trimmed().count(u'\n') == 0 && r.err.contains(says), qPrintable(r.err));
         QVERIFY(!QFile::exists(out));
@@ -136,7 +125,7 @@ private slots:
         QFETCH(QString, says);
         const QString pdf =
             QDir(m_dir).filePath(QString::fromLatin1(QTest::currentDataTag()) + u".pdf"_s);
-        const Run r = run(args + QStringList{u"--pdf"_s, pdf});
+        const ToolRun r = run(args + QStringList{u"--pdf"_s, pdf});
         QVERIFY2(r.code == 0, qPrintable(r.err));
         const QStringList pages = pdfPages(pdf);
         QVERIFY(!pages.isEmpty());
@@ -156,8 +145,8 @@ private slots:
         QFETCH(bool, summary);
         const QString cli = QDir(m_dir).filePath(u"cli.pdf"_s);
         const QString window = QDir(m_dir).filePath(u"window.pdf"_s);
-        const Run r = run({summary ? u"summary"_s : u"records"_s, u"--unit=A-100"_s, u"--zone=1"_s,
-                           u"--month=2026-03"_s, u"--pdf"_s, cli});
+        const ToolRun r = run({summary ? u"summary"_s : u"records"_s, u"--unit=A-100"_s,
+                               u"--zone=1"_s, u"--month=2026-03"_s, u"--pdf"_s, cli});
         QVERIFY2(r.code == 0, qPrintable(r.err));
 
         m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
@@ -174,25 +163,17 @@ private slots:
     }
 
 private:
-    Run run(const QStringList& args, bool withDb = true) const
+    ToolRun run(const QStringList& args, bool withDb = true) const
     {
-        QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         // A home of its own: no settings, so only --db names a database.
         env.insert(u"HOME"_s, m_dir);
         env.insert(u"XDG_CONFIG_HOME"_s, m_dir + u"/config"_s);
         env.remove(u"QT_QPA_PLATFORM"_s);
         env.remove(u"DISPLAY"_s);
-        p.setProcessEnvironment(env);
-        QStringList all = QStringList{u"report"_s} + args;
-        if (withDb)
-            all << u"--db"_s << m_fx->scratch.url();
-        p.start(QStringLiteral(SX_MONITOR_BIN), all);
-        if (!p.waitForFinished(120000))
-            return {};
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-                QString::fromUtf8(p.readAllStandardOutput()),
-                QString::fromUtf8(p.readAllStandardError())};
+        const QStringList db{u"--db"_s, m_fx->scratch.url()};
+        return runTool(QStringLiteral(SX_MONITOR_BIN),
+                       QStringList{u"report"_s} + args + (withDb ? db : QStringList()), env);
     }
 
     std::unique_ptr<GuiFixture> m_fx;
