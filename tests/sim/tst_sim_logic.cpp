@@ -164,14 +164,12 @@ private slots:
         QFETCH(QString, attributes);
         QFETCH(int, reply);
         QFETCH(int, state);
-        UnitFacts unit;
-        unit.exists = true;
-        unit.online = online;
-        unit.model = model;
-        unit.softver = u"1.22"_s;
-        if (!code.isEmpty())
-            unit.code = code;
-        unit.usedPoints = {1, 2, 4};
+        const UnitFacts unit{.exists = true,
+                             .online = online,
+                             .model = model,
+                             .softver = u"1.22"_s,
+                             .code = code.isEmpty() ? std::nullopt : std::optional(code),
+                             .usedPoints = {1, 2, 4}};
         const std::optional<QString> attrs =
             attributes.isNull() ? std::nullopt : std::optional<QString>(attributes);
         const RequestDecision d = decideRequest(unit, type, attrs);
