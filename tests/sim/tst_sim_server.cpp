@@ -5,25 +5,13 @@
 #include "sim/LiveServer.h"
 #include "sim/RequestHandler.h"
 #include "sim/Seeder.h"
+#include "sim/UnitCodes.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
-
-namespace {
-
-QString codeOf(const QList<sim::DemoUnit>& fleet, const QString& serial)
-{
-    for (const sim::DemoUnit& u : fleet) {
-        if (u.serial == serial)
-            return u.code;
-    }
-    return {};
-}
-
-} // namespace
 
 // The simulator's server side on a seeded fleet: answering the console's
 // requests, and the live rounds that move values and write records and events.
@@ -45,7 +33,6 @@ private slots:
             return;
         const sim::SeedReport r = sim::seedDemo(m_db, smallSeed(1));
         QVERIFY2(!r.error.isError(), qPrintable(r.error.description));
-        m_fleet = r.units;
         m_now = seedEnd();
     }
 
@@ -87,8 +74,7 @@ private slots:
         QFETCH(QString, stateColumn);
         QFETCH(int, state);
 
-        const QString attributes =
-            fields.startsWith(u'!') ? fields.mid(1) : codeOf(m_fleet, serial) + fields;
+        const QString attributes = fields.startsWith(u'!') ? fields.mid(1) : code(serial) + fields;
         const QString stateSql = u"SELECT "_s + stateColumn +
                                  u" FROM Systems_Current_Condition WHERE SyCC_SyI_Serialnumber="_s +
                                  sqlQuote(serial);
@@ -156,8 +142,7 @@ private slots:
             u"SELECT SyCC_RelayBcondition FROM Systems_Current_Condition WHERE "
             "SyCC_SyI_Serialnumber='SX100009'"_s;
         const qint64 relay = scalar(m_db, relaySql);
-        insertRequest(u"SX100009"_s, 2,
-                      codeOf(m_fleet, u"SX100009"_s) + (relay == 1 ? u";0"_s : u";1"_s));
+        insertRequest(u"SX100009"_s, 2, code(u"SX100009"_s) + (relay == 1 ? u";0"_s : u";1"_s));
         insertRequest(u"SX100004"_s, 2, u"1;1"_s);
         sim::RequestPolicy policy;
         policy.forcedReply = 6;
@@ -390,6 +375,9 @@ private:
                      .isError());
     }
 
+    // The unit's code as the seed stored it.
+    QString code(const QString& serial) { return sim::unitCode(m_db, serial).value_or(QString()); }
+
     // The reply of the unit's request, 0 while it is pending.
     qint64 replyOf(const QString& serial)
     {
@@ -429,7 +417,6 @@ private:
 
     ScratchDatabase m_scratch;
     Database m_db;
-    QList<sim::DemoUnit> m_fleet;
     qint64 m_now = 0;
 };
 
