@@ -236,8 +236,7 @@ private slots:
         // Clocks that are set follow the polls; unset ones stay unset.
         const auto rtc = [&](const char* serial) {
             return column(m_db, u"SELECT SyCC_Rtc FROM Systems_Current_Condition WHERE "
-                                "SyCC_SyI_Serialnumber='"_s +
-                                    QLatin1StringView(serial) + u'\'')
+                                "SyCC_SyI_Serialnumber='%1'"_s.arg(QLatin1StringView(serial)))
                 .value(0)
                 .left(19);
         };
@@ -393,8 +392,7 @@ private:
         policy.answerDelayMs = 0;
         sim::RequestHandler handler(m_db, policy);
         int answered = -1;
-        const DbError e = handler.poll(0, &answered);
-        return e.isError() ? -1 : answered;
+        return handler.poll(0, &answered).isError() ? -1 : answered;
     }
 
     // Runs `count` rounds `stepSecs` apart after the seeded history.
@@ -410,7 +408,6 @@ private:
                 total->readings += s.readings;
                 total->records += s.records;
                 total->events += s.events;
-                total->messages += s.messages;
             }
         }
     }
