@@ -1,3 +1,4 @@
+#include "../events/EventsSeed.h"
 #include "ScratchDatabase.h"
 #include "app/UnitList.h"
 
@@ -34,13 +35,9 @@ private slots:
         SX_REQUIRE_DB(scratch);
         Database db;
         QVERIFY(scratch.open(db));
-        for (int i = 0; i < names.size(); ++i) {
-            const QString name = names[i] == u"-"_s ? u"NULL"_s : u"'"_s + names[i] + u"'"_s;
-            QVERIFY(!db.exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
-                             u"SyI_Systemname, SyI_Used) VALUES ('S%1', '1', %2, 1)"_s.arg(i)
-                                 .arg(name))
-                         .isError());
-        }
+        EventsSeed seed(db);
+        for (int i = 0; i < names.size(); ++i)
+            QVERIFY(seed.unit(u"S%1"_s.arg(i), names[i] == u"-"_s ? QString() : names[i]));
         DbError error;
         const QList<UnitEntry> units = readUnitList(db, &error);
         QVERIFY(!error.isError());

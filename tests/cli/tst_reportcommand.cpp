@@ -9,22 +9,11 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
-#include <QProcess>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
-
-namespace {
-
-struct Run {
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-} // namespace
 
 // `sentorax-monitor report ...` run as a process against the scratch database.
 class TestReportCommand : public QObject {
@@ -47,7 +36,7 @@ private slots:
 
     void helpListsEveryKind()
     {
-        const Run r = run({u"--help"_s}, false);
+        const ToolRun r = run({u"--help"_s}, false);
         QCOMPARE(r.code, 0);
         for (const QString& line :
              {u"report current  --unit SERIAL --pdf FILE"_s, u"report records"_s,
@@ -58,58 +47,44 @@ private slots:
 
     void everyFailureHasItsExitCode_data()
     {
-        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("args"); // OUT: a file in the scratch folder
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("says");
-        const QString pdf = u"--pdf=OUT"_s;
-        const QStringList cur{u"current"_s, u"--unit=A-100"_s, pdf};
-        QTest::newRow("unknown option")
-            << QStringList{u"records"_s, u"--colour=red"_s} << 2 << u"colour"_s;
-        QTest::newRow("unknown kind") << QStringList{u"weekly"_s, pdf} << 2 << u"weekly"_s;
-        QTest::newRow("option of another kind")
-            << (cur + QStringList{u"--zone=1"_s}) << 2 << u"--zone"_s;
-        QTest::newRow("month not understood")
-            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2026-13"_s, pdf} << 2
-            << u"2026-13"_s;
-        QTest::newRow("no output")
-            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2026-03"_s} << 2
-            << u"--pdf"_s;
+        const auto row = [](const char* tag, const QString& args, int code, const QString& says) {
+            QTest::newRow(tag) << args << code << says;
+        };
+        row("unknown option", u"records --colour=red"_s, 2, u"colour"_s);
+        row("unknown kind", u"weekly --pdf=OUT"_s, 2, u"weekly"_s);
+        row("option of another kind", u"current --unit=A-100 --pdf=OUT --zone=1"_s, 2, u"--zone"_s);
+        row("month not understood", u"summary --unit=A-100 --month=2026-13 --pdf=OUT"_s, 2,
+            u"2026-13"_s);
+        row("no output", u"summary --unit=A-100 --month=2026-03"_s, 2, u"--pdf"_s);
         // Without --db the user's settings name the database: here none is set up.
-        QTest::newRow("no database in the settings")
-            << (cur + QStringList{u"NODB"_s}) << 3 << QString();
-        QTest::newRow("database that cannot be opened")
-            << QStringList{u"current"_s, u"--unit=A-100"_s, pdf, u"--db=sqlite:/nowhere/x.db"_s}
-            << 3 << QString();
-        QTest::newRow("unknown unit")
-            << QStringList{u"current"_s, u"--unit=NOPE"_s, pdf} << 4 << u"NOPE"_s;
-        QTest::newRow("unknown zone") << QStringList{u"records"_s, u"--unit=A-100"_s, u"--zone=9"_s,
-                                                     u"--month=2026-03"_s, pdf}
-                                      << 5 << u"9"_s;
-        QTest::newRow("empty month")
-            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2025-01"_s, pdf} << 6
-            << u"καταγραφές"_s;
-        QTest::newRow("no events")
-            << QStringList{u"events"_s, u"--unit=A-100"_s, u"--year=2025"_s, pdf} << 6
-            << u"συμβάντα"_s;
-        QTest::newRow("unwritable output")
-            << QStringList{u"current"_s, u"--unit=A-100"_s, u"--pdf=/nowhere/x.pdf"_s} << 7
-            << u"/nowhere/x.pdf"_s;
+        row("no database in the settings", u"current --unit=A-100 --pdf=OUT NODB"_s, 3, {});
+        row("database that cannot be opened",
+            u"current --unit=A-100 --pdf=OUT --db=sqlite:/nowhere/x.db"_s, 3, {});
+        row("unknown unit", u"current --unit=NOPE --pdf=OUT"_s, 4, u"NOPE"_s);
+        row("unknown zone", u"records --unit=A-100 --zone=9 --month=2026-03 --pdf=OUT"_s, 5,
+            u"9"_s);
+        row("empty month", u"summary --unit=A-100 --month=2025-01 --pdf=OUT"_s, 6, u"καταγραφές"_s);
+        row("no events", u"events --unit=A-100 --year=2025 --pdf=OUT"_s, 6, u"συμβάντα"_s);
+        row("unwritable output", u"current --unit=A-100 --pdf=/nowhere/x.pdf"_s, 7,
+            u"/nowhere/x.pdf"_s);
         // The workbook came out, the PDF could not: neither is left.
-        QTest::newRow("both or neither")
-            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--month=2026-03"_s, u"--xlsx=OUT"_s,
-                           u"--pdf=/nowhere/x.pdf"_s}
-            << 7 << u"/nowhere/x.pdf"_s;
+        row("both or neither",
+            u"summary --unit=A-100 --month=2026-03 --xlsx=OUT --pdf=/nowhere/x.pdf"_s, 7,
+            u"/nowhere/x.pdf"_s);
     }
 
     void everyFailureHasItsExitCode()
     {
-        QFETCH(QStringList, args);
+        QFETCH(QString, args);
         QFETCH(int, code);
         QFETCH(QString, says);
         const QString out = QDir(m_dir).filePath(u"failed.out"_s);
-        args.replaceInStrings(u"OUT"_s, out);
-        const bool noDb = args.removeAll(u"NODB"_s) > 0;
-        const Run r = run(args, !noDb && !args.join(u' ').contains(u"--db"));
+        QStringList words = args.replace(u"OUT"_s, out).split(u' ');
+        const bool noDb = words.removeAll(u"NODB"_s) > 0;
+        const ToolRun r = run(words, !noDb && !args.contains(u"--db"));
         QCOMPARE(r.code, code);
         QVERIFY2(r.err.trimmed().count(u'\n') == 0 && r.err.contains(says), qPrintable(r.err));
         QVERIFY(!QFile::exists(out));
@@ -117,26 +92,24 @@ private slots:
 
     void everyKindWritesItsReport_data()
     {
-        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("args");
         QTest::addColumn<QString>("says");
-        QTest::newRow("current") << QStringList{u"current"_s, u"--unit=A-100"_s}
-                                 << u"ΑΝΑΦΟΡΑ ΤΡΕΧΟΥΣΑΣ ΚΑΤΑΣΤΑΣΗΣ"_s;
+        QTest::newRow("current") << u"current --unit=A-100"_s << u"ΑΝΑΦΟΡΑ ΤΡΕΧΟΥΣΑΣ ΚΑΤΑΣΤΑΣΗΣ"_s;
         // The records report is pdfMatchesTheWindow's first row.
-        QTest::newRow("events") << QStringList{u"events"_s, u"--unit=A-100"_s, u"--kind=all"_s,
-                                               u"--month=2026-03"_s}
+        QTest::newRow("events") << u"events --unit=A-100 --kind=all --month=2026-03"_s
                                 << u"ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s;
-        QTest::newRow("messages") << QStringList{u"messages"_s} << u"ΝΕΑ ΜΗΝΥΜΑΤΑ"_s;
+        QTest::newRow("messages") << u"messages"_s << u"ΝΕΑ ΜΗΝΥΜΑΤΑ"_s;
         QTest::newRow("summary of a year")
-            << QStringList{u"summary"_s, u"--unit=A-100"_s, u"--year=2026"_s} << u"ΣΥΝΟΨΗ ΕΤΟΥΣ"_s;
+            << u"summary --unit=A-100 --year=2026"_s << u"ΣΥΝΟΨΗ ΕΤΟΥΣ"_s;
     }
 
     void everyKindWritesItsReport()
     {
-        QFETCH(QStringList, args);
+        QFETCH(QString, args);
         QFETCH(QString, says);
         const QString pdf =
             QDir(m_dir).filePath(QString::fromLatin1(QTest::currentDataTag()) + u".pdf"_s);
-        const Run r = run(args + QStringList{u"--pdf"_s, pdf});
+        const ToolRun r = run(args.split(u' ') + QStringList{u"--pdf"_s, pdf});
         QVERIFY2(r.code == 0, qPrintable(r.err));
         const QStringList pages = pdfPages(pdf);
         QVERIFY(!pages.isEmpty());
@@ -156,8 +129,8 @@ private slots:
         QFETCH(bool, summary);
         const QString cli = QDir(m_dir).filePath(u"cli.pdf"_s);
         const QString window = QDir(m_dir).filePath(u"window.pdf"_s);
-        const Run r = run({summary ? u"summary"_s : u"records"_s, u"--unit=A-100"_s, u"--zone=1"_s,
-                           u"--month=2026-03"_s, u"--pdf"_s, cli});
+        const ToolRun r = run({summary ? u"summary"_s : u"records"_s, u"--unit=A-100"_s,
+                               u"--zone=1"_s, u"--month=2026-03"_s, u"--pdf"_s, cli});
         QVERIFY2(r.code == 0, qPrintable(r.err));
 
         m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
@@ -174,25 +147,17 @@ private slots:
     }
 
 private:
-    Run run(const QStringList& args, bool withDb = true) const
+    ToolRun run(const QStringList& args, bool withDb = true) const
     {
-        QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         // A home of its own: no settings, so only --db names a database.
         env.insert(u"HOME"_s, m_dir);
         env.insert(u"XDG_CONFIG_HOME"_s, m_dir + u"/config"_s);
         env.remove(u"QT_QPA_PLATFORM"_s);
         env.remove(u"DISPLAY"_s);
-        p.setProcessEnvironment(env);
-        QStringList all = QStringList{u"report"_s} + args;
-        if (withDb)
-            all << u"--db"_s << m_fx->scratch.url();
-        p.start(QStringLiteral(SX_MONITOR_BIN), all);
-        if (!p.waitForFinished(120000))
-            return {};
-        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-                QString::fromUtf8(p.readAllStandardOutput()),
-                QString::fromUtf8(p.readAllStandardError())};
+        const QStringList db{u"--db"_s, m_fx->scratch.url()};
+        return runTool(QStringLiteral(SX_MONITOR_BIN),
+                       QStringList{u"report"_s} + args + (withDb ? db : QStringList()), env);
     }
 
     std::unique_ptr<GuiFixture> m_fx;

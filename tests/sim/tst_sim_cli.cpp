@@ -1,6 +1,7 @@
 #include "ScratchDatabase.h"
 #include "SimTestHelpers.h"
-#include "model/Schema.h"
+#include "ToolRun.h"
+#include "sim/SimSchema.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -10,32 +11,11 @@ using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
 
-namespace {
-
-struct Outcome {
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-Outcome runSim(const QStringList& args, int timeoutMs = 30000)
+// The simulator's exit code and what it printed.
+ToolRun runSim(const QStringList& args)
 {
-    QProcess p;
-    p.start(QString::fromUtf8(SX_SIM_EXE), args);
-    Outcome o;
-    if (!p.waitForFinished(timeoutMs)) {
-        p.kill();
-        p.waitForFinished();
-        o.err = u"timed out"_s;
-        return o;
-    }
-    o.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
-    o.out = QString::fromUtf8(p.readAllStandardOutput());
-    o.err = QString::fromUtf8(p.readAllStandardError());
-    return o;
+    return runTool(QString::fromUtf8(SX_SIM_EXE), args);
 }
-
-} // namespace
 
 class TestSimCli : public QObject {
     Q_OBJECT
@@ -44,7 +24,7 @@ class TestSimCli : public QObject {
     ScratchDatabase m_scratch;
     Database m_db;
 
-    Outcome onScratch(const QStringList& args)
+    ToolRun onScratch(const QStringList& args)
     {
         return runSim(QStringList{u"--db"_s, m_scratch.url()} + args);
     }
@@ -52,12 +32,11 @@ class TestSimCli : public QObject {
     // Leaves the shared database without any table.
     void dropAllTables()
     {
-        for (const QString& t :
-             {u"Systems_Info"_s, u"Systems_Current_Condition"_s, u"Sensors_Info"_s,
-              u"Sensors_Current_Condition"_s, u"Powermonitoring_Info"_s,
-              u"Powermonitoring_Current_Condit"_s, u"Systems_Faults"_s, u"Sensors_Events"_s,
-              u"Powermonitoring_Events"_s, u"Records"_s, u"Events_1"_s, u"Terminal_Requests"_s,
-              u"Sim_Unit_Codes"_s}) {
+        QStringList tables{u"Sim_Unit_Codes"_s};
+        for (const sim::SchemaColumn& c : sim::schemaColumns())
+            tables << c.table;
+        tables.removeDuplicates();
+        for (const QString& t : tables) {
             const DbError e = m_db.exec(u"DROP TABLE IF EXISTS "_s + t);
             QVERIFY2(!e.isError(), qPrintable(e.description));
         }
@@ -73,11 +52,11 @@ private slots:
     void initTwiceIsHarmless()
     {
         dropAllTables();
-        QCOMPARE(onScratch({u"init"_s}).exitCode, 0);
+        QCOMPARE(onScratch({u"init"_s}).code, 0);
         QVERIFY(
             !m_db.exec(u"INSERT INTO Systems_Info (SyI_Serialnumber) VALUES ('KEEP')"_s).isError());
-        const Outcome second = onScratch({u"init"_s});
-        QCOMPARE(second.exitCode, 0);
+        const ToolRun second = onScratch({u"init"_s});
+        QCOMPARE(second.code, 0);
         QVERIFY2(second.err.isEmpty(), qPrintable(second.err)); // no notices about existing tables
         QCOMPARE(scalar(m_db, u"SELECT COUNT(*) FROM Systems_Info"_s), 1);
         QCOMPARE(scalar(m_db, u"SELECT COUNT(*) FROM Sim_Unit_Codes"_s), 0);
@@ -85,9 +64,9 @@ private slots:
 
     void seedPrintsEveryUnitWithItsCode()
     {
-        const Outcome o = onScratch({u"seed"_s, u"--days"_s, u"1"_s, u"--units"_s, u"13"_s,
+        const ToolRun o = onScratch({u"seed"_s, u"--days"_s, u"1"_s, u"--units"_s, u"13"_s,
                                      u"--end"_s, u"2024-03-10 12:00"_s});
-        QCOMPARE(o.exitCode, 0);
+        QCOMPARE(o.code, 0);
         Rows rows = m_db.read(
             u"SELECT SyI_Serialnumber, SyI_Model, SyI_Softver, SyI_Online, SimC_Code FROM "
             "Systems_Info JOIN Sim_Unit_Codes ON SimC_Serialnumber=SyI_Serialnumber"_s);
@@ -130,8 +109,8 @@ private slots:
         QFETCH(QString, args);
         QFETCH(int, exitCode);
         QFETCH(QString, mentions);
-        const Outcome o = runSim(args.split(u' '));
-        QCOMPARE(o.exitCode, exitCode);
+        const ToolRun o = runSim(args.split(u' '));
+        QCOMPARE(o.code, exitCode);
         QVERIFY2(o.err.contains(mentions), qPrintable(o.err));
         QCOMPARE(o.err.trimmed().count(u'\n'), 0);
         QVERIFY(!o.err.contains(u"secretpw"_s)); // no password in messages
@@ -150,22 +129,22 @@ private slots:
             QVERIFY(f.open(QIODevice::WriteOnly));
             f.write("not a database, just text\n");
         }
-        const Outcome o = runSim({u"--db"_s, url, u"run"_s});
-        QCOMPARE(o.exitCode, 1);
+        const ToolRun o = runSim({u"--db"_s, url, u"run"_s});
+        QCOMPARE(o.code, 1);
         QCOMPARE(o.err.trimmed().count(u'\n'), 0);
         if (m_scratch.isPostgres()) {
             QVERIFY2(o.err.contains(u"password"_s), qPrintable(o.err));
             QVERIFY(!o.err.contains(u"not-the-password"_s));
         }
         dropAllTables(); // a database without the tables
-        const Outcome empty = onScratch({u"run"_s});
-        QCOMPARE(empty.exitCode, 1);
+        const ToolRun empty = onScratch({u"run"_s});
+        QCOMPARE(empty.code, 1);
         QVERIFY2(empty.err.contains(u"init"_s), qPrintable(empty.err));
     }
 
     void runStopsOnSigterm()
     {
-        QCOMPARE(onScratch({u"init"_s}).exitCode, 0);
+        QCOMPARE(onScratch({u"init"_s}).code, 0);
         QProcess p;
         p.start(QString::fromUtf8(SX_SIM_EXE),
                 {u"--db"_s, m_scratch.url(), u"run"_s, u"--interval"_s, u"100"_s});

@@ -48,14 +48,6 @@ public:
         m_sockets.clear();
     }
 
-    int count() const
-    {
-        int n = 0;
-        for (const QPointer<QTcpSocket>& s : m_sockets)
-            n += s ? 1 : 0;
-        return n / 2;
-    }
-
     // Everything with a socket notifier goes in its own thread.
     void shutDown()
     {
@@ -150,14 +142,6 @@ void FaultProxy::setMode(Mode mode, int delayMs)
 void FaultProxy::cutAll()
 {
     QMetaObject::invokeMethod(m_core, &ProxyCore::cutAll, Qt::BlockingQueuedConnection);
-}
-
-int FaultProxy::connectionCount() const
-{
-    int n = 0;
-    QMetaObject::invokeMethod(
-        m_core, [this, &n] { n = m_core->count(); }, Qt::BlockingQueuedConnection);
-    return n;
 }
 
 } // namespace sx::test

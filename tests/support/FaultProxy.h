@@ -26,7 +26,6 @@ public:
     void setMode(Mode mode, int delayMs = 0);
     // Closes every open connection, as a server that went away does.
     void cutAll();
-    [[nodiscard]] int connectionCount() const;
 
 private:
     QThread m_thread;

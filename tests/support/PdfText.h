@@ -1,23 +1,14 @@
 #pragma once
 
+#include "ToolRun.h"
+
 #include <QPrinter>
-#include <QProcess>
 #include <QRectF>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
 namespace sx::test {
-
-// What a command-line tool printed; empty when it failed.
-inline QString toolOutput(const QString& program, const QStringList& args)
-{
-    QProcess p;
-    p.start(program, args);
-    if (!p.waitForFinished(60000) || p.exitCode() != 0)
-        return {};
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
 
 // The PDF's pages as pdftotext lays them out; empty when it cannot be read.
 inline QStringList pdfPages(const QString& pdf)

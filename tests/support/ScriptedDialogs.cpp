@@ -8,11 +8,11 @@ namespace sx::test {
 
 namespace {
 
-// The next scripted answer; without one the dialog counts as unexpected.
-template <typename T> T take(QList<T>& answers, ScriptedDialogs::Shown& s, T fallback = {})
+// The next scripted answer for the dialog just recorded; without one it counts as unexpected.
+template <typename T> T take(QList<T>& answers, ScriptedDialogs::Shown& shown, T fallback = {})
 {
-    s.unexpected = answers.isEmpty();
-    return s.unexpected ? fallback : answers.takeFirst();
+    shown.unexpected = answers.isEmpty();
+    return shown.unexpected ? fallback : answers.takeFirst();
 }
 
 } // namespace
@@ -50,32 +50,26 @@ int ScriptedDialogs::pendingAnswers() const
 DialogService::Answer ScriptedDialogs::message(QWidget*, Icon icon, const QString& title,
                                                const QString& text, Buttons buttons)
 {
-    Shown s{u"message"_s, icon, buttons, title, text, {}, false};
+    Shown& s = record({u"message"_s, icon, buttons, title, text, {}, false});
     // A box with only OK needs no script.
-    const Answer a =
-        buttons == Buttons::Ok
-            ? Answer::Ok
-            : take(m_messages, s, buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
-    record(s);
-    return a;
+    return buttons == Buttons::Ok
+               ? Answer::Ok
+               : take(m_messages, s, buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
 }
 
 std::optional<QString> ScriptedDialogs::inputText(QWidget*, const QString& title,
                                                   const QString& prompt, const QString& defaultText)
 {
-    Shown s{u"input"_s, Icon::None, Buttons::OkCancel, title, prompt, {defaultText}, false};
-    const std::optional<QString> a = take(m_inputs, s);
-    record(s);
-    return a;
+    return take(
+        m_inputs,
+        record({u"input"_s, Icon::None, Buttons::OkCancel, title, prompt, {defaultText}, false}));
 }
 
 std::optional<QString> ScriptedDialogs::codePrompt(QWidget*, const QString& title,
                                                    const QString& label)
 {
-    Shown s{u"code"_s, Icon::None, Buttons::OkCancel, title, label, {}, false};
-    const std::optional<QString> a = take(m_codes, s);
-    record(s);
-    return a;
+    return take(m_codes,
+                record({u"code"_s, Icon::None, Buttons::OkCancel, title, label, {}, false}));
 }
 
 std::optional<DialogService::Selection> ScriptedDialogs::selection(QWidget*, const QString& caption,
@@ -86,54 +80,47 @@ std::optional<DialogService::Selection> ScriptedDialogs::selection(QWidget*, con
     QStringList items = first;
     if (!second.isEmpty())
         items << u"|"_s << second;
-    Shown s{u"selection"_s, Icon::None, Buttons::OkCancel, caption, label, items, false};
-    const std::optional<Selection> a = take(m_selections, s);
-    record(s);
-    return a;
+    return take(m_selections, record({u"selection"_s, Icon::None, Buttons::OkCancel, caption, label,
+                                      items, false}));
 }
 
 QString ScriptedDialogs::openFileName(QWidget*, const QString& title, const QString& filter,
                                       const QString& proposed)
 {
-    Shown s{u"open"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false};
-    const QString a = take(m_files, s);
-    record(s);
-    return a;
+    return take(
+        m_files,
+        record({u"open"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false}));
 }
 
 QString ScriptedDialogs::saveFileName(QWidget*, const QString& title, const QString& filter,
                                       const QString& proposed)
 {
-    Shown s{u"save"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false};
-    const QString a = take(m_files, s);
-    record(s);
-    return a;
+    return take(
+        m_files,
+        record({u"save"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false}));
 }
 
 bool ScriptedDialogs::printDialog(QWidget*, QPrinter& printer)
 {
-    Shown s{u"print"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false};
-    const auto [accept, setup] = take(m_prints, s);
+    const auto [accept, setup] =
+        take(m_prints, record({u"print"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false}));
     if (setup)
         setup(printer);
-    record(s);
     return accept;
 }
 
 void ScriptedDialogs::printPreview(QWidget*, QPrinter& printer,
                                    const std::function<void(QPrinter&)>& paint)
 {
-    Shown s{u"preview"_s, Icon::None, Buttons::Ok, {}, {}, {}, m_previews.isEmpty()};
-    record(s);
+    record({u"preview"_s, Icon::None, Buttons::Ok, {}, {}, {}, m_previews.isEmpty()});
     if (!m_previews.isEmpty())
         m_previews.takeFirst()(printer, paint);
 }
 
 bool ScriptedDialogs::settingsDialog(QWidget*)
 {
-    Shown s{u"settings"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false};
-    const std::function<bool()> hook = take(m_settings, s);
-    record(s);
+    const std::function<bool()> hook =
+        take(m_settings, record({u"settings"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false}));
     return hook && hook();
 }
 
