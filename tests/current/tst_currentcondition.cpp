@@ -220,13 +220,11 @@ private slots:
         QFETCH(QString, online);
         QFETCH(bool, connected);
         const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s, online));
-        QVERIFY(seed.point(s, 1, u"'Σημείο'"_s));
-        QVERIFY(seed.pointCondition(s, 1, u"1"_s));
-        QVERIFY(seed.power(s, 1, u"NULL"_s));
-        QVERIFY(seed.powerCondition(s, 1, u"0"_s, u"0"_s));
-        QVERIFY(seed.condition(s, u"1"_s, u"1"_s, u"'2024-03-05 14:07:00'"_s));
-        QVERIFY(seed.fault(s, 0, u"3"_s));
+        QVERIFY(seed.unit(s, u"Μονάδα"_s, online) && seed.point(s, 1, u"'Σημείο'"_s) &&
+                seed.pointCondition(s, 1, u"1"_s) && seed.power(s, 1, u"NULL"_s) &&
+                seed.powerCondition(s, 1, u"0"_s, u"0"_s) &&
+                seed.condition(s, u"1"_s, u"1"_s, u"'2024-03-05 14:07:00'"_s) &&
+                seed.fault(s, 0, u"3"_s));
         const CurrentCondition cc = read(s);
         QVERIFY(cc.unitFound);
         QCOMPARE(cc.connected, connected);
@@ -259,8 +257,7 @@ private slots:
         QFETCH(QString, rtc);
         QFETCH(QDateTime, shown);
         const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s));
-        QVERIFY(seed.condition(s, u"0"_s, u"0"_s, rtc));
+        QVERIFY(seed.unit(s, u"Μονάδα"_s) && seed.condition(s, u"0"_s, u"0"_s, rtc));
         const CurrentCondition cc = read(s);
         QCOMPARE(cc.clock, shown.isValid() ? greekDateTime(shown, false) : QString());
         if (shown.isValid())
