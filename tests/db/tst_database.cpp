@@ -87,7 +87,7 @@ private slots:
             QVERIFY(!QFile::exists(s.file)); // opening never creates the console's database
     }
 
-    void nullsAreDistinct()
+    void nullsAreDistinctAndFailuresCarryTheirError()
     {
         OPEN_SCRATCH();
         using namespace schema::SensorsInfo;
@@ -123,6 +123,22 @@ private slots:
                                    u"C|Ψυγείο 'Α'|20|-12.5|20|0"_s}));
         QVERIFY(r.ok());
         QVERIFY(!r.text(0)); // past the end nothing is read
+        // Failures carry their error.
+        for (bool native : {true, false}) {
+            db.setNativeReads(native);
+            Rows bad = db.read(u"SELECT x FROM NoSuchTable"_s);
+            QVERIFY(!bad.ok());
+            QVERIFY(!bad.next());
+            QVERIFY2(bad.error().description.contains(u"NoSuchTable"_s, Qt::CaseInsensitive),
+                     qPrintable(bad.error().description));
+            QVERIFY(bad.error().number != 0);
+        }
+        const DbError e = db.exec(u"UPDATE NoSuchTable SET a=1"_s);
+        QVERIFY(e.isError());
+        QVERIFY(!db.connectionLost()); // a bad statement is not a lost connection
+        DbError fe;
+        QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe));
+        QVERIFY(!fe.isError());
     }
 
     void dateTimesRangesAndZeroDates()
@@ -210,26 +226,6 @@ private slots:
         Rows all = db.read(u"SELECT count(*) AS n FROM Terminal_Requests"_s);
         QVERIFY(all.next());
         QCOMPARE(all.integer(u"N"), 1);
-    }
-
-    void failuresCarryTheirError()
-    {
-        OPEN_SCRATCH();
-        for (bool native : {true, false}) {
-            db.setNativeReads(native);
-            Rows r = db.read(u"SELECT x FROM NoSuchTable"_s);
-            QVERIFY(!r.ok());
-            QVERIFY(!r.next());
-            QVERIFY2(r.error().description.contains(u"NoSuchTable"_s, Qt::CaseInsensitive),
-                     qPrintable(r.error().description));
-            QVERIFY(r.error().number != 0);
-        }
-        const DbError e = db.exec(u"UPDATE NoSuchTable SET a=1"_s);
-        QVERIFY(e.isError());
-        QVERIFY(!db.connectionLost()); // a bad statement is not a lost connection
-        DbError fe;
-        QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe));
-        QVERIFY(!fe.isError());
     }
 
     void messageAndFaultChecks_data()
