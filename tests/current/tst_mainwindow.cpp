@@ -200,7 +200,7 @@ private slots:
         QVERIFY(m_w->refreshTimer()->isActive());
     }
 
-    void refreshRewritesOnlyWhatChangedInPlace()
+    void refreshRewritesOnlyWhatChangedInPlaceAndFollowsNewMessages()
     {
         fillSystemSelect(*m_w, 0, false);
         QTableWidget* grid = m_w->pointsGrid();
@@ -253,6 +253,23 @@ private slots:
         QCOMPARE(grid->rowCount(), 9);
         QCOMPARE(rowTexts(grid, 1)[0], u"[3] Ζώνη 3"_s);
         QCOMPARE(rowColor(grid, 1), colors::kLightBlue);
+
+        // The messages button: Gamma's fault counts as a new message, whichever unit is shown.
+        QPushButton* messages = m_w->navigation()->button(ViewId::Messages);
+        QVERIFY(m_w->navigation()->newMessagesShown());
+        QCOMPARE(buttonColor(messages), colors::kLightRed);
+        QVERIFY(m_fx->exec(u"DELETE FROM Systems_Faults"_s));
+        m_w->refresh();
+        QCOMPARE(buttonColor(messages), colors::kLightGrey);
+
+        CurrentSeed s(m_fx->db);
+        QVERIFY(s.newPointMessage(u"B-200"_s)); // another unit's message
+        m_w->refresh();
+        QCOMPARE(buttonColor(messages), colors::kLightRed);
+
+        QVERIFY(m_fx->exec(u"UPDATE Sensors_Events SET SeE_Recipients=0"_s)); // archived
+        m_w->refresh();
+        QCOMPARE(buttonColor(messages), colors::kLightGrey);
     }
 
     void longLabelsGetTallerRows()
@@ -284,27 +301,6 @@ private slots:
         m_w->refresh();
         QCOMPARE(m_w->pointsGrid()->rowHeight(1),
                  m_w->pointsGrid()->verticalHeader()->defaultSectionSize());
-    }
-
-    void messagesButtonFollowsNewMessages()
-    {
-        fillSystemSelect(*m_w, 0, false);
-        QPushButton* messages = m_w->navigation()->button(ViewId::Messages);
-        // Gamma's fault counts as a new message, whichever unit is shown.
-        QVERIFY(m_w->navigation()->newMessagesShown());
-        QCOMPARE(buttonColor(messages), colors::kLightRed);
-        QVERIFY(m_fx->exec(u"DELETE FROM Systems_Faults"_s));
-        m_w->refresh();
-        QCOMPARE(buttonColor(messages), colors::kLightGrey);
-
-        CurrentSeed s(m_fx->db);
-        QVERIFY(s.newPointMessage(u"B-200"_s)); // another unit's message
-        m_w->refresh();
-        QCOMPARE(buttonColor(messages), colors::kLightRed);
-
-        QVERIFY(m_fx->exec(u"UPDATE Sensors_Events SET SeE_Recipients=0"_s)); // archived
-        m_w->refresh();
-        QCOMPARE(buttonColor(messages), colors::kLightGrey);
     }
 
     // Without a unit in use nothing refreshes and the commands stay unavailable;
