@@ -289,16 +289,12 @@ private slots:
             QVERIFY(seed.power(s, n, u"'Π%1'"_s.arg(n), n == 3 ? u"NULL"_s : u"1"_s));
             QVERIFY(seed.powerCondition(s, n, u"0"_s, u"0"_s));
         }
-        const CurrentCondition cc = read(s);
-        QStringList labels;
-        for (const PointRow& p : cc.points)
-            labels << p.label + u'=' + p.reading;
-        QCOMPARE(labels,
-                 (QStringList{u"[2] Ζ2=2.0 °C"_s, u"[7] Ζ7=7.0 °C"_s, u"[15] Ζ15=15.0 °C"_s}));
-        labels.clear();
-        for (const PowerRow& p : cc.powers)
-            labels << p.label;
-        QCOMPARE(labels, (QStringList{u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s, u"[3] Π4"_s}));
+        QCOMPARE(
+            rowsOf(read(s)).split(u'\n'),
+            (QStringList{one(u"[2] Ζ2"_s, u"2.0 °C"_s, kGrey), one(u"[7] Ζ7"_s, u"7.0 °C"_s, kGrey),
+                         one(u"[15] Ζ15"_s, u"15.0 °C"_s, kGrey),
+                         one(u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s, u"OK"_s, kGrey),
+                         one(u"[3] Π4"_s, u"OK"_s, kGrey)}));
     }
 
     void failingQueryStopsWithItsError()
