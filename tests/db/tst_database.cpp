@@ -200,8 +200,7 @@ private slots:
                                         {TrmReq_Requestcompleted, qint64(0)},
                                         {TrmReq_Requestreply, qint64(0)}});
         };
-        QVERIFY(!add(u"U1"_s).isError());
-        QVERIFY(!add(u"U2"_s).isError());
+        QVERIFY(!add(u"U1"_s).isError() && !add(u"U2"_s).isError());
         qint64 n = -1;
         QVERIFY(!db.updateRows(table, {{TrmReq_Requestcompleted, qint64(1)}},
                                u"TrmReq_SyI_Serialnumber="_s + sqlQuote(u"U1"), &n)
