@@ -79,14 +79,11 @@ static bool seedCase(test::CurrentSeed& seed, const QString& sql)
             ok = seed.powerCondition(u"U"_s, f[1].toInt(), f[2], f[3]);
         else if (f[0] == u"F")
             ok = seed.fault(u"U"_s, f[1].toInt(), f[2]);
-        else if (f[0] == u"M")
+        else // a point message (M) or a power message (PM)
             ok = seed.run(
-                u"INSERT INTO Sensors_Events (SeE_SyI_Serialnumber, SeE_Sensornumber, SeE_Eventnumber, SeE_Eventtype, SeE_Recordedvalue, SeE_BeforeCounter, SeE_Recipients) VALUES ('U', 1, %1, 1, 5, 60, %2)"_s
-                    .arg(n)
-                    .arg(f[1]));
-        else if (f[0] == u"PM")
-            ok = seed.run(
-                u"INSERT INTO Powermonitoring_Events (PmE_SyI_Serialnumber, PmE_Eventnumber, PmE_Eventpowercondition, PmE_BeforeCounter, PmE_Recipients) VALUES ('U', %1, 1, 60, %2)"_s
+                (f[0] == u"M"
+                     ? u"INSERT INTO Sensors_Events (SeE_SyI_Serialnumber, SeE_Sensornumber, SeE_Eventnumber, SeE_Eventtype, SeE_Recordedvalue, SeE_BeforeCounter, SeE_Recipients) VALUES ('U', 1, %1, 1, 5, 60, %2)"_s
+                     : u"INSERT INTO Powermonitoring_Events (PmE_SyI_Serialnumber, PmE_Eventnumber, PmE_Eventpowercondition, PmE_BeforeCounter, PmE_Recipients) VALUES ('U', %1, 1, 60, %2)"_s)
                     .arg(n)
                     .arg(f[1]));
         if (!ok)
