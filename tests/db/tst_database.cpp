@@ -87,7 +87,7 @@ private slots:
             QVERIFY(!QFile::exists(s.file)); // opening never creates the console's database
     }
 
-    void nullsAreDistinct()
+    void nullsAreDistinctAndFailuresCarryTheirError()
     {
         OPEN_SCRATCH();
         using namespace schema::SensorsInfo;
@@ -123,6 +123,22 @@ private slots:
                                    u"C|Ψυγείο 'Α'|20|-12.5|20|0"_s}));
         QVERIFY(r.ok());
         QVERIFY(!r.text(0)); // past the end nothing is read
+        // Failures carry their error.
+        for (bool native : {true, false}) {
+            db.setNativeReads(native);
+            Rows bad = db.read(u"SELECT x FROM NoSuchTable"_s);
+            QVERIFY(!bad.ok());
+            QVERIFY(!bad.next());
+            QVERIFY2(bad.error().description.contains(u"NoSuchTable"_s, Qt::CaseInsensitive),
+                     qPrintable(bad.error().description));
+            QVERIFY(bad.error().number != 0);
+        }
+        const DbError e = db.exec(u"UPDATE NoSuchTable SET a=1"_s);
+        QVERIFY(e.isError());
+        QVERIFY(!db.connectionLost()); // a bad statement is not a lost connection
+        DbError fe;
+        QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe));
+        QVERIFY(!fe.isError());
     }
 
     void dateTimesRangesAndZeroDates()
@@ -145,15 +161,6 @@ private slots:
             u"SELECT Rec_Datetime FROM Records WHERE Rec_SyI_Serialnumber='S' AND Rec_Datetime"_s +
             sqlDateRange(db.kind(), toQDateTime(from), toQDateTime(to)) +
             u" ORDER BY Rec_SensRecSN"_s;
-        for (bool native : {true, false}) {
-            db.setNativeReads(native);
-            Rows r = db.read(sql);
-            QList<qint64> got;
-            while (r.next())
-                got << r.dateTime(0).value_or(-1);
-            QVERIFY2(r.ok(), qPrintable(r.error().description));
-            QCOMPARE(got, QList<qint64>({from, stamps[2], to}));
-        }
         // The zero date means "not set", like NULL, though it is a value.
         const SqlValue events[] = {SqlDateTimeValue{secsAt(1899, 12, 30, 0, 0, 0)},
                                    std::monostate{}, SqlDateTimeValue{to}};
@@ -164,12 +171,18 @@ private slots:
                          .isError());
         for (bool native : {true, false}) {
             db.setNativeReads(native);
-            Rows r = db.read(
-                u"SELECT SeE_Recordeddatetime FROM Sensors_Events ORDER BY SeE_Eventnumber"_s);
-            QStringList got;
+            Rows r = db.read(sql);
+            QList<qint64> got;
             while (r.next())
-                got << u"%1 %2"_s.arg(r.dateTime(0).value_or(-1)).arg(int(r.isNull(0)));
-            QCOMPARE(got, (QStringList{u"-1 0"_s, u"-1 1"_s, u"%1 0"_s.arg(to)}));
+                got << r.dateTime(0).value_or(-1);
+            QVERIFY2(r.ok(), qPrintable(r.error().description));
+            QCOMPARE(got, QList<qint64>({from, stamps[2], to}));
+            Rows e = db.read(
+                u"SELECT SeE_Recordeddatetime FROM Sensors_Events ORDER BY SeE_Eventnumber"_s);
+            QStringList zero;
+            while (e.next())
+                zero << u"%1 %2"_s.arg(e.dateTime(0).value_or(-1)).arg(int(e.isNull(0)));
+            QCOMPARE(zero, (QStringList{u"-1 0"_s, u"-1 1"_s, u"%1 0"_s.arg(to)}));
         }
     }
 
@@ -184,8 +197,7 @@ private slots:
                                         {TrmReq_Requestcompleted, qint64(0)},
                                         {TrmReq_Requestreply, qint64(0)}});
         };
-        QVERIFY(!add(u"U1"_s).isError());
-        QVERIFY(!add(u"U2"_s).isError());
+        QVERIFY(!add(u"U1"_s).isError() && !add(u"U2"_s).isError());
         qint64 n = -1;
         QVERIFY(!db.updateRows(table, {{TrmReq_Requestcompleted, qint64(1)}},
                                u"TrmReq_SyI_Serialnumber="_s + sqlQuote(u"U1"), &n)
@@ -210,26 +222,6 @@ private slots:
         Rows all = db.read(u"SELECT count(*) AS n FROM Terminal_Requests"_s);
         QVERIFY(all.next());
         QCOMPARE(all.integer(u"N"), 1);
-    }
-
-    void failuresCarryTheirError()
-    {
-        OPEN_SCRATCH();
-        for (bool native : {true, false}) {
-            db.setNativeReads(native);
-            Rows r = db.read(u"SELECT x FROM NoSuchTable"_s);
-            QVERIFY(!r.ok());
-            QVERIFY(!r.next());
-            QVERIFY2(r.error().description.contains(u"NoSuchTable"_s, Qt::CaseInsensitive),
-                     qPrintable(r.error().description));
-            QVERIFY(r.error().number != 0);
-        }
-        const DbError e = db.exec(u"UPDATE NoSuchTable SET a=1"_s);
-        QVERIFY(e.isError());
-        QVERIFY(!db.connectionLost()); // a bad statement is not a lost connection
-        DbError fe;
-        QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe));
-        QVERIFY(!fe.isError());
     }
 
     void messageAndFaultChecks_data()

@@ -251,7 +251,6 @@ private:
             printCurrentCondition(m_fx->ctx, &w, m_fx->ctx.serialAt(u));
             expectReport("current condition", pdf);
         }
-        w.refreshTimer()->stop();
     }
 
     void walkRecordsAndGraph(int units)

@@ -86,14 +86,10 @@ private slots:
         QVERIFY(qAbs(p.pageHeight() - (297.0 - 2 * marginMm)) < 0.1);
         const double y = 12.0;
         sx::printBanner(p, 10.0, y, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
-        QCOMPARE(p.currentX(), 0.0);
-        QCOMPARE(p.currentY(), y + 2 * p.textHeight() + 1.0);
         p.print(u"Γραμμή μετά τον τίτλο"_s);
         p.setCurrentX(30.0);
         p.setCurrentY(50.0);
         p.print(u"ΘΕΣΗ"_s);
-        QCOMPARE(p.currentX(), 0.0);
-        QCOMPARE(p.currentY(), 50.0 + p.textHeight());
         p.print(u"ΕΠΟΜΕΝΗ"_s);
         QCOMPARE(pdf.lines(), (QStringList{u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s, u"Γραμμή μετά τον τίτλο"_s,
                                            u"ΘΕΣΗ"_s, u"ΕΠΟΜΕΝΗ"_s}));
@@ -103,8 +99,8 @@ private slots:
                  qPrintable(QString::number(banner.center().x())));
         QVERIFY(qAbs(banner.top() - (marginMm + y + 0.5)) < 0.7);
         const QRectF after = pdf.box(u"Γραμμή μετά τον τίτλο"_s);
-        QVERIFY(after.top() > banner.bottom() + 1.0);
         QVERIFY(qAbs(after.top() - (marginMm + y + 2 * p.textHeight() + 1.0)) < 0.7);
+        QVERIFY(qAbs(after.left() - marginMm) < 0.5); // the banner leaves x at 0
         const QRectF first = pdf.box(u"ΘΕΣΗ"_s);
         QVERIFY2(qAbs(first.left() - (marginMm + 30.0)) < 0.5,
                  qPrintable(QString::number(first.left())));
@@ -172,7 +168,6 @@ private slots:
         p.print(u"ΑΡΧΗ"_s);
         const double top = p.currentY();
         sx::printLinesAt(p, text, 40.0);
-        QCOMPARE(p.currentY(), top + count * p.textHeight());
         sx::printLinesAt(p, QString(), 10.0); // an empty text still takes one line
         p.print(u"ΤΕΛΟΣ"_s);
         QCOMPARE(pdf.lines(), QStringList() << u"ΑΡΧΗ"_s << wrapped << u"ΤΕΛΟΣ"_s);

@@ -28,11 +28,8 @@ std::vector<Sample> samples(const QString& text)
 QString timeText(qint64 secs)
 {
     const QDate d = dayOf(secs);
-    const qint64 rest = secs - secsOf(d);
-    return u"%1-%2 %3:%4"_s.arg(d.month(), 2, 10, QChar(u'0'))
-        .arg(d.day(), 2, 10, QChar(u'0'))
-        .arg(rest / 3600, 2, 10, QChar(u'0'))
-        .arg(rest / 60 % 60, 2, 10, QChar(u'0'));
+    return d.toString(u"MM-dd "_s) +
+           QTime::fromMSecsSinceStartOfDay(int(secs - secsOf(d)) * 1000).toString(u"HH:mm"_s);
 }
 
 // Excursions, the days with minutes outside, and the totals, in one line each.
