@@ -14,7 +14,8 @@ namespace sx {
 
 struct PdfDirectWriter::Font {
     QString face;
-    QRawFont raw; // sized to its units per em: advances come in font units
+    QRawFont raw;       // sized to its units per em: advances come in font units
+    QByteArray program; // empty: the font cannot be embedded, and its text is refused
     double pointSize = 0.0;
     QByteArray resource;
     std::vector<Glyph> glyphs = std::vector<Glyph>(0x10000);
@@ -130,14 +131,14 @@ QByteArray trueTypeFile(const QRawFont& raw)
     // In the order of their tags' bytes, as the table directory wants them.
     static const char* const tags[] = {"OS/2", "cmap", "cvt ", "fpgm", "gasp", "glyf", "head",
                                        "hhea", "hmtx", "loca", "maxp", "name", "post", "prep"};
+    // Without these there are no TrueType outlines to embed (a CFF font, say).
+    static const QByteArrayList needed = {"glyf", "head", "hhea", "hmtx", "loca", "maxp"};
     QList<std::pair<const char*, QByteArray>> tables;
     for (const char* tag : tags) {
         QByteArray data = raw.fontTable(tag);
         if (!data.isEmpty())
             tables.append({tag, std::move(data)});
-    }
-    for (const char* needed : {"glyf", "head", "hhea", "hmtx", "loca", "maxp"}) {
-        if (raw.fontTable(needed).isEmpty())
+        else if (needed.contains(tag))
             return {};
     }
     const auto count = quint32(tables.size());
@@ -250,8 +251,10 @@ void PdfDirectWriter::setFont(const QFont& font)
     if (m_current < 0) {
         auto f = std::make_unique<Font>();
         f->face = face;
-        if (raw.isValid() && raw.unitsPerEm() > 0)
+        if (raw.isValid() && raw.unitsPerEm() > 0) {
             raw.setPixelSize(raw.unitsPerEm());
+            f->program = trueTypeFile(raw);
+        }
         f->raw = raw;
         f->resource = "F" + QByteArray::number(qsizetype(m_fonts.size()) + 1);
         m_fonts.push_back(std::move(f));
@@ -267,7 +270,7 @@ const PdfDirectWriter::Glyph& PdfDirectWriter::glyph(Font& font, char16_t c)
     if (g.size >= 0)
         return g;
     g.size = 0;
-    if (!font.raw.isValid() || !setsPlainly(QChar(c)))
+    if (font.program.isEmpty() || !setsPlainly(QChar(c)))
         return g;
     const QList<quint32> index = font.raw.glyphIndexesForString(QString(QChar(c)));
     if (index.size() != 1 || index.first() == 0 || index.first() > 0xffff)
@@ -395,8 +398,7 @@ void PdfDirectWriter::writeFonts()
         const QByteArray name = psName(raw);
 
         const int file = newObject();
-        const QByteArray program = trueTypeFile(raw);
-        writeStream(file, program, " /Length1 " + QByteArray::number(program.size()));
+        writeStream(file, font->program, " /Length1 " + QByteArray::number(font->program.size()));
 
         const int descriptor = newObject();
         beginObject(descriptor);
