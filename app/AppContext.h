@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Database.h"
+#include "model/DbLink.h"
 #include "model/LoadedRecords.h"
 
 #include <QDateTime>
@@ -29,11 +30,12 @@ public:
     [[nodiscard]] virtual QDateTime now() const { return QDateTime::currentDateTime(); }
 };
 
-// What every view shares: the one connection, the unit serials of the list
+// What every view shares: the connection (on its own thread: views post jobs
+// to it and never run a statement themselves), the unit serials of the list
 // filled last, the dialogs, the settings and the way out. Tests build one
 // against a scratch database with scripted dialogs.
 struct AppContext {
-    Database* db = nullptr;
+    DbLink* db = nullptr;
     DialogService* dialogs = nullptr;
     SettingsStore* settings = nullptr;
     Clock* clock = nullptr;

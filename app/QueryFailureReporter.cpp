@@ -3,9 +3,19 @@
 #include "app/AppContext.h"
 #include "app/DialogService.h"
 
-#include <QEventLoop>
-#include <QThread>
+#include "model/DbLink.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSaveFile>
+#include <QTimer>
 #include <QWidget>
+
+#include <thread>
+
+using namespace Qt::StringLiterals;
 
 namespace sx {
 
@@ -33,6 +43,37 @@ bool answersReads(const ConnectionSettings& settings)
     return !probe.open(settings).isError();
 }
 
+struct Reopened {
+    DbError error;
+    QStringList failed;
+};
+
+// On the connection's thread: a connection that still works is kept (a side
+// connection's failure says nothing of it); else it is opened again. Then the
+// left-overs of actions cut short run before anything else.
+Reopened reopenAndRun(Database& db, const QStringList& pending, bool probeFirst)
+{
+    Reopened out;
+    if (!db.isOpen() || db.connectionLost()) {
+        if (probeFirst && !Database::reachable(db.settings())) {
+            out.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                         DbFailureCause::Unreachable};
+            out.failed = pending;
+            return out;
+        }
+        out.error = db.reopen();
+        if (out.error.isError()) {
+            out.failed = pending;
+            return out;
+        }
+    }
+    for (const QString& sql : pending) {
+        if (db.exec(sql).isError())
+            out.failed.append(sql);
+    }
+    return out;
+}
+
 } // namespace
 
 QueryFailureReporter::QueryFailureReporter(AppContext& ctx, QObject* parent)
@@ -40,13 +81,11 @@ QueryFailureReporter::QueryFailureReporter(AppContext& ctx, QObject* parent)
 {
     m_retry.setSingleShot(true);
     connect(&m_retry, &QTimer::timeout, this, &QueryFailureReporter::startProbe);
+    if (m_ctx.db)
+        connect(m_ctx.db, &DbLink::connectionLost, this, &QueryFailureReporter::noteLost);
 }
 
-QueryFailureReporter::~QueryFailureReporter()
-{
-    if (m_probe)
-        m_probe->wait();
-}
+QueryFailureReporter::~QueryFailureReporter() = default;
 
 void QueryFailureReporter::report(const DbError& error, QWidget* parent, FailureOrigin origin)
 {
@@ -54,12 +93,12 @@ void QueryFailureReporter::report(const DbError& error, QWidget* parent, Failure
         return;
     if (parent && !m_failedIn.contains(parent))
         m_failedIn.append(parent);
-    Database* db = m_ctx.db;
-    // While a writer holds the file, a read not tried says "lost" too; it is not.
-    if ((db && (!db->isOpen() || db->connectionLost())) ||
-        (error.cause == DbFailureCause::Unreachable && !m_locked))
+    // A lost main connection is heard of from the link itself; an unreachable
+    // server met on any connection starts the same watch, but a connection
+    // that still works is kept when the server answers again.
+    if (error.cause == DbFailureCause::Unreachable && !m_locked)
         noteLost();
-    else if (m_locked || (db && lockedByWriter(error, db->kind())))
+    else if (m_locked || lockedByWriter(error, m_ctx.dbKind()))
         noteLocked();
     // A view that fills again after an outage tries by itself; failing again
     // is still the outage the user was told of.
@@ -72,9 +111,22 @@ void QueryFailureReporter::report(const DbError& error, QWidget* parent, Failure
         return;
     if (m_actionDepth > 0 && std::exchange(m_actionReported, true))
         return;
-    // Set before the box: its own event loop lets the refresh run meanwhile.
     m_outage = true;
     ++m_shown;
+    if (origin == FailureOrigin::User) {
+        // The user's own action: its box comes before the action ends.
+        showBox(error, parent, origin);
+        return;
+    }
+    // The watch's box is shown from the event loop: the refresh, the fleet
+    // and the notices go on while nobody answers it.
+    QTimer::singleShot(0, this, [this, error, p = QPointer<QWidget>(parent)] {
+        showBox(error, p.data(), FailureOrigin::Refresh);
+    });
+}
+
+void QueryFailureReporter::showBox(const DbError& error, QWidget* parent, FailureOrigin)
+{
     if (m_ctx.dialogs)
         m_ctx.dialogs->message(parent, DialogService::Icon::Critical, appTitle(),
                                explainDbError(error));
@@ -109,43 +161,91 @@ bool QueryFailureReporter::failedIn(const QWidget* view) const
 
 bool QueryFailureReporter::ensureConnection(FailureOrigin origin)
 {
-    Database* db = m_ctx.db;
+    DbLink* db = m_ctx.db;
     if (!db)
         return false;
     if (!m_lost) {
-        if (db->isOpen() && !db->connectionLost()) {
-            // Each read of a locked file sleeps its busy time-out on this thread:
-            // the refresh leaves it to the probe, and an action that failed
-            // already does not try its remaining reads.
-            if (m_locked)
-                return origin == FailureOrigin::User && !(m_actionDepth > 0 && m_actionReported);
-            return true;
-        }
-        noteLost();
+        // Each read of a locked file sleeps its busy time-out: the refresh
+        // leaves it to the probe, and an action that failed already does not
+        // try its remaining reads.
+        if (m_locked)
+            return origin == FailureOrigin::User && !(m_actionDepth > 0 && m_actionReported);
+        return true;
     }
     if (origin != FailureOrigin::User)
         return false;
 
-    // The user waits for an answer now, with the window painting meanwhile.
-    bool answered = false;
-    std::unique_ptr<QThread> probe(QThread::create(
-        [&answered, settings = db->settings()] { answered = Database::reachable(settings); }));
-    QEventLoop loop;
-    connect(probe.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    probe->start();
+    // The user waits for an answer now; the window paints and the watch goes
+    // on meanwhile, and the window the user acted in takes no second action.
+    QPointer<QWidget> active = QApplication::activeWindow();
+    const bool wasEnabled = active && active->isEnabled();
+    if (wasEnabled)
+        active->setEnabled(false);
     ++m_userWaits;
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    const Reopened back = db->call(
+        [pending = m_pending](Database& d) { return reopenAndRun(d, pending, true); });
     --m_userWaits;
-    probe->wait();
+    if (active && wasEnabled)
+        active->setEnabled(true);
     if (!m_lost)
         return true; // the background probe reconnected meanwhile
-    return answered && reconnect();
+    if (back.error.isError())
+        return false;
+    reconnected(back.error, back.failed);
+    return true;
 }
 
 void QueryFailureReporter::runWhenBack(const QString& sql)
 {
-    m_pending.append(sql);
+    if (!m_pending.contains(sql))
+        m_pending.append(sql);
+    savePending();
     noteLost();
+}
+
+void QueryFailureReporter::keepPendingIn(const QString& file)
+{
+    m_pendingFile = file;
+    QFile in(file);
+    if (!in.open(QIODevice::ReadOnly))
+        return;
+    for (const QJsonValue& v : QJsonDocument::fromJson(in.readAll()).array()) {
+        if (v.isString() && !m_pending.contains(v.toString()))
+            m_pending.append(v.toString());
+    }
+}
+
+void QueryFailureReporter::savePending() const
+{
+    if (m_pendingFile.isEmpty())
+        return;
+    if (m_pending.isEmpty()) {
+        QFile::remove(m_pendingFile);
+        return;
+    }
+    QSaveFile out(m_pendingFile);
+    if (!out.open(QIODevice::WriteOnly))
+        return;
+    out.write(QJsonDocument(QJsonArray::fromStringList(m_pending)).toJson(QJsonDocument::Compact));
+    out.commit();
+}
+
+void QueryFailureReporter::runPending()
+{
+    if (!m_ctx.db || m_pending.isEmpty())
+        return;
+    m_ctx.db->post(
+        this, [pending = m_pending](Database& d) { return reopenAndRun(d, pending, false); },
+        [this, sent = m_pending](const Reopened& r) {
+            // Statements added meanwhile stay, and so do those that failed.
+            QStringList keep = r.failed;
+            for (const QString& sql : std::as_const(m_pending)) {
+                if (!sent.contains(sql) && !keep.contains(sql))
+                    keep.append(sql);
+            }
+            m_pending = keep;
+            savePending();
+        });
 }
 
 void QueryFailureReporter::setRetryDelays(int firstMs, int longestMs)
@@ -159,9 +259,10 @@ void QueryFailureReporter::noteLost()
 {
     if (!m_lost) {
         m_lost = true;
+        m_locked = false;
         m_delayMs = m_firstDelayMs;
     }
-    if (!m_retry.isActive() && !m_probe)
+    if (!m_retry.isActive() && !m_probe && !m_reconnecting)
         m_retry.start(m_delayMs);
 }
 
@@ -179,25 +280,32 @@ void QueryFailureReporter::noteLocked()
 
 void QueryFailureReporter::startProbe()
 {
-    if (m_probe || !m_ctx.db || !(m_lost || m_locked))
+    if (m_probe || m_reconnecting || !m_ctx.db || !(m_lost || m_locked))
         return;
-    auto answered = std::make_shared<bool>(false);
-    m_probe.reset(QThread::create([answered, lost = m_lost, settings = m_ctx.db->settings()] {
-        *answered = lost ? Database::reachable(settings) : answersReads(settings);
-    }));
-    connect(m_probe.get(), &QThread::finished, this, [this, answered] {
-        m_probe->wait();
-        m_probe.reset();
-        probeFinished(*answered);
-    });
-    m_probe->start();
+    m_probe = true;
+    // A probe of a silent server may outlast the console: nobody waits for it.
+    QPointer<QueryFailureReporter> self(this);
+    std::thread([self, lost = m_lost, settings = m_ctx.db->settings()] {
+        const bool answered = lost ? Database::reachable(settings) : answersReads(settings);
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [self, answered] {
+                if (self) {
+                    self->m_probe = false;
+                    self->probeFinished(answered);
+                }
+            },
+            Qt::QueuedConnection);
+    }).detach();
 }
 
 void QueryFailureReporter::probeFinished(bool reachable)
 {
     if (m_lost) {
-        if (reachable && reconnect())
+        if (reachable) {
+            reconnect();
             return;
+        }
     } else if (m_locked) {
         if (reachable) {
             m_locked = false;
@@ -213,26 +321,36 @@ void QueryFailureReporter::probeFinished(bool reachable)
     m_retry.start(m_delayMs);
 }
 
-bool QueryFailureReporter::reconnect()
+void QueryFailureReporter::reconnect()
 {
-    Database* db = m_ctx.db;
-    if (!db || db->busy())
-        return false;
-    if (db->reopen().isError())
-        return false;
-    // Left-overs of actions cut short: run them before anything else.
-    QStringList failed;
-    for (const QString& sql : std::as_const(m_pending)) {
-        if (db->exec(sql).isError())
-            failed.append(sql);
+    DbLink* db = m_ctx.db;
+    if (!db || m_reconnecting)
+        return;
+    m_reconnecting = true;
+    db->post(
+        this, [pending = m_pending](Database& d) { return reopenAndRun(d, pending, false); },
+        [this](const Reopened& r) {
+            m_reconnecting = false;
+            if (!m_lost)
+                return; // a user's action reconnected meanwhile
+            reconnected(r.error, r.failed);
+        });
+}
+
+void QueryFailureReporter::reconnected(const DbError& opened, const QStringList& failed)
+{
+    if (opened.isError()) {
+        m_delayMs = std::min(m_delayMs * 2, m_longestDelayMs);
+        m_retry.start(m_delayMs);
+        return;
     }
     m_pending = failed;
+    savePending();
     m_lost = false;
     m_outage = false;
     m_retry.stop();
     m_delayMs = m_firstDelayMs;
     announceBack();
-    return true;
 }
 
 void QueryFailureReporter::announceBack()

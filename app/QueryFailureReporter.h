@@ -8,9 +8,6 @@
 #include <QStringList>
 #include <QTimer>
 
-#include <memory>
-
-class QThread;
 class QWidget;
 
 namespace sx {
@@ -26,9 +23,11 @@ enum class FailureOrigin { Refresh, User, Quiet };
 // reported here, and this is the only place that reconnects. While the
 // connection is lost it asks, away from the GUI thread and less often the
 // longer the outage lasts, whether the database answers again; when it does
-// it reconnects and emits databaseBack() so that the views refill. A file
-// locked by a writer is not a lost connection, but it is watched the same
-// way: once a read gets through again, the views that failed refill.
+// it reconnects (on the connection's own thread) and emits databaseBack() so
+// that the views refill. A file locked by a writer is not a lost connection,
+// but it is watched the same way: once a read gets through again, the views
+// that failed refill. The box of a refresh failure never holds the caller:
+// it is shown from the event loop, and the watch goes on behind it.
 class QueryFailureReporter : public QObject {
     Q_OBJECT
 public:
@@ -91,16 +90,22 @@ public:
     [[nodiscard]] bool lockedOut() const { return m_locked; }
     // Before queries: true when the connection is usable. A lost connection
     // is only reopened once the server has answered a probe; the refresh
-    // never waits for that, a user's action waits (events keep flowing).
+    // never waits for that. A user's action has the probe and the reopen run
+    // at once and waits for them (events keep flowing, the active window is
+    // disabled meanwhile).
     [[nodiscard]] bool ensureConnection(FailureOrigin origin = FailureOrigin::Refresh);
     [[nodiscard]] int reportsShown() const { return m_shown; }
     // Whether `view` (or a window inside it) had a failure since the last good round.
     [[nodiscard]] bool failedIn(const QWidget* view) const;
 
     // A statement that must still run (a request row to remove) when the
-    // connection could not run it; runs first thing after reconnecting.
+    // connection could not run it; runs first thing after reconnecting, or
+    // at the next start when the console ends first (kept in `file`).
     void runWhenBack(const QString& sql);
     [[nodiscard]] QStringList pendingStatements() const { return m_pending; }
+    void keepPendingIn(const QString& file);
+    // Runs the statements left over now (after the first connect).
+    void runPending();
 
     // Back-off of the reconnect probes: first wait, doubled up to the longest.
     void setRetryDelays(int firstMs, int longestMs);
@@ -119,8 +124,11 @@ private:
     void noteLocked();
     void startProbe();
     void probeFinished(bool reachable);
-    bool reconnect();
+    void reconnect();
+    void reconnected(const DbError& opened, const QStringList& failed);
     void announceBack();
+    void showBox(const DbError& error, QWidget* parent, FailureOrigin origin);
+    void savePending() const;
 
     AppContext& m_ctx;
     bool m_outage = false;
@@ -135,8 +143,10 @@ private:
     int m_longestDelayMs = 5000;
     int m_delayMs = 500;
     int m_refreshDeadlineMs = 5000;
+    bool m_reconnecting = false;
+    QString m_pendingFile;
     QTimer m_retry;
-    std::unique_ptr<QThread> m_probe;
+    bool m_probe = false;
     QList<QPointer<QWidget>> m_failedIn;
     QList<QPointer<QWidget>> m_failedBeforeReturn;
     QList<QPointer<QWidget>> m_refillDue;

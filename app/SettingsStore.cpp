@@ -2,7 +2,9 @@
 
 #include "app/AppContext.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +49,11 @@ void SettingsStore::sync()
 QString SettingsStore::fileName() const
 {
     return m_settings->fileName();
+}
+
+QString SettingsStore::pendingStatementsFile() const
+{
+    return QFileInfo(fileName()).dir().filePath(u"pending-statements.json"_s);
 }
 
 int SettingsStore::dbType() const

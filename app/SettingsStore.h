@@ -28,6 +28,8 @@ public:
     void sync();
 
     [[nodiscard]] QString fileName() const;
+    // Beside the settings: statements left for the next start (request rows to remove).
+    [[nodiscard]] QString pendingStatementsFile() const;
 
     // Shorthands for the keys the console uses.
     [[nodiscard]] QString app(const QString& key, const QString& fallback = {}) const

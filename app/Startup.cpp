@@ -1,6 +1,7 @@
 #include "app/Startup.h"
 
 #include "app/AppActions.h"
+#include "app/QueryFailureReporter.h"
 #include "app/DialogService.h"
 #include "app/Navigator.h"
 #include "app/SettingsStore.h"
@@ -52,11 +53,15 @@ std::optional<int> Startup::run()
         WaitWindow wait(waitMessageFor(where));
         if (m_connecting)
             m_connecting(&wait);
-        error = m_ctx.db->open(where);
+        // The connect runs on the connection's thread; this one keeps the
+        // wait window painted, however long a silent server takes.
+        error = m_ctx.db->openAndWait(where);
     }
     QCoreApplication::processEvents();
     if (error.isError())
         return connectionFailed(error);
+    if (m_ctx.failures)
+        m_ctx.failures->runPending();
 
     m_main.reset(m_makeMain(m_ctx));
     m_main->setWindowTitle(appTitle() + u" / Τρέχουσα κατάσταση"_s);
@@ -123,11 +128,12 @@ int Startup::connectionFailed(const DbError& error)
     return kExitNoConnection;
 }
 
-std::function<void()> processShutdown(Database& db, bool& ended)
+std::function<void()> processShutdown(DbLink& db, bool& ended)
 {
     return [&db, &ended] {
         ended = true;
-        db.close();
+        // A statement waiting for a silent server is abandoned, not awaited.
+        db.shutdown();
         QCoreApplication::exit(0);
     };
 }

@@ -68,7 +68,7 @@ private:
 // The shutdown steps of the running console: closes the connection and leaves
 // the event loop; no window is asked. `ended` tells main() that it happened
 // before the loop was entered.
-[[nodiscard]] std::function<void()> processShutdown(Database& db, bool& ended);
+[[nodiscard]] std::function<void()> processShutdown(DbLink& db, bool& ended);
 
 // Log-off and system shutdown end the console without asking.
 void endWithSession(AppContext& ctx);

@@ -1,10 +1,12 @@
 #include "app/UnitList.h"
 
+#include "app/DbCall.h"
 #include "app/QueryFailureReporter.h"
 #include "app/UnitMarks.h"
 #include "app/ViewWindow.h"
 
 #include <QComboBox>
+#include <QPointer>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -79,17 +81,13 @@ QList<UnitEntry> readUnitList(Database& db, DbError* error)
     return out;
 }
 
-void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll, FailureOrigin origin)
+namespace {
+
+void applyUnitList(ViewWindow& view, const QList<UnitEntry>& units, const DbError& error,
+                   int initialIndex, bool includeAll, FailureOrigin origin)
 {
     AppContext& ctx = view.context();
     QComboBox* list = view.systemSelect();
-    DbError error;
-    QList<UnitEntry> units;
-    if (ctx.failures && !ctx.failures->ensureConnection(origin))
-        error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
-                 DbFailureCause::Unreachable};
-    else if (ctx.db)
-        units = readUnitList(*ctx.db, &error);
     view.setUnitListStale(error.isError());
     if (error.isError()) {
         // The entries shown stay as they were, and so does the selection.
@@ -97,6 +95,8 @@ void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll, Failu
             ctx.failures->report(error, &view, origin);
         return;
     }
+    if (origin != FailureOrigin::User && units.isEmpty() && list->count() == 0)
+        return; // still nothing to show; the next round reads again
     {
         const QSignalBlocker block(list);
         list->clear();
@@ -118,6 +118,43 @@ void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll, Failu
         list->setCurrentIndex(index);
     }
     view.unitSelected(list->currentIndex());
+}
+
+struct UnitListRead {
+    QList<UnitEntry> units;
+    DbError error;
+};
+
+} // namespace
+
+void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll, FailureOrigin origin)
+{
+    AppContext& ctx = view.context();
+    if (ctx.failures && !ctx.failures->ensureConnection(origin)) {
+        applyUnitList(view, {},
+                      {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                       DbFailureCause::Unreachable},
+                      initialIndex, includeAll, origin);
+        return;
+    }
+    if (!ctx.db)
+        return;
+    const auto read = [](Database& db) {
+        UnitListRead r;
+        r.units = readUnitList(db, &r.error);
+        return r;
+    };
+    if (origin == FailureOrigin::User) {
+        const UnitListRead r = dbCall(ctx, &view, read);
+        applyUnitList(view, r.units, r.error, initialIndex, includeAll, origin);
+        return;
+    }
+    // The watch refills on its own: the list comes when the database answers.
+    QPointer<ViewWindow> target(&view);
+    ctx.db->post(&view, read, [target, initialIndex, includeAll, origin](const UnitListRead& r) {
+        if (target)
+            applyUnitList(*target, r.units, r.error, initialIndex, includeAll, origin);
+    });
 }
 
 } // namespace sx

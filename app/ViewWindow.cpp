@@ -1,5 +1,6 @@
 #include "app/ViewWindow.h"
 
+#include "app/DbCall.h"
 #include "app/DialogService.h"
 #include "app/NavigationFrame.h"
 #include "app/Navigator.h"
@@ -75,7 +76,9 @@ void ViewWindow::updateNewMessagesIndicator()
     DbError e;
     if (m_ctx.failures && !m_ctx.failures->ensureConnection())
         return;
-    const bool on = hasMessages(*m_ctx.db, MessageKind::New, {}, &e);
+    const bool on = dbCall(m_ctx, this, [&e](Database& db) {
+        return hasMessages(db, MessageKind::New, {}, &e);
+    });
     if (e.isError() && m_ctx.failures) {
         // Only built views ask this; the unit list read next tells the user.
         m_ctx.failures->report(e, this, FailureOrigin::Quiet);

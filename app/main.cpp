@@ -7,7 +7,7 @@
 #include "app/Twips.h"
 #include "app/WidgetDialogService.h"
 #include "app/cli/ReportCommand.h"
-#include "model/Database.h"
+#include "model/DbLink.h"
 #include "views/SecondaryViews.h"
 #include "views/current/MainWindow.h"
 #include "views/overview/FleetWatch.h"
@@ -35,7 +35,7 @@ int main(int argc, char** argv)
 
     SettingsStore settings;
     WidgetDialogService dialogs(&settings);
-    Database db;
+    DbLink db;
     Clock clock;
 
     AppContext ctx;
@@ -45,6 +45,8 @@ int main(int argc, char** argv)
     ctx.clock = &clock;
     QueryFailureReporter failures(ctx);
     ctx.failures = &failures;
+    // Request rows the console could not remove before it ended last time.
+    failures.keepPendingIn(settings.pendingStatementsFile());
     Navigator navigator(ctx);
     ctx.navigator = &navigator;
     registerSecondaryViews(navigator);

@@ -5,6 +5,7 @@ target_sources(sxgui PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/AppContext.h
     ${CMAKE_CURRENT_LIST_DIR}/ChoosePrinter.h ${CMAKE_CURRENT_LIST_DIR}/ChoosePrinter.cpp
     ${CMAKE_CURRENT_LIST_DIR}/Colors.h
+    ${CMAKE_CURRENT_LIST_DIR}/DbCall.h
     ${CMAKE_CURRENT_LIST_DIR}/DialogService.h
     ${CMAKE_CURRENT_LIST_DIR}/GeneralDelay.h ${CMAKE_CURRENT_LIST_DIR}/GeneralDelay.cpp
     ${CMAKE_CURRENT_LIST_DIR}/Navigator.h ${CMAKE_CURRENT_LIST_DIR}/Navigator.cpp

@@ -5,8 +5,10 @@
 #include "model/SqlDateTime.h"
 
 #include <QAtomicInt>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QSqlError>
+#include <QThread>
 
 #include <cmath>
 
@@ -17,6 +19,13 @@ namespace sx {
 namespace {
 
 QAtomicInt g_connectionCounter;
+std::atomic<bool> g_guiThreadGuard{qEnvironmentVariableIntValue("SX_GUI_THREAD_GUARD") != 0};
+
+bool onGuiThread()
+{
+    const QCoreApplication* app = QCoreApplication::instance();
+    return app && app->thread() == QThread::currentThread();
+}
 
 DbError fileError(const QString& description)
 {
@@ -29,8 +38,28 @@ DbError fileError(const QString& description)
 } // namespace
 
 Database::Database()
-    : m_name(u"sx-db-"_s + QString::number(g_connectionCounter.fetchAndAddRelaxed(1)))
+    : m_name(u"sx-db-"_s + QString::number(g_connectionCounter.fetchAndAddRelaxed(1))),
+      m_watch(std::make_unique<detail::StatementWatch>())
 {
+}
+
+void Database::setGuiThreadGuard(bool on)
+{
+    g_guiThreadGuard = on;
+}
+
+bool Database::guiThreadGuard()
+{
+    return g_guiThreadGuard;
+}
+
+void Database::startStatement(const QString& sql)
+{
+    if (g_guiThreadGuard && !m_guiThreadAllowed && onGuiThread())
+        qFatal("A statement was started on the GUI thread: %s", qPrintable(sql.left(200)));
+    m_watch->abort = m_abort;
+    m_watch->deadline = m_deadlineMs < 0 ? QDeadlineTimer(QDeadlineTimer::Forever)
+                                         : QDeadlineTimer(m_deadlineMs);
 }
 
 Database::~Database()
@@ -121,6 +150,7 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
 
     if (!db.isValid())
         return fileError(u"The database driver for this kind of database is not installed."_s);
+    startStatement(u"(connect)"_s);
     if (!db.open()) {
         DbError e = dbErrorFromSql(db.lastError());
         if (settings.kind == DbKind::SQLite && !e.description.contains(settings.file))
@@ -128,6 +158,8 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
         return e;
     }
     if (settings.kind == DbKind::SQLite) {
+        if (sqlite3* handle = detail::sqliteHandle(db))
+            detail::sqliteWatch(handle, m_watch.get());
         // SQLite opens lazily: only a first read tells a database from any other file.
         Rows probe = read(u"SELECT count(*) FROM sqlite_master"_s);
         if (!probe.ok() || !probe.next() || !probe.ok()) {
@@ -191,7 +223,8 @@ DbError Database::noteFailure(DbError e)
 {
     if (!e.isError())
         return e;
-    if (e.description == QStringView(detail::kDeadlineMissed)) {
+    if (e.description == QStringView(detail::kDeadlineMissed) ||
+        e.description == QStringView(detail::kAborted)) {
         // The connection still waits for an answer that may never come.
         m_lost = true;
         close();
@@ -214,6 +247,7 @@ Rows Database::read(const QString& sql)
         return Rows(busyError());
     if (!isOpen())
         return Rows(noteFailure(fileError(u"The connection to the database is closed."_s)));
+    startStatement(sql);
     const QSqlDatabase db = qtDatabase();
     DbError failure;
     std::unique_ptr<CursorBackend> backend;
@@ -221,7 +255,7 @@ Rows Database::read(const QString& sql)
         backend = detail::sqliteCursor(detail::sqliteHandle(db), sql, failure);
     else if (m_native && m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db)) {
         m_busy = true;
-        backend = detail::pgCursor(detail::pgHandle(db), sql, failure, m_deadlineMs);
+        backend = detail::pgCursor(detail::pgHandle(db), sql, failure, m_deadlineMs, m_abort);
         m_busy = false;
     } else
         backend = detail::qtCursor(db, sql, failure);
@@ -252,12 +286,14 @@ DbError Database::exec(const QString& sql, qint64* rowsAffected)
         return busyError();
     if (!isOpen())
         return noteFailure(fileError(u"The connection to the database is closed."_s));
+    startStatement(sql);
     const QSqlDatabase db = qtDatabase();
     if (m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
         return noteFailure(detail::sqliteExec(detail::sqliteHandle(db), sql, rowsAffected));
     if (m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db)) {
         m_busy = true;
-        const DbError e = detail::pgExec(detail::pgHandle(db), sql, rowsAffected, m_deadlineMs);
+        const DbError e =
+            detail::pgExec(detail::pgHandle(db), sql, rowsAffected, m_deadlineMs, m_abort);
         m_busy = false;
         return noteFailure(e);
     }

@@ -7,9 +7,15 @@
 #include <QSqlDatabase>
 #include <QString>
 
+#include <atomic>
+#include <memory>
 #include <variant>
 
 namespace sx {
+
+namespace detail {
+struct StatementWatch;
+}
 
 // A value written into a row: NULL, whole number, real, text or a date-time
 // (seconds since 1970, wall clock).
@@ -75,13 +81,24 @@ public:
     // Reads through QSqlQuery even where a native handle exists (for comparison).
     void setNativeReads(bool on) { m_native = on; }
 
-    // How long a statement may wait for the server before the connection is
-    // given up as dead (PostgreSQL; a negative value waits for ever).
+    // How long a statement may run before it is cancelled and fails as slow
+    // (a negative value waits for ever). The connection stays; only a server
+    // that does not answer the cancel either is taken for gone.
     void setDeadline(int ms) { m_deadlineMs = ms; }
     [[nodiscard]] int deadline() const { return m_deadlineMs; }
-    // true while a statement waits for the server; a timer firing in that wait
-    // must not start another statement on the same connection.
+    // true while a statement waits for the server.
     [[nodiscard]] bool busy() const { return m_busy; }
+    // Set from any thread: the running statement is abandoned at once (the
+    // connection with it) and no other starts. Used when the console ends.
+    void setAbortFlag(const std::atomic<bool>* abort) { m_abort = abort; }
+
+    // The console's windows never wait for the network. With the guard on
+    // (SX_GUI_THREAD_GUARD=1 in the environment, as the tests run), a
+    // statement started on the GUI thread ends the process, unless the
+    // connection belongs to a tool without windows or to a test's own set-up.
+    static void setGuiThreadGuard(bool on);
+    [[nodiscard]] static bool guiThreadGuard();
+    void allowGuiThread() { m_guiThreadAllowed = true; }
 
     // The server cancels a statement after this long; the console's own
     // deadline is a little longer so the server's answer wins when it has one.
@@ -93,6 +110,7 @@ public:
 private:
     DbError noteFailure(DbError e);
     DbError busyError() const;
+    void startStatement(const QString& sql);
 
     QString m_name;
     ConnectionSettings m_settings;
@@ -100,7 +118,10 @@ private:
     bool m_native = true;
     bool m_lost = false;
     bool m_busy = false;
+    bool m_guiThreadAllowed = false;
     int m_deadlineMs = kDefaultDeadlineMs;
+    const std::atomic<bool>* m_abort = nullptr;
+    std::unique_ptr<detail::StatementWatch> m_watch;
 };
 
 // Sets a connection's deadline for one stretch of work.

@@ -30,6 +30,8 @@ const QString kShuttingDown =
     u"1. Η βάση δεδομένων του διακομιστή βρίσκεται σε διαδικασία τερματισμού. Τερματίστε την εφαρμογή και περιμένετε μερικά λεπτά πριν εκτελέσετε και πάλι την εφαρμογή."_s;
 const QString kDisconnected =
     u"1. Ο διακομιστής ή/και ο Η/Υ σας αποσυνδέθηκε από το δίκτυο. Τερματίστε την εφαρμογή και επαναφέρεται τη σύνδεση του διακομιστή ή/και του Η/Υ σας με το δίκτυο πριν εκτελέσετε και πάλι την εφαρμογή."_s;
+const QString kSlowServer =
+    u"1. Ο διακομιστής δεν απάντησε έγκαιρα, επειδή είναι φορτωμένος ή κάποια άλλη εργασία κρατά τα δεδομένα. Η σύνδεση διατηρείται και η εφαρμογή θα ξαναδοκιμάσει μόνη της. Εάν το πρόβλημα παραμένει, επικοινωνήστε με τον υπεύθυνο διαχείρισης της βάσης δεδομένων."_s;
 const QString kUnknownOracle =
     u"- Άγνωστο σφάλμα. Επικοινωνήστε με τους υπεύθυνους διαχείρισης δικτύου και βάσης δεδομένων."_s;
 const QString kUnknownProvider =
@@ -79,6 +81,8 @@ QString causesFor(DbFailureCause cause)
         return oracleCauses(u"12528");
     case DbFailureCause::ShuttingDown:
         return oracleCauses(u"01089");
+    case DbFailureCause::Slow:
+        return kSlowServer;
     case DbFailureCause::Unknown:
         break;
     }

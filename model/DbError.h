@@ -15,6 +15,7 @@ enum class DbFailureCause {
     NoSuchDatabase,
     StartingUp,
     ShuttingDown,
+    Slow, // the server did not answer in time; the statement was cancelled
 };
 
 struct DbError {

@@ -2,15 +2,12 @@
 
 #include "model/SqlDateTime.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QThread>
 #include <QVariant>
 
 #include <cerrno>
@@ -18,6 +15,7 @@
 #include <libpq-fe.h>
 #include <poll.h>
 #include <sqlite3.h>
+#include <thread>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -40,7 +38,17 @@ DbError sqliteError(sqlite3* db)
     if (e.number == 0)
         e.number = kProviderErrorNumber;
     e.description = QString::fromUtf8(sqlite3_errmsg(db));
+    if (e.number == SQLITE_INTERRUPT)
+        e.cause = DbFailureCause::Slow;
     return e;
+}
+
+int sqliteProgress(void* watch)
+{
+    const auto* w = static_cast<const StatementWatch*>(watch);
+    return (w->abort && w->abort->load(std::memory_order_relaxed)) || w->deadline.hasExpired()
+               ? 1
+               : 0;
 }
 
 class SqliteBackend final : public CursorBackend {
@@ -152,48 +160,42 @@ DbError pgResultError(PGconn* conn, const PGresult* res)
     return e;
 }
 
-bool onGuiThread()
+// Waits until the server's socket has data, the deadline passes or the
+// console ends. The wait is cut into short slices so that an ending console
+// is not held by a silent server.
+enum class Wait { Readable, Deadline, Aborted, Failed };
+Wait waitReadable(int fd, const QDeadlineTimer& deadline, const std::atomic<bool>* abort)
 {
-    const QCoreApplication* app = QCoreApplication::instance();
-    return app && app->thread() == QThread::currentThread();
-}
-
-// Serves the GUI thread's timers and painting when it has not done so for a
-// few milliseconds. The clock spans statements: a refresh is a run of short
-// queries, each answered before a per-statement slice would run out, so only
-// a shared clock keeps the window live through the whole run. Returns the
-// milliseconds until it is due again.
-int serveEventsWhenDue()
-{
-    constexpr qint64 kServeMs = 4;
-    static QElapsedTimer sinceServed;
-    if (sinceServed.isValid() && sinceServed.elapsed() < kServeMs)
-        return static_cast<int>(kServeMs - sinceServed.elapsed());
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    sinceServed.start();
-    return kServeMs;
-}
-
-// Waits until the server's socket has data or the deadline passes. On the GUI
-// thread it sleeps only until events are due and serves timers and painting
-// in between; user input is held back so no second action starts meanwhile.
-bool waitReadable(int fd, const QDeadlineTimer& deadline)
-{
-    const bool gui = onGuiThread();
+    constexpr int kSliceMs = 50;
     for (;;) {
+        if (abort && abort->load(std::memory_order_relaxed))
+            return Wait::Aborted;
         const qint64 left = deadline.remainingTime();
         if (left == 0)
-            return false;
-        int wait = left < 0 ? 1000 : static_cast<int>(left);
-        if (gui)
-            wait = std::min(wait, serveEventsWhenDue());
+            return Wait::Deadline;
+        const int wait = left < 0 ? kSliceMs : static_cast<int>(std::min<qint64>(left, kSliceMs));
         pollfd p{fd, POLLIN, 0};
         const int rc = ::poll(&p, 1, wait);
         if (rc > 0)
-            return true;
+            return Wait::Readable;
         if (rc < 0 && errno != EINTR)
-            return false;
+            return Wait::Failed;
     }
+}
+
+// Asks the server to cancel the running statement. The request opens a
+// connection of its own, which a black-holed server may keep waiting for a
+// long time: it runs on a thread of its own, and nobody waits for it.
+void cancelOnServer(PGconn* conn)
+{
+    PGcancel* cancel = PQgetCancel(conn);
+    if (!cancel)
+        return;
+    std::thread([cancel] {
+        char message[256];
+        PQcancel(cancel, message, sizeof message);
+        PQfreeCancel(cancel);
+    }).detach();
 }
 
 class PgBackend final : public CursorBackend {
@@ -352,6 +354,13 @@ bool pgConnectionOk(pg_conn* conn)
     return conn && PQstatus(conn) == CONNECTION_OK;
 }
 
+void sqliteWatch(sqlite3* db, const StatementWatch* watch)
+{
+    // Called every few thousand virtual machine steps: cheap, and soon enough.
+    sqlite3_progress_handler(db, 4000, watch ? sqliteProgress : nullptr,
+                             const_cast<StatementWatch*>(watch));
+}
+
 std::unique_ptr<CursorBackend> sqliteCursor(sqlite3* db, const QString& sql, DbError& failure)
 {
     const QByteArray text = sql.toUtf8();
@@ -369,14 +378,15 @@ std::unique_ptr<CursorBackend> sqliteCursor(sqlite3* db, const QString& sql, DbE
     return std::make_unique<SqliteBackend>(db, stmt);
 }
 
-PGresult* pgRun(pg_conn* conn, const QByteArray& sql, int deadlineMs, DbError& failure)
+PGresult* pgRun(pg_conn* conn, const QByteArray& sql, int deadlineMs, DbError& failure,
+                const std::atomic<bool>* abort)
 {
     if (!PQsendQuery(conn, sql.constData())) {
         failure = pgResultError(conn, nullptr);
         return nullptr;
     }
-    const QDeadlineTimer deadline(deadlineMs < 0 ? QDeadlineTimer::Forever
-                                                 : QDeadlineTimer(deadlineMs));
+    QDeadlineTimer deadline(deadlineMs < 0 ? QDeadlineTimer::Forever : QDeadlineTimer(deadlineMs));
+    bool cancelled = false;
     const int fd = PQsocket(conn);
     const auto good = [](const PGresult* r) {
         return PQresultStatus(r) == PGRES_TUPLES_OK || PQresultStatus(r) == PGRES_COMMAND_OK;
@@ -385,13 +395,23 @@ PGresult* pgRun(pg_conn* conn, const QByteArray& sql, int deadlineMs, DbError& f
     PGresult* kept = nullptr;
     for (;;) {
         while (PQisBusy(conn)) {
-            if (!waitReadable(fd, deadline)) {
+            const Wait w = waitReadable(fd, deadline, abort);
+            if (w == Wait::Deadline && !cancelled) {
+                // Slow is not gone: the server is asked to stop, and its answer
+                // to that keeps the connection.
+                cancelled = true;
+                cancelOnServer(conn);
+                deadline = QDeadlineTimer(kCancelGraceMs);
+                continue;
+            }
+            if (w == Wait::Deadline || w == Wait::Aborted) {
                 PQclear(kept);
-                failure = {kProviderErrorNumber, QString::fromUtf16(kDeadlineMissed),
+                failure = {kProviderErrorNumber,
+                           QString::fromUtf16(w == Wait::Aborted ? kAborted : kDeadlineMissed),
                            DbFailureCause::Unreachable};
                 return nullptr;
             }
-            if (!PQconsumeInput(conn))
+            if (w == Wait::Failed || !PQconsumeInput(conn))
                 break;
         }
         PGresult* res = PQgetResult(conn);
@@ -407,6 +427,8 @@ PGresult* pgRun(pg_conn* conn, const QByteArray& sql, int deadlineMs, DbError& f
     const ExecStatusType status = kept ? PQresultStatus(kept) : PGRES_FATAL_ERROR;
     if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK) {
         failure = pgResultError(conn, kept);
+        if (cancelled && PQstatus(conn) == CONNECTION_OK)
+            failure.cause = DbFailureCause::Slow;
         PQclear(kept);
         return nullptr;
     }
@@ -414,9 +436,9 @@ PGresult* pgRun(pg_conn* conn, const QByteArray& sql, int deadlineMs, DbError& f
 }
 
 std::unique_ptr<CursorBackend> pgCursor(pg_conn* conn, const QString& sql, DbError& failure,
-                                        int deadlineMs)
+                                        int deadlineMs, const std::atomic<bool>* abort)
 {
-    PGresult* res = pgRun(conn, sql.toUtf8(), deadlineMs, failure);
+    PGresult* res = pgRun(conn, sql.toUtf8(), deadlineMs, failure, abort);
     if (!res)
         return nullptr;
     return std::make_unique<PgBackend>(res);
@@ -458,10 +480,11 @@ DbError sqliteExec(sqlite3* db, const QString& sql, qint64* rowsAffected)
     return {};
 }
 
-DbError pgExec(pg_conn* conn, const QString& sql, qint64* rowsAffected, int deadlineMs)
+DbError pgExec(pg_conn* conn, const QString& sql, qint64* rowsAffected, int deadlineMs,
+               const std::atomic<bool>* abort)
 {
     DbError e;
-    PGresult* res = pgRun(conn, sql.toUtf8(), deadlineMs, e);
+    PGresult* res = pgRun(conn, sql.toUtf8(), deadlineMs, e, abort);
     if (!res)
         return e;
     if (rowsAffected)

@@ -210,6 +210,8 @@ int runSimCommand(const SimOptions& o, QTextStream& out, QTextStream& err,
         return kExitBadArguments;
     }
     Database db;
+    // A tool without windows: its statements may run on its main thread.
+    db.allowGuiThread();
     // Seeding a year of records runs long statements: no time limit here.
     db.setDeadline(-1);
     const auto mode = o.command == SimCommand::Run ? Database::OpenMode::Existing

@@ -368,14 +368,23 @@ int runReportCommand(const QStringList& arguments, SettingsStore& settings, QTex
     }
     const ReportOptions& o = *parsed.options;
     Database db;
+    // No window to keep live: the report reads on the main thread.
+    db.allowGuiThread();
     if (const DbError e = db.open(o.db ? *o.db : settings.connection()); e.isError()) {
+        err << databaseFailure(e).message << '\n';
+        err.flush();
+        return static_cast<int>(ExitCode::Database);
+    }
+    // The report code shared with the windows reads through a link of its own.
+    DbLink link;
+    if (const DbError e = link.openAndWait(db.settings()); e.isError()) {
         err << databaseFailure(e).message << '\n';
         err.flush();
         return static_cast<int>(ExitCode::Database);
     }
     Clock clock;
     AppContext ctx;
-    ctx.db = &db;
+    ctx.db = &link;
     ctx.settings = &settings;
     ctx.clock = &clock;
     Runner runner(o, db, ctx);

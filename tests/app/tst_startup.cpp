@@ -318,9 +318,9 @@ private slots:
 
         QCOMPARE(startup->mainWindow() != nullptr, connected);
         if (exitCode != kExitNormal)
-            QCOMPARE(f.db.isOpen(), connected);
+            QCOMPARE(f.link.isOpen(), connected);
         if (exitCode == kExitNoConnection)
-            QCOMPARE(f.db.kind(), target.where.kind);
+            QCOMPARE(f.link.kind(), target.where.kind);
         if (!connected)
             return;
         QCOMPARE(main, startup->mainWindow());
@@ -407,7 +407,7 @@ private slots:
         ProbeMain window(f.ctx);
         window.show();
         bool ended = false;
-        f.ctx.terminate = processShutdown(f.db, ended);
+        f.ctx.terminate = processShutdown(f.link, ended);
         bool innerLeft = false;
         // As from a modal dialog: the shutdown runs inside a nested loop.
         QTimer::singleShot(0, [&] {
@@ -419,7 +419,7 @@ private slots:
         QCOMPARE(QCoreApplication::exec(), 0);
         QVERIFY(ended);
         QVERIFY(innerLeft);
-        QVERIFY(!f.db.isOpen());
+        QVERIFY(!f.link.isOpen());
         QVERIFY(window.isVisible());
         QVERIFY(f.dialogs.shown().isEmpty());
     }

@@ -75,6 +75,7 @@ private slots:
             s.dataSource = u"sx_no_such_db"_s;
         }
         Database db;
+        db.allowGuiThread();
         const DbError e = db.open(s);
         QVERIFY(e.isError());
         QVERIFY(!db.isOpen());
@@ -306,6 +307,7 @@ private slots:
             ConnectionSettings admin;
             QVERIFY(parseDbUrl(test::ScratchDatabase::serverUrl(), admin));
             Database other;
+            other.allowGuiThread();
             QVERIFY(!other.open(admin).isError());
             QVERIFY(!other.exec(u"SELECT pg_terminate_backend("_s + QString::number(backend) + u')')
                          .isError());

@@ -168,11 +168,11 @@ private slots:
             QVERIFY(proxy->port() != 0);
             through.serverIp = u"127.0.0.1"_s;
             through.serverPort = QString::number(proxy->port());
-            const DbError e = fx.db.open(through);
+            const DbError e = fx.link.openAndWait(through);
             QVERIFY2(!e.isError(), qPrintable(e.description));
         }
         // Short waits, so that a table of outages runs in seconds.
-        fx.db.setDeadline(1200);
+        fx.link.setDefaultDeadline(1200);
         fx.failures->setRefreshDeadlineMs(800);
         fx.failures->setRetryDelays(100, 800);
         registerSecondaryViews(*fx.navigator);
@@ -182,7 +182,7 @@ private slots:
         fx.navigator->setMainView(main);
         main->show();
         fillSystemSelect(*main, 0, false);
-        QCOMPARE(main->pointsGrid()->rowCount(), 4);
+        QTRY_COMPARE(main->pointsGrid()->rowCount(), 4);
         main->refreshTimer()->setInterval(300);
         // Read at every tick of the main view, as the console wires it; left
         // to itself where it meets the fault alone.
@@ -190,7 +190,7 @@ private slots:
         if (during != During::FleetRead)
             QObject::connect(main->refreshTimer(), &QTimer::timeout, &fleet, &FleetWatch::refresh);
         fleet.refresh();
-        QVERIFY(fx.ctx.fleet);
+        QTRY_VERIFY(fx.ctx.fleet);
 
         // The view the fault meets, opened and filled before it starts.
         ViewWindow* shown = main;
@@ -209,6 +209,7 @@ private slots:
         const QByteArray kept = "the report printed yesterday";
 
         Database locker;
+        locker.allowGuiThread();
         const QString file = fx.scratch.settings().file;
         const StallMeter meter;
         switch (fault) {

@@ -12,7 +12,12 @@ GuiFixture::GuiFixture()
 {
     settings = std::make_unique<SettingsStore>(scratch.folder() + u"/settings.ini"_s);
     m_ready = scratch.open(db);
-    ctx.db = &db;
+    if (m_ready) {
+        DbError opened;
+        link.open(scratch.settings(), nullptr, [&opened](const DbError& e) { opened = e; });
+        m_ready = link.isOpen() && !opened.isError();
+    }
+    ctx.db = &link;
     ctx.dialogs = &dialogs;
     ctx.settings = settings.get();
     ctx.clock = &clock;

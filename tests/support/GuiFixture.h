@@ -48,7 +48,10 @@ public:
     [[nodiscard]] QString problem() const { return scratch.problem(); }
 
     ScratchDatabase scratch;
+    // The test's own connection, for seeding and checking on the test's thread.
     Database db;
+    // The console's connection, on its own thread, as the views use it.
+    DbLink link;
     ScriptedDialogs dialogs;
     std::unique_ptr<SettingsStore> settings;
     TestClock clock;

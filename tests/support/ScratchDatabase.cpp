@@ -40,6 +40,7 @@ ScratchDatabase::ScratchDatabase()
     m_settings.dataSource = u"sx_t_%1_%2"_s.arg(QCoreApplication::applicationPid())
                                 .arg(g_counter.fetchAndAddRelaxed(1));
     Database admin;
+    admin.allowGuiThread();
     DbError e = admin.open(m_admin);
     if (!e.isError()) {
         e = admin.exec(u"CREATE DATABASE "_s + m_settings.dataSource);
@@ -52,6 +53,7 @@ ScratchDatabase::~ScratchDatabase()
 {
     if (isPostgres() && m_problem.isEmpty()) {
         Database admin;
+        admin.allowGuiThread();
         if (!admin.open(m_admin).isError())
             (void)admin.exec(u"DROP DATABASE IF EXISTS "_s + m_settings.dataSource +
                              u" WITH (FORCE)"_s);
@@ -71,6 +73,8 @@ bool ScratchDatabase::open(Database& db, bool withSchema)
 {
     if (!m_problem.isEmpty())
         return false;
+    // The test's own connection: seeding and checking run on the test's thread.
+    db.allowGuiThread();
     DbError e = db.open(m_settings, Database::OpenMode::CreateIfMissing);
     if (!e.isError() && withSchema)
         e = sim::createSchema(db);

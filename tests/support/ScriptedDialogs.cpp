@@ -1,6 +1,8 @@
 #include "ScriptedDialogs.h"
 
+#include <QEventLoop>
 #include <QPrinter>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -52,9 +54,18 @@ DialogService::Answer ScriptedDialogs::message(QWidget*, Icon icon, const QStrin
 {
     Shown& s = record({u"message"_s, icon, buttons, title, text, {}, false});
     // A box with only OK needs no script.
-    return buttons == Buttons::Ok
-               ? Answer::Ok
-               : take(m_messages, s, buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
+    const Answer answer =
+        buttons == Buttons::Ok
+            ? Answer::Ok
+            : take(m_messages, s, buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
+    if (!m_leaveOpen.isEmpty()) {
+        QEventLoop open;
+        QTimer::singleShot(m_leaveOpen.takeFirst(), &open, &QEventLoop::quit);
+        ++m_standing;
+        open.exec();
+        --m_standing;
+    }
+    return answer;
 }
 
 std::optional<QString> ScriptedDialogs::inputText(QWidget*, const QString& title,

@@ -45,6 +45,16 @@ public:
     // The settings dialog: the hook plays the user's part and returns accepted.
     void answerSettings(std::function<bool()> hook) { m_settings << std::move(hook); }
 
+    // The next message boxes stand open this long each before their answer,
+    // as when nobody is at the desk; events flow meanwhile, as under a real box.
+    void leaveOpen(int ms, int boxes = 1)
+    {
+        for (int i = 0; i < boxes; ++i)
+            m_leaveOpen << ms;
+    }
+    // How many boxes stand open now.
+    [[nodiscard]] int standing() const { return m_standing; }
+
     // Runs right after a dialog is recorded (e.g. to stop a server mid-wait).
     std::function<void(const Shown&)> onShown;
 
@@ -84,6 +94,8 @@ private:
     QList<std::function<bool()>> m_settings;
     QList<PreviewHook> m_previews;
     QList<Shown> m_shown;
+    QList<int> m_leaveOpen;
+    int m_standing = 0;
 };
 
 } // namespace sx::test

@@ -39,9 +39,8 @@ constexpr double kBodyOriginMm = 10.0;
 
 // Reads everything the report shows before a line is printed, so that a failed
 // query leaves no half-printed job. Returns the failure, if any.
-DbError readReport(AppContext& ctx, const QString& serial, report::ReportData& data)
+DbError readReport(Database& db, const QString& serial, report::ReportData& data)
 {
-    Database& db = *ctx.db;
     {
         Rows unit = db.readFirst(u"SELECT SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
                                  u"SyI_Online, SyI_Used, SyI_Softver FROM Systems_Info WHERE "
@@ -165,7 +164,7 @@ DbError readReport(AppContext& ctx, const QString& serial, report::ReportData& d
 DbError readCurrentReport(AppContext& ctx, const QString& serial, report::ReportData& data)
 {
     data.printedAt = ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime();
-    return readReport(ctx, serial, data);
+    return ctx.db->call([&](Database& db) { return readReport(db, serial, data); });
 }
 
 bool drawCurrentReport(QPrinter& printer, const report::ReportData& data)

@@ -258,36 +258,47 @@ void MainWindow::unitSelected(int)
 
 void MainWindow::refresh()
 {
-    // A command waiting for the server lets timer ticks through; one refresh at a time.
+    // One round at a time; a round that comes back for another unit starts the next.
     if (m_refreshing)
         return;
     m_timer.stop();
     AppContext& ctx = context();
-    // A user's statement is waiting for the server: this round waits for the next.
-    if (ctx.db && ctx.db->busy()) {
+    if (systemSelect()->count() == 0 || unitIndex() < 0) {
+        // No unit, no refresh. A list that could not be read, or was empty
+        // (a database still being set up), is read again every round.
         m_timer.start();
+        if (ctx.db && (!ctx.failures || ctx.failures->ensureConnection()))
+            fillSystemSelect(*this, 0, false, FailureOrigin::Refresh);
         return;
     }
-    if (systemSelect()->count() == 0 || unitIndex() < 0) {
-        // No unit, no refresh: the next selection arms the timer again. A list
-        // that could not be read, though, is read again every round.
-        if (unitListStale()) {
-            m_timer.start();
-            if (ctx.failures && ctx.failures->ensureConnection())
-                fillSystemSelect(*this, 0, false, FailureOrigin::Refresh);
-        }
+    if (!ctx.db)
+        return;
+    if (ctx.failures && !ctx.failures->ensureConnection()) {
+        CurrentCondition lost;
+        lost.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                      DbFailureCause::Unreachable};
+        finishRefresh(selectedSerial(), lost);
         return;
     }
     m_refreshing = true;
-    CurrentCondition cc;
-    if (ctx.failures && !ctx.failures->ensureConnection()) {
-        cc.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
-                    DbFailureCause::Unreachable};
-    } else {
-        // The refresh gives up on a silent server sooner than a user's action.
-        const DeadlineScope deadline(*ctx.db, ctx.failures ? ctx.failures->refreshDeadlineMs()
-                                                           : ctx.db->deadline());
-        cc = readCurrentCondition(*ctx.db, selectedSerial());
+    const QString serial = selectedSerial();
+    // The refresh gives up on a silent server sooner than a user's action.
+    ctx.db->post(
+        this, [serial](Database& db) { return readCurrentCondition(db, serial); },
+        [this, serial](const CurrentCondition& cc) {
+            m_refreshing = false;
+            finishRefresh(serial, cc);
+        },
+        ctx.failures ? ctx.failures->refreshDeadlineMs() : ctx.db->defaultDeadline());
+}
+
+void MainWindow::finishRefresh(const QString& serial, const CurrentCondition& cc)
+{
+    AppContext& ctx = context();
+    if (serial != selectedSerial()) {
+        // The user chose another unit while this one was read.
+        refresh();
+        return;
     }
     if (cc.error.isError()) {
         showDatabaseLost();
@@ -298,7 +309,6 @@ void MainWindow::refresh()
         if (ctx.failures)
             ctx.failures->clear();
     }
-    m_refreshing = false;
     m_timer.start();
 }
 

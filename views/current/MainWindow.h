@@ -25,8 +25,11 @@ public:
 
     // The selection event: empties the labels and grids, then refreshes at once.
     void unitSelected(int index) override;
-    // One refresh; does nothing while the unit list is empty.
+    // One refresh, read on the connection's thread and shown when it comes
+    // back; while the unit list is empty it reads the list instead.
     void refresh();
+    // true while a refresh is on its way.
+    [[nodiscard]] bool refreshing() const { return m_refreshing; }
 
     [[nodiscard]] QTimer* refreshTimer() { return &m_timer; }
     [[nodiscard]] QTableWidget* pointsGrid() const { return m_points; }
@@ -43,6 +46,7 @@ private:
     void buildMenus();
     void buildInfoFrame(QWidget* central);
     void buildReadingsFrame(QWidget* central);
+    void finishRefresh(const QString& serial, const CurrentCondition& cc);
     void apply(const CurrentCondition& cc);
     void showDatabaseLost();
     void trimRows(QTableWidget* grid, int rows);

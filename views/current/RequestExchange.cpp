@@ -82,6 +82,31 @@ void reportFailure(AppContext& ctx, const DbError& error, QWidget* window)
         ctx.failures->reportAction(error, window);
 }
 
+QString ownRowWhere(const TerminalRequest& request)
+{
+    return u"TrmReq_SyI_Serialnumber="_s + sqlQuote(request.serial) +
+           u" AND TrmReq_Requesttype="_s + QString::number(request.type) +
+           u" AND TrmReq_Attributes="_s + sqlQuote(request.attributes);
+}
+
+// Removes one row like ours, the completed ones first when `completedFirst`,
+// else the waiting ones first. Kinds without a row identity remove them all.
+QString deleteOneSql(DbKind kind, const QString& ownRow, bool completedFirst)
+{
+    const QString table = TR::table.toString();
+    const QString order = completedFirst ? u"TrmReq_Requestcompleted DESC"_s
+                                         : u"TrmReq_Requestcompleted ASC"_s;
+    QString id;
+    if (kind == DbKind::SQLite)
+        id = u"rowid"_s;
+    else if (kind == DbKind::PostgreSQL)
+        id = u"ctid"_s;
+    else
+        return u"DELETE FROM "_s + table + u" WHERE "_s + ownRow;
+    return u"DELETE FROM "_s + table + u" WHERE "_s + id + u" IN (SELECT "_s + id + u" FROM "_s +
+           table + u" WHERE "_s + ownRow + u" ORDER BY "_s + order + u" LIMIT 1)"_s;
+}
+
 void show(AppContext& ctx, QWidget* window, const QString& title, const commands::Notice& n)
 {
     if (ctx.dialogs)
@@ -96,69 +121,85 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
     ExchangeOutcome outcome;
     if (!ctx.db)
         return outcome;
-    Database& db = *ctx.db;
     const DisabledWhileWaiting disabled(window);
     const WaitIndication wait(window);
+    const DbKind kind = ctx.dbKind();
+    const QString ownRow = ownRowWhere(request);
+    const auto keepForLater = [&ctx](const QString& sql) {
+        if (ctx.failures)
+            ctx.failures->runWhenBack(sql);
+    };
 
-    const QString select =
-        u"SELECT TrmReq_SyI_Serialnumber, TrmReq_Requesttype, TrmReq_Attributes, "
-        u"TrmReq_Requestcompleted, TrmReq_Requestreply FROM Terminal_Requests "
-        u"WHERE TrmReq_SyI_Serialnumber="_s +
-        sqlQuote(request.serial);
-    // Our own row: the unit should have no other, but a stale row left by
-    // another console must not be taken for the answer.
-    const QString ownRow = u"TrmReq_SyI_Serialnumber="_s + sqlQuote(request.serial) +
-                           u" AND TrmReq_Requesttype="_s + QString::number(request.type) +
-                           u" AND TrmReq_Attributes="_s + sqlQuote(request.attributes);
-
-    if (const DbError e = db.insertRow(TR::table, {{TR::TrmReq_SyI_Serialnumber, request.serial},
-                                                   {TR::TrmReq_Requesttype, qint64(request.type)},
-                                                   {TR::TrmReq_Attributes, request.attributes},
-                                                   {TR::TrmReq_Requestcompleted, qint64(0)},
-                                                   {TR::TrmReq_Requestreply, qint64(0)}});
-        e.isError()) {
-        reportFailure(ctx, e, window);
+    // A completed row like ours left from before (its removal failed, or its
+    // console ended) would pass for our answer: it goes first.
+    const QString stale = u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s + ownRow +
+                          u" AND TrmReq_Requestcompleted<>0"_s;
+    const DbError written = ctx.db->call([&](Database& db) {
+        if (const DbError e = db.exec(stale); e.isError())
+            return e;
+        return db.insertRow(TR::table, {{TR::TrmReq_SyI_Serialnumber, request.serial},
+                                        {TR::TrmReq_Requesttype, qint64(request.type)},
+                                        {TR::TrmReq_Attributes, request.attributes},
+                                        {TR::TrmReq_Requestcompleted, qint64(0)},
+                                        {TR::TrmReq_Requestreply, qint64(0)}});
+    });
+    if (written.isError()) {
+        reportFailure(ctx, written, window);
         // The row may have been written before the connection went.
         if (ctx.failures && ctx.failures->connectionLost())
-            ctx.failures->runWhenBack(u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s +
-                                      ownRow);
+            keepForLater(deleteOneSql(kind, ownRow, false));
         return outcome;
     }
-    const QDateTime written = nowOf(ctx);
+    const QDateTime writtenAt = nowOf(ctx);
 
+    struct Poll {
+        bool found = false;
+        bool completed = false;
+        qint64 reply = 0;
+        DbError error;
+    };
     for (;;) {
         generalDelay(kPollMs);
-        if (commands::requestTimedOut(written, nowOf(ctx))) {
+        if (ctx.db->shuttingDown()) {
+            // The console ends: the row is removed at the next start.
+            keepForLater(deleteOneSql(kind, ownRow, false));
+            outcome.end = ExchangeOutcome::End::Failed;
+            return outcome;
+        }
+        if (commands::requestTimedOut(writtenAt, nowOf(ctx))) {
             outcome.end = ExchangeOutcome::End::TimedOut;
             break;
         }
-        Rows rows = db.read(select);
-        bool found = false;
-        qint64 completed = 0;
-        qint64 reply = 0;
-        while (rows.next()) {
-            if (rows.intOr(TR::TrmReq_Requesttype, -1) != request.type ||
-                rows.text(TR::TrmReq_Attributes) != request.attributes)
-                continue;
-            found = true;
-            completed = rows.intOr(TR::TrmReq_Requestcompleted);
-            reply = rows.intOr(TR::TrmReq_Requestreply);
-            break;
-        }
-        if (!rows.ok()) {
-            reportFailure(ctx, rows.error(), window);
+        const Poll poll = ctx.db->call([&ownRow](Database& db) {
+            Poll p;
+            Rows rows = db.read(u"SELECT TrmReq_Requestcompleted, TrmReq_Requestreply FROM "_s +
+                                TR::table.toString() + u" WHERE "_s + ownRow);
+            // Rows like ours of other consoles are answered with ours, in the
+            // same update: any completed one is the answer to our command.
+            while (rows.next()) {
+                p.found = true;
+                if (rows.intOr(TR::TrmReq_Requestcompleted) != 0 && !p.completed) {
+                    p.completed = true;
+                    p.reply = rows.intOr(TR::TrmReq_Requestreply);
+                }
+            }
+            p.error = rows.error();
+            return p;
+        });
+        if (poll.error.isError()) {
+            reportFailure(ctx, poll.error, window);
             outcome.end = ExchangeOutcome::End::Failed;
             break;
         }
-        if (!found) {
+        if (!poll.found) {
             // Someone else removed the row: nothing more will come, and no reply to tell.
             outcome.end = ExchangeOutcome::End::Answered;
             outcome.rowVanished = true;
             break;
         }
-        if (completed != 0) {
+        if (poll.completed) {
             outcome.end = ExchangeOutcome::End::Answered;
-            outcome.reply = static_cast<int>(reply);
+            outcome.reply = static_cast<int>(poll.reply);
             break;
         }
     }
@@ -170,15 +211,24 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
             show(ctx, window, title, *notice);
     }
 
-    // Also after a time-out, so that a late answer finds no row.
-    if (const DbError e = db.deleteRows(TR::table, ownRow); e.isError()) {
-        // One box per exchange; a row the connection could not remove is
-        // removed when the database answers again.
+    // Also after a time-out, so that a late answer finds no row. Only one row
+    // goes: another console's row like ours is its own to remove.
+    const QString remove =
+        deleteOneSql(kind, ownRow, outcome.end == ExchangeOutcome::End::Answered);
+    if (outcome.rowVanished)
+        return outcome;
+    if (ctx.db->shuttingDown()) {
+        keepForLater(remove);
+        outcome.end = ExchangeOutcome::End::Failed;
+        return outcome;
+    }
+    if (const DbError e = ctx.db->call([&remove](Database& db) { return db.exec(remove); });
+        e.isError()) {
+        // One box per exchange; a row that could not be removed is removed
+        // when the database answers again, or at the next start.
         if (outcome.end != ExchangeOutcome::End::Failed)
             reportFailure(ctx, e, window);
-        if (ctx.failures && ctx.failures->connectionLost())
-            ctx.failures->runWhenBack(u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s +
-                                      ownRow);
+        keepForLater(remove);
         outcome.end = ExchangeOutcome::End::Failed;
     }
     return outcome;

@@ -1,6 +1,7 @@
 #include "views/current/UnitCommands.h"
 
 #include "app/AppContext.h"
+#include "app/DbCall.h"
 #include "app/DialogService.h"
 #include "app/QueryFailureReporter.h"
 #include "model/Dialect.h"
@@ -86,21 +87,34 @@ Lookup lookUpUnit(AppContext& ctx, CommandHost& host, const QString& title, cons
                   UnitRow& unit)
 {
     QWidget* window = host.commandWindow();
-    Rows rows = ctx.db->readFirst(sql);
-    const bool found = rows.next();
-    if (!rows.ok()) {
+    struct Read {
+        bool found = false;
+        UnitRow unit;
+        DbError error;
+    };
+    const Read read = dbCall(ctx, window, [&sql](Database& db) {
+        Read r;
+        Rows rows = db.readFirst(sql);
+        r.found = rows.next();
+        if (r.found) {
+            r.unit.serial = rows.textOr(schema::SystemsInfo::SyI_Serialnumber);
+            r.unit.model = rows.text(schema::SystemsInfo::SyI_Model);
+            r.unit.softver = rows.text(schema::SystemsInfo::SyI_Softver);
+        }
+        r.error = rows.error();
+        return r;
+    });
+    if (read.error.isError()) {
         if (ctx.failures)
-            ctx.failures->reportAction(rows.error(), window);
+            ctx.failures->reportAction(read.error, window);
         return Lookup::Failed;
     }
-    if (!found) {
+    if (!read.found) {
         showNotice(ctx, window, title, *C::replyNotice(kReplyOffline));
         host.refreshNow();
         return Lookup::Missing;
     }
-    unit.serial = rows.textOr(schema::SystemsInfo::SyI_Serialnumber);
-    unit.model = rows.text(schema::SystemsInfo::SyI_Model);
-    unit.softver = rows.text(schema::SystemsInfo::SyI_Softver);
+    unit = read.unit;
     return Lookup::Found;
 }
 
@@ -197,20 +211,23 @@ void runBypassCommand(AppContext& ctx, CommandHost& host)
     QWidget* window = host.commandWindow();
     const QString serial = host.commandSerial();
 
-    Rows rows = ctx.db->read(u"SELECT SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname, "
-                             u"SeI_Used FROM Sensors_Info WHERE SeI_SyI_Serialnumber="_s +
-                             sqlQuote(serial) + u" AND SeI_Used=1 ORDER BY SeI_Sensornumber"_s);
     QList<C::Choice> points;
-    while (rows.next()) {
-        // A point without a number cannot be named in a request.
-        const std::optional<qint64> number = rows.integer(SI::SeI_Sensornumber);
-        if (number)
-            points.append({C::pointChoiceText(*number, rows.text(SI::SeI_Sensorname)),
-                           static_cast<int>(*number)});
-    }
-    if (!rows.ok()) {
+    const DbError error = dbCall(ctx, window, [&serial, &points](Database& db) {
+        Rows rows = db.read(u"SELECT SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname, "
+                            u"SeI_Used FROM Sensors_Info WHERE SeI_SyI_Serialnumber="_s +
+                            sqlQuote(serial) + u" AND SeI_Used=1 ORDER BY SeI_Sensornumber"_s);
+        while (rows.next()) {
+            // A point without a number cannot be named in a request.
+            const std::optional<qint64> number = rows.integer(SI::SeI_Sensornumber);
+            if (number)
+                points.append({C::pointChoiceText(*number, rows.text(SI::SeI_Sensorname)),
+                               static_cast<int>(*number)});
+        }
+        return rows.error();
+    });
+    if (error.isError()) {
         if (ctx.failures)
-            ctx.failures->reportAction(rows.error(), window);
+            ctx.failures->reportAction(error, window);
         return;
     }
     if (points.isEmpty()) {

@@ -1,5 +1,6 @@
 #include "views/events/EventsWindow.h"
 
+#include "app/DbCall.h"
 #include "app/Colors.h"
 #include "app/DialogService.h"
 #include "app/NavigationFrame.h"
@@ -327,7 +328,9 @@ void EventsWindow::unitSelected(int index)
         if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
             error = lostConnection();
         else
-            m_sources = events::buildSourceList(*ctx.db, serial, index, &error);
+            m_sources = dbCall(ctx, this, [&](Database& db) {
+                return events::buildSourceList(db, serial, index, &error);
+            });
     }
     {
         const QSignalBlocker block(m_sensorSelect);
@@ -528,7 +531,8 @@ void EventsWindow::markSelected()
         if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
             error = lostConnection();
         else
-            error = events::markEvents(*ctx.db, targets, mark);
+            error = ctx.db->call(
+                [&targets, mark](Database& db) { return events::markEvents(db, targets, mark); });
     }
     if (!self)
         return;

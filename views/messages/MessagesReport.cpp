@@ -1,5 +1,6 @@
 #include "views/messages/MessagesReport.h"
 
+#include "app/DbCall.h"
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
 #include "app/DialogService.h"
@@ -140,7 +141,8 @@ void printMessages(AppContext& ctx, QWidget* parent, MessageKind kind,
         error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                  DbFailureCause::Unreachable};
     else
-        any = listHasMessages(*ctx.db, kind, &error);
+        any = dbCall(ctx, parent,
+                     [&error, kind](Database& db) { return listHasMessages(db, kind, &error); });
     if (error.isError()) {
         if (ctx.failures)
             ctx.failures->reportAction(error, parent);

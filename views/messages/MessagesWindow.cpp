@@ -1,5 +1,6 @@
 #include "views/messages/MessagesWindow.h"
 
+#include "app/DbCall.h"
 #include "app/Colors.h"
 #include "app/NavigationFrame.h"
 #include "app/QueryFailureReporter.h"
@@ -128,7 +129,7 @@ bool MessagesWindow::showList(MessageKind kind)
                        DbFailureCause::Unreachable};
     } else {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-        built = buildMessagesText(*ctx.db, kind);
+        built = dbCall(ctx, this, [kind](Database& db) { return buildMessagesText(db, kind); });
         QGuiApplication::restoreOverrideCursor();
     }
     // Also on a failure: never leave the other list's text under this caption.

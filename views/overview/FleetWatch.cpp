@@ -44,21 +44,39 @@ OverviewWindow* FleetWatch::overview() const
 
 void FleetWatch::refresh()
 {
-    // A user's statement waits for the server: the next tick reads the fleet.
-    if (m_ctx.db->busy())
+    // One read at a time; a tick that comes while one is on its way is skipped.
+    if (m_reading || !m_ctx.db)
         return;
     QueryFailureReporter* failures = m_ctx.failures;
-    DbError error;
-    std::optional<FleetSummary> read;
     if (failures && !failures->ensureConnection()) {
-        error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
-                 DbFailureCause::Unreachable};
-    } else {
-        // Part of the refresh: it gives up on a silent server as soon.
-        const DeadlineScope deadline(*m_ctx.db, failures ? failures->refreshDeadlineMs()
-                                                         : m_ctx.db->deadline());
-        read = readFleetSummary(*m_ctx.db, &error);
+        readFinished(std::nullopt, {kProviderErrorNumber,
+                                    u"The connection to the database is lost."_s,
+                                    DbFailureCause::Unreachable});
+        return;
     }
+    struct Read {
+        std::optional<FleetSummary> fleet;
+        DbError error;
+    };
+    m_reading = true;
+    // Part of the refresh: it gives up on a silent server as soon.
+    m_ctx.db->post(
+        this,
+        [](Database& db) {
+            Read r;
+            r.fleet = readFleetSummary(db, &r.error);
+            return r;
+        },
+        [this](Read r) {
+            m_reading = false;
+            readFinished(std::move(r.fleet), r.error);
+        },
+        failures ? failures->refreshDeadlineMs() : m_ctx.db->defaultDeadline());
+}
+
+void FleetWatch::readFinished(std::optional<FleetSummary> read, const DbError& error)
+{
+    QueryFailureReporter* failures = m_ctx.failures;
     if (!read) {
         // A failure of the refresh: one box per outage, whoever meets it first,
         // and not one a round should the fleet alone keep failing.
@@ -104,6 +122,12 @@ void FleetWatch::showOverview()
 
 void FleetWatch::openUnit(const QString& serial)
 {
+    // A click arrives whenever the user makes it; the unit changes only
+    // between statements, never under a read on its way.
+    if (m_ctx.db && m_ctx.db->busy()) {
+        m_ctx.db->whenIdle(this, [this, serial] { openUnit(serial); });
+        return;
+    }
     Navigator* nav = m_ctx.navigator;
     ViewWindow* main = nav ? nav->mainView() : nullptr;
     if (!main || serial.isEmpty())

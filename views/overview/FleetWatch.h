@@ -1,12 +1,15 @@
 #pragma once
 
 #include "app/notify/AlarmNotifier.h"
+#include "model/DbError.h"
+#include "model/fleet/FleetSummary.h"
 
 #include <QDBusConnection>
 #include <QObject>
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 
 namespace sx {
 
@@ -36,12 +39,15 @@ public:
     [[nodiscard]] DesktopNotifications* desktop() const { return m_desktop; }
 
 private:
+    void readFinished(std::optional<FleetSummary> read, const DbError& error);
+
     AppContext& m_ctx;
     DesktopNotifications* m_desktop = nullptr;
     FleetTrayIcon* m_tray = nullptr;
     AlarmNotifier m_notifier;
     QPointer<OverviewWindow> m_overview;
     bool m_lost = false;
+    bool m_reading = false;
 };
 
 } // namespace sx

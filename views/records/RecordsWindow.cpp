@@ -1,5 +1,6 @@
 #include "views/records/RecordsWindow.h"
 
+#include "app/DbCall.h"
 #include "app/Colors.h"
 #include "app/DialogService.h"
 #include "app/NavigationFrame.h"
@@ -354,7 +355,9 @@ void RecordsWindow::unitSelected(int index)
             error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                      DbFailureCause::Unreachable};
         else
-            m_zones = records::readZones(*ctx.db, ctx.serialAt(index), &error);
+            m_zones = dbCall(ctx, this, [&error, serial = ctx.serialAt(index)](Database& db) {
+                return records::readZones(db, serial, &error);
+            });
         if (error.isError())
             m_zones.clear();
     }
