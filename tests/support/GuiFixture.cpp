@@ -12,11 +12,8 @@ GuiFixture::GuiFixture()
 {
     settings = std::make_unique<SettingsStore>(scratch.folder() + u"/settings.ini"_s);
     m_ready = scratch.open(db);
-    if (m_ready) {
-        DbError opened;
-        link.open(scratch.settings(), nullptr, [&opened](const DbError& e) { opened = e; });
-        m_ready = link.isOpen() && !opened.isError();
-    }
+    if (m_ready)
+        m_ready = !link.openAndWait(scratch.settings()).isError();
     ctx.db = &link;
     ctx.dialogs = &dialogs;
     ctx.settings = settings.get();
