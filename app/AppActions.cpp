@@ -4,6 +4,7 @@
 #include "app/DialogService.h"
 #include "app/SettingsStore.h"
 
+#include <QDir>
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
@@ -60,7 +61,10 @@ void changeAppSettings(AppContext& ctx, QWidget* parent)
     if (!ctx.dialogs->settingsDialog(parent))
         return;
     ctx.settings->setApp(u"Init"_s, u"1"_s);
-    ctx.settings->sync();
+    if (!ctx.settings->sync()) {
+        reportSettingsNotSaved(*ctx.dialogs, parent, *ctx.settings);
+        return;
+    }
     ctx.dialogs->message(
         parent, DialogService::Icon::Information, settingsChangeTitle(),
         u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\n"
@@ -68,6 +72,15 @@ void changeAppSettings(AppContext& ctx, QWidget* parent)
             appTitle());
     if (ctx.terminate)
         ctx.terminate();
+}
+
+void reportSettingsNotSaved(DialogService& dialogs, QWidget* parent, const SettingsStore& store)
+{
+    dialogs.message(parent, DialogService::Icon::Critical, appTitle(),
+                    u"Οι παράμετροι της εφαρμογής δεν αποθηκεύτηκαν.\r\n"
+                    u"Δεν είναι δυνατή η εγγραφή στο αρχείο παραμέτρων:\r\n"_s +
+                        QDir::toNativeSeparators(store.fileName()) +
+                        u"\r\nΙσχύουν οι προηγούμενες παράμετροι."_s);
 }
 
 } // namespace sx

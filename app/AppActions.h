@@ -7,6 +7,8 @@ class QWidget;
 namespace sx {
 
 struct AppContext;
+class DialogService;
+class SettingsStore;
 
 // "Πληροφορίες εφαρμογής": the version box.
 void showSoftInfo(AppContext& ctx, QWidget* parent);
@@ -18,5 +20,9 @@ void showSoftInfo(AppContext& ctx, QWidget* parent);
 // "Παράμετροι εφαρμογής": the protected settings change. After a completed
 // change the console ends (ctx.terminate); otherwise it returns.
 void changeAppSettings(AppContext& ctx, QWidget* parent);
+
+// The box for a settings save that did not reach the disk (SettingsStore::sync
+// failed): the settings in force stay those of before.
+void reportSettingsNotSaved(DialogService& dialogs, QWidget* parent, const SettingsStore& store);
 
 } // namespace sx

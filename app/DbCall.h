@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppContext.h"
+#include "app/QueryFailureReporter.h"
 
 #include <QPointer>
 #include <QScopeGuard>
@@ -17,6 +18,8 @@ template <class Job> auto dbCall(AppContext& ctx, QWidget* window, Job job)
     const bool disable = top && top->isEnabled();
     if (disable)
         top->setEnabled(false);
+    // A refresh that fails meanwhile is explained by this action's own box.
+    const QueryFailureReporter::UserWait waiting(ctx.failures);
     const auto restore = qScopeGuard([&top, disable] {
         if (disable && top)
             top->setEnabled(true);

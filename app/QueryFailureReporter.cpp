@@ -2,11 +2,11 @@
 
 #include "app/AppContext.h"
 #include "app/DialogService.h"
-
 #include "model/DbLink.h"
 
 #include <QApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSaveFile>
@@ -54,7 +54,8 @@ struct Reopened {
 Reopened reopenAndRun(Database& db, const QStringList& pending, bool probeFirst)
 {
     Reopened out;
-    if (!db.isOpen() || db.connectionLost()) {
+    // A connection that looks open may still be cut: only a statement tells.
+    if (!db.isOpen() || db.connectionLost() || db.exec(u"SELECT 1"_s).isError()) {
         if (probeFirst && !Database::reachable(db.settings())) {
             out.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                          DbFailureCause::Unreachable};
@@ -91,12 +92,13 @@ void QueryFailureReporter::report(const DbError& error, QWidget* parent, Failure
 {
     if (!error.isError())
         return;
+    ++m_failures;
     if (parent && !m_failedIn.contains(parent))
         m_failedIn.append(parent);
     // A lost main connection is heard of from the link itself; an unreachable
     // server met on any connection starts the same watch, but a connection
     // that still works is kept when the server answers again.
-    if (error.cause == DbFailureCause::Unreachable && !m_locked)
+    if ((error.cause == DbFailureCause::Unreachable || databaseFileGone()) && !m_locked)
         noteLost();
     else if (m_locked || lockedByWriter(error, m_ctx.dbKind()))
         noteLocked();
@@ -147,6 +149,23 @@ void QueryFailureReporter::clear()
     m_failedIn.clear();
 }
 
+void QueryFailureReporter::refillNow(QWidget* view, const std::function<void()>& refill)
+{
+    const auto previous = m_failedBeforeReturn;
+    m_failedBeforeReturn.append(view);
+    const bool wasRefilling = std::exchange(m_refilling, true);
+    refill();
+    m_refilling = wasRefilling;
+    m_failedBeforeReturn = previous;
+}
+
+bool QueryFailureReporter::databaseFileGone() const
+{
+    // A file is looked at, not read: no wait on anything.
+    return m_ctx.db && m_ctx.db->kind() == DbKind::SQLite &&
+           !QFileInfo::exists(m_ctx.db->settings().file);
+}
+
 bool QueryFailureReporter::failedIn(const QWidget* view) const
 {
     for (const QPointer<QWidget>& w : m_failedIn + m_failedBeforeReturn) {
@@ -182,8 +201,8 @@ bool QueryFailureReporter::ensureConnection(FailureOrigin origin)
     if (wasEnabled)
         active->setEnabled(false);
     ++m_userWaits;
-    const Reopened back = db->call(
-        [pending = m_pending](Database& d) { return reopenAndRun(d, pending, true); });
+    const Reopened back =
+        db->call([pending = m_pending](Database& d) { return reopenAndRun(d, pending, true); });
     --m_userWaits;
     if (active && wasEnabled)
         active->setEnabled(true);

@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <functional>
+
 class QWidget;
 
 namespace sx {
@@ -84,6 +86,14 @@ public:
 
     // A round of queries succeeded: the next failure is news again.
     void clear();
+    // The same for a round that began when failureCount() was `seen`: a
+    // failure met since then, elsewhere, is not forgotten by it.
+    void clearSince(quint64 seen)
+    {
+        if (seen == m_failures)
+            clear();
+    }
+    [[nodiscard]] quint64 failureCount() const { return m_failures; }
     [[nodiscard]] bool inOutage() const { return m_outage; }
     [[nodiscard]] bool connectionLost() const { return m_lost; }
     // A writer held the database when a query failed, and no read got through since.
@@ -95,6 +105,8 @@ public:
     // disabled meanwhile).
     [[nodiscard]] bool ensureConnection(FailureOrigin origin = FailureOrigin::Refresh);
     [[nodiscard]] int reportsShown() const { return m_shown; }
+    // Refills `view` as after a return: it counts as failed during `refill`.
+    void refillNow(QWidget* view, const std::function<void()>& refill);
     // Whether `view` (or a window inside it) had a failure since the last good round.
     [[nodiscard]] bool failedIn(const QWidget* view) const;
 
@@ -128,6 +140,7 @@ private:
     void reconnected(const DbError& opened, const QStringList& failed);
     void announceBack();
     void showBox(const DbError& error, QWidget* parent, FailureOrigin origin);
+    [[nodiscard]] bool databaseFileGone() const;
     void savePending() const;
 
     AppContext& m_ctx;
@@ -136,6 +149,7 @@ private:
     bool m_locked = false;
     bool m_refilling = false;
     int m_shown = 0;
+    quint64 m_failures = 0;
     int m_userWaits = 0;
     int m_actionDepth = 0;
     bool m_actionReported = false;

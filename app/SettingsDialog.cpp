@@ -1,5 +1,6 @@
 #include "app/SettingsDialog.h"
 
+#include "app/AppActions.h"
 #include "app/AppContext.h"
 #include "app/DialogService.h"
 #include "app/SettingsStore.h"
@@ -218,7 +219,11 @@ void SettingsDialog::confirm()
         m_dialogs.message(this, DialogService::Icon::Exclamation, appTitle(), *problem);
         return;
     }
-    writeSettingsForm(m_store, f);
+    // Unsaved, the dialog stays open with the input, as after a refused check.
+    if (!writeSettingsForm(m_store, f)) {
+        reportSettingsNotSaved(m_dialogs, this, m_store);
+        return;
+    }
     accept();
 }
 

@@ -7,24 +7,31 @@
 #include <QFileInfo>
 #include <QSettings>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace sx {
 
-SettingsStore::SettingsStore()
-    : m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                             appTitle(), appTitle()))
-{
-}
+SettingsStore::SettingsStore() : m_settings(openSettings()) {}
 
 SettingsStore::SettingsStore(const QString& fileName)
-    : m_settings(std::make_unique<QSettings>(fileName, QSettings::IniFormat))
+    : m_iniFile(fileName), m_settings(openSettings())
 {
 }
 
 SettingsStore::~SettingsStore()
 {
-    sync();
+    // Nobody is left to tell; the saves that matter were checked where the user made them.
+    static_cast<void>(sync());
+}
+
+std::unique_ptr<QSettings> SettingsStore::openSettings() const
+{
+    if (m_iniFile.isEmpty())
+        return std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                           appTitle(), appTitle());
+    return std::make_unique<QSettings>(m_iniFile, QSettings::IniFormat);
 }
 
 QString SettingsStore::value(const QString& section, const QString& key,
@@ -35,15 +42,37 @@ QString SettingsStore::value(const QString& section, const QString& key,
 
 void SettingsStore::setValue(const QString& section, const QString& key, const QString& value)
 {
-    m_settings->setValue(section + u'/' + key, value);
+    const QString path = section + u'/' + key;
+    const QVariant stored = m_settings->value(path);
+    if (stored == QVariant(value))
+        return;
+    if (!m_before.contains(path))
+        m_before.insert(path, stored);
+    m_settings->setValue(path, value);
 }
 
-void SettingsStore::sync()
+bool SettingsStore::sync()
 {
+    // QSettings keeps its first error for good, so after a failure only a
+    // fresh one can tell whether this write gets through. It shares the
+    // values in memory with the old one, the unsaved ones included.
+    if (m_settings->status() != QSettings::NoError)
+        m_settings = openSettings();
     m_settings->sync();
+    const QHash<QString, QVariant> before = std::exchange(m_before, {});
+    if (m_settings->status() != QSettings::NoError) {
+        for (auto it = before.cbegin(); it != before.cend(); ++it) {
+            if (it.value().isValid())
+                m_settings->setValue(it.key(), it.value());
+            else
+                m_settings->remove(it.key());
+        }
+        return false;
+    }
     const QString file = m_settings->fileName();
     if (QFile::exists(file))
         QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    return true;
 }
 
 QString SettingsStore::fileName() const

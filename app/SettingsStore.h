@@ -2,7 +2,9 @@
 
 #include "model/ConnectionSettings.h"
 
+#include <QHash>
 #include <QString>
+#include <QVariant>
 
 #include <memory>
 
@@ -23,9 +25,13 @@ public:
 
     [[nodiscard]] QString value(const QString& section, const QString& key,
                                 const QString& fallback = {}) const;
+    // A value equal to the stored one is no change and leaves nothing to write.
     void setValue(const QString& section, const QString& key, const QString& value);
-    // Writes to disk and restricts the file to its owner.
-    void sync();
+    // Writes the changes to disk and restricts the file to its owner. When the
+    // write fails, the changes since the last good write are undone, here and
+    // for every store on the same file, so nobody goes on with values that
+    // the next start would not find.
+    [[nodiscard]] bool sync();
 
     [[nodiscard]] QString fileName() const;
     // Beside the settings: statements left for the next start (request rows to remove).
@@ -36,9 +42,18 @@ public:
     {
         return value(QStringLiteral("AppSettings"), key, fallback);
     }
-    void setApp(const QString& key, const QString& v) { setValue(QStringLiteral("AppSettings"), key, v); }
-    [[nodiscard]] QString protectionCode() const { return value(QStringLiteral("SPS"), QStringLiteral("SP1")); }
-    void setProtectionCode(const QString& code) { setValue(QStringLiteral("SPS"), QStringLiteral("SP1"), code); }
+    void setApp(const QString& key, const QString& v)
+    {
+        setValue(QStringLiteral("AppSettings"), key, v);
+    }
+    [[nodiscard]] QString protectionCode() const
+    {
+        return value(QStringLiteral("SPS"), QStringLiteral("SP1"));
+    }
+    void setProtectionCode(const QString& code)
+    {
+        setValue(QStringLiteral("SPS"), QStringLiteral("SP1"), code);
+    }
 
     // Desktop alarm notifications (AppSettings/Notifications): on unless "0".
     [[nodiscard]] bool notificationsOn() const
@@ -52,7 +67,12 @@ public:
     [[nodiscard]] ConnectionSettings connection() const;
 
 private:
+    [[nodiscard]] std::unique_ptr<QSettings> openSettings() const;
+
+    QString m_iniFile; // empty: the user's own store
     std::unique_ptr<QSettings> m_settings;
+    // What each key changed since the last good write held before; invalid: absent.
+    QHash<QString, QVariant> m_before;
 };
 
 } // namespace sx

@@ -62,7 +62,7 @@ SettingsForm readSettingsForm(const SettingsStore& store)
     return form;
 }
 
-void writeSettingsForm(SettingsStore& store, const SettingsForm& form)
+bool writeSettingsForm(SettingsStore& store, const SettingsForm& form)
 {
     store.setProtectionCode(form.code);
     store.setApp(u"DBType"_s, dbTypeSetting(form.kind));
@@ -71,7 +71,7 @@ void writeSettingsForm(SettingsStore& store, const SettingsForm& form)
     store.setApp(u"DBServerIP"_s, form.serverIp);
     store.setApp(u"DBServerPORT"_s, form.serverPort);
     store.setApp(u"Notifications"_s, form.notifications ? u"1"_s : u"0"_s);
-    store.sync();
+    return store.sync();
 }
 
 } // namespace sx

@@ -37,7 +37,8 @@ struct SettingsForm {
 // The form as the store holds it (the dialog opens with this).
 [[nodiscard]] SettingsForm readSettingsForm(const SettingsStore& store);
 
-// Saves every field exactly as typed, whatever the kind, then writes the file.
-void writeSettingsForm(SettingsStore& store, const SettingsForm& form);
+// Saves every field exactly as typed, whatever the kind, then writes the file;
+// false when the file could not be written (the store then holds what it held before).
+[[nodiscard]] bool writeSettingsForm(SettingsStore& store, const SettingsForm& form);
 
 } // namespace sx

@@ -1,9 +1,9 @@
 #include "app/Startup.h"
 
 #include "app/AppActions.h"
-#include "app/QueryFailureReporter.h"
 #include "app/DialogService.h"
 #include "app/Navigator.h"
+#include "app/QueryFailureReporter.h"
 #include "app/SettingsStore.h"
 #include "app/SingleInstance.h"
 #include "app/UnitList.h"
@@ -86,9 +86,16 @@ bool Startup::firstRun()
     settings.setApp(u"DBType"_s, u"0"_s);
     for (const QString& key : {u"DBFile"_s, u"DBDataSource"_s, u"DBServerIP"_s, u"DBServerPORT"_s})
         settings.setApp(key, {});
-    settings.sync();
+    // A store that cannot be written is reported by the dialog's own save.
+    static_cast<void>(settings.sync());
 
-    while (!dialogs.settingsDialog(nullptr)) {
+    for (;;) {
+        if (dialogs.settingsDialog(nullptr)) {
+            settings.setApp(u"Init"_s, u"1"_s);
+            if (settings.sync())
+                return true;
+            reportSettingsNotSaved(dialogs, nullptr, settings);
+        }
         const auto answer = dialogs.message(
             nullptr, DialogService::Icon::Critical, appTitle(),
             u"H εφαρμογή "_s + appTitle() +
@@ -98,9 +105,6 @@ bool Startup::firstRun()
         if (answer != DialogService::Answer::Ok)
             return false;
     }
-    settings.setApp(u"Init"_s, u"1"_s);
-    settings.sync();
-    return true;
 }
 
 int Startup::connectionFailed(const DbError& error)

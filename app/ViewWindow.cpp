@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -48,8 +49,12 @@ ViewWindow::ViewWindow(AppContext& ctx, ViewId id, const QString& viewName, QWid
 
 void ViewWindow::refillAfterOutage()
 {
-    if (!isVisible())
+    if (!isVisible()) {
+        // The database came back while this view was still being built (its
+        // box standing): it refills as soon as it is on screen.
+        m_refillOnShow = m_ctx.failures && m_ctx.failures->failedIn(this);
         return;
+    }
     if (m_unitListStale || systemSelect()->count() == 0)
         fillSystemSelect(*this, unitIndex(), m_id == ViewId::Events, FailureOrigin::Refresh);
     else if (m_ctx.failures && m_ctx.failures->failedIn(this))
@@ -76,9 +81,8 @@ void ViewWindow::updateNewMessagesIndicator()
     DbError e;
     if (m_ctx.failures && !m_ctx.failures->ensureConnection())
         return;
-    const bool on = dbCall(m_ctx, this, [&e](Database& db) {
-        return hasMessages(db, MessageKind::New, {}, &e);
-    });
+    const bool on = dbCall(
+        m_ctx, this, [&e](Database& db) { return hasMessages(db, MessageKind::New, {}, &e); });
     if (e.isError() && m_ctx.failures) {
         // Only built views ask this; the unit list read next tells the user.
         m_ctx.failures->report(e, this, FailureOrigin::Quiet);
@@ -128,6 +132,11 @@ void ViewWindow::showEvent(QShowEvent* event)
 {
     (void)overviewItem();
     QMainWindow::showEvent(event);
+    if (std::exchange(m_refillOnShow, false))
+        QTimer::singleShot(0, this, [this] {
+            if (m_ctx.failures && !m_ctx.failures->connectionLost())
+                m_ctx.failures->refillNow(this, [this] { refillAfterOutage(); });
+        });
 }
 
 void ViewWindow::closeEvent(QCloseEvent* event)

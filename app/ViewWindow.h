@@ -59,6 +59,7 @@ private:
     NavigationFrame* m_nav = nullptr;
     bool m_unloading = false;
     bool m_unitListStale = false;
+    bool m_refillOnShow = false;
     QAction* m_overviewItem = nullptr;
 };
 

@@ -85,7 +85,10 @@ int main(int argc, char** argv)
     form.serverIp = where.serverIp;
     form.serverPort = where.serverPort;
     form.code = form.confirmation = u"1234"_s;
-    writeSettingsForm(*f.settings, form);
+    if (!writeSettingsForm(*f.settings, form)) {
+        std::fprintf(stderr, "settings not saved: %s\n", qPrintable(f.settings->fileName()));
+        return 1;
+    }
     f.settings->setApp(u"Init"_s, u"1"_s);
 
     QList<qint64> times;

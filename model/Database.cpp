@@ -58,8 +58,8 @@ void Database::startStatement(const QString& sql)
     if (g_guiThreadGuard && !m_guiThreadAllowed && onGuiThread())
         qFatal("A statement was started on the GUI thread: %s", qPrintable(sql.left(200)));
     m_watch->abort = m_abort;
-    m_watch->deadline = m_deadlineMs < 0 ? QDeadlineTimer(QDeadlineTimer::Forever)
-                                         : QDeadlineTimer(m_deadlineMs);
+    m_watch->deadline =
+        m_deadlineMs < 0 ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(m_deadlineMs);
 }
 
 Database::~Database()
@@ -241,12 +241,23 @@ DbError Database::noteFailure(DbError e)
     return e;
 }
 
+DbError Database::fileGone()
+{
+    // A file removed under an open connection still reads its old pages: gone is gone.
+    if (m_settings.kind != DbKind::SQLite || QFileInfo::exists(m_settings.file))
+        return {};
+    m_lost = true;
+    return fileError(u"Could not find file '"_s + m_settings.file + u"'."_s);
+}
+
 Rows Database::read(const QString& sql)
 {
     if (m_busy)
         return Rows(busyError());
     if (!isOpen())
         return Rows(noteFailure(fileError(u"The connection to the database is closed."_s)));
+    if (DbError gone = fileGone(); gone.isError())
+        return Rows(gone);
     startStatement(sql);
     const QSqlDatabase db = qtDatabase();
     DbError failure;
@@ -286,6 +297,8 @@ DbError Database::exec(const QString& sql, qint64* rowsAffected)
         return busyError();
     if (!isOpen())
         return noteFailure(fileError(u"The connection to the database is closed."_s));
+    if (DbError gone = fileGone(); gone.isError())
+        return gone;
     startStatement(sql);
     const QSqlDatabase db = qtDatabase();
     if (m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))

@@ -111,6 +111,7 @@ private:
     DbError noteFailure(DbError e);
     DbError busyError() const;
     void startStatement(const QString& sql);
+    DbError fileGone();
 
     QString m_name;
     ConnectionSettings m_settings;

@@ -10,7 +10,7 @@ namespace sx {
 // The cause picks the explanation for servers that do not speak in ORA codes.
 enum class DbFailureCause {
     Unknown,
-    Unreachable,  // no route, refused, timed out
+    Unreachable, // no route, refused, timed out
     Authentication,
     NoSuchDatabase,
     StartingUp,

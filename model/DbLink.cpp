@@ -8,8 +8,8 @@
 #include <QThread>
 
 #include <atomic>
-#include <cstdlib>
 #include <condition_variable>
+#include <cstdlib>
 #include <deque>
 #include <mutex>
 

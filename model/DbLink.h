@@ -50,10 +50,9 @@ public:
     {
         using R = std::invoke_result_t<Job&, Database&>;
         auto result = std::make_shared<std::optional<R>>();
-        enqueue(
-            [job = std::move(job), result](Database& db) mutable { result->emplace(job(db)); },
-            receiver,
-            [done = std::move(done), result]() mutable { done(std::move(**result)); }, deadlineMs);
+        enqueue([job = std::move(job), result](Database& db) mutable { result->emplace(job(db)); },
+                receiver, [done = std::move(done), result]() mutable { done(std::move(**result)); },
+                deadlineMs);
     }
 
     // Runs `job(db)` on the worker and returns its result. The calling thread
@@ -95,8 +94,8 @@ signals:
 private:
     struct Shared;
 
-    void enqueue(std::function<void(Database&)> job, QObject* receiver,
-                 std::function<void()> done, int deadlineMs);
+    void enqueue(std::function<void(Database&)> job, QObject* receiver, std::function<void()> done,
+                 int deadlineMs);
     void waitFor(std::function<void(Database&)> job, int deadlineMs);
     void finished(const QPointer<QObject>& receiver, bool hadReceiver,
                   const std::function<void()>& done, bool lost);

@@ -46,9 +46,8 @@ DbError sqliteError(sqlite3* db)
 int sqliteProgress(void* watch)
 {
     const auto* w = static_cast<const StatementWatch*>(watch);
-    return (w->abort && w->abort->load(std::memory_order_relaxed)) || w->deadline.hasExpired()
-               ? 1
-               : 0;
+    return (w->abort && w->abort->load(std::memory_order_relaxed)) || w->deadline.hasExpired() ? 1
+                                                                                               : 0;
 }
 
 class SqliteBackend final : public CursorBackend {

@@ -2,10 +2,28 @@
 
 #include "app/AppContext.h"
 
+#include <algorithm>
+
 namespace sx {
 
-AlarmNotifier::AlarmNotifier(const Clock& clock, Send send)
-    : m_clock(clock), m_send(std::move(send))
+namespace {
+
+// Puts `n` in place of the notice of the same unit, or last.
+void replaceOrAppend(QList<FleetNotice>& list, const FleetNotice& n)
+{
+    for (FleetNotice& have : list) {
+        if (have.serial == n.serial) {
+            have = n;
+            return;
+        }
+    }
+    list.append(n);
+}
+
+} // namespace
+
+AlarmNotifier::AlarmNotifier(const Clock& clock, Send send, Withdraw withdraw)
+    : m_clock(clock), m_send(std::move(send)), m_withdraw(std::move(withdraw))
 {
 }
 
@@ -63,23 +81,47 @@ void AlarmNotifier::update(const FleetSummary& fleet)
         }
     }
     m_known = std::move(known);
-    if (due.size() > kSingleNotices) {
-        // A busy fleet gets one digest a minute; what it could not tell waits for the next.
-        if (m_lastDigest.isValid() && m_lastDigest.msecsTo(now) < kUnitQuietMs) {
-            for (auto it = told.cbegin(); it != told.cend(); ++it)
-                m_known.insert(it.key(), it.value());
-            return;
-        }
-        m_lastDigest = now;
-        for (const FleetNotice& n : std::as_const(due))
-            m_lastSent.insert(n.serial, now);
-        send(fleetDigest(due));
+    if (due.isEmpty() || !m_enabled)
         return;
+    qsizetype standing = m_live.size();
+    for (const FleetNotice& n : std::as_const(due)) {
+        standing += std::none_of(m_live.cbegin(), m_live.cend(),
+                                 [&n](const FleetNotice& l) { return l.serial == n.serial; });
+    }
+    if (m_digest.isEmpty() && standing <= kLiveNotices) {
+        for (const FleetNotice& n : std::as_const(due)) {
+            m_lastSent.insert(n.serial, now);
+            replaceOrAppend(m_live, n);
+            send(n);
+        }
+        return;
+    }
+    // A busy fleet gets one digest a minute; what it could not tell waits for the next.
+    if (m_lastDigest.isValid() && m_lastDigest.msecsTo(now) < kUnitQuietMs) {
+        for (auto it = told.cbegin(); it != told.cend(); ++it)
+            m_known.insert(it.key(), it.value());
+        return;
+    }
+    m_lastDigest = now;
+    // The units' own notices make way for the digest, which names them too.
+    for (const FleetNotice& n : std::exchange(m_live, {})) {
+        replaceOrAppend(m_digest, n);
+        if (m_withdraw)
+            m_withdraw(n.serial);
     }
     for (const FleetNotice& n : std::as_const(due)) {
         m_lastSent.insert(n.serial, now);
-        send(n);
+        replaceOrAppend(m_digest, n);
     }
+    send(fleetDigest(m_digest));
+}
+
+void AlarmNotifier::gone(const FleetNotice& notice)
+{
+    if (notice.overview)
+        m_digest.clear();
+    else
+        m_live.removeIf([&notice](const FleetNotice& l) { return l.serial == notice.serial; });
 }
 
 } // namespace sx

@@ -1,6 +1,8 @@
 // The settings: the checks of OK with their messages, and the dialog against
 // a real settings file.
 #include "ScriptedDialogs.h"
+#include "app/AppActions.h"
+#include "app/AppContext.h"
 #include "app/SettingsDialog.h"
 #include "app/SettingsStore.h"
 #include "app/SettingsValidation.h"
@@ -56,6 +58,27 @@ void type(QLineEdit* edit, const QString& text)
 {
     edit->clear();
     QTest::keyClicks(edit, text);
+}
+
+// Every value the settings change writes; "-" for an absent one.
+QStringList values(const SettingsStore& s)
+{
+    QStringList v{s.value(u"SPS"_s, u"SP1"_s, u"-"_s)};
+    for (const QString& key : {u"Init"_s, u"DBType"_s, u"DBFile"_s, u"DBDataSource"_s,
+                               u"DBServerIP"_s, u"DBServerPORT"_s, u"Notifications"_s})
+        v << s.app(key, u"-"_s);
+    return v;
+}
+
+// What a settings file holds on disk. Stores on one path share their values in
+// memory, so the file is read under a name no store has used yet.
+QStringList valuesOnDisk(const QString& file, const QTemporaryDir& dir)
+{
+    static int reads = 0;
+    const QString copy = dir.filePath(u"read-%1.ini"_s.arg(++reads));
+    if (!QFile::copy(file, copy))
+        return {u"unreadable"_s};
+    return values(SettingsStore(copy));
 }
 
 } // namespace
@@ -158,7 +181,7 @@ private slots:
         if (!notifications.isNull())
             b.store->setApp(u"Notifications"_s, notifications);
         b.store->setProtectionCode(u"77 "_s);
-        b.store->sync();
+        QVERIFY(b.store->sync());
 
         SettingsDialog d(*b.store, b.dialogs);
         d.show();
@@ -218,7 +241,7 @@ private slots:
         b.store->setApp(u"DBType"_s, u"0"_s);
         b.store->setApp(u"DBFile"_s, u"/old.mdb"_s);
         b.store->setProtectionCode(u"old"_s);
-        b.store->sync();
+        QVERIFY(b.store->sync());
         SettingsDialog d(*b.store, b.dialogs);
         d.show();
         child<QRadioButton>(d, u"Option1_3"_s)->click();
@@ -242,6 +265,107 @@ private slots:
         QCOMPARE(reread.app(u"DBType"_s), u"0"_s);
         QCOMPARE(reread.protectionCode(), u"old"_s);
         QCOMPARE(reread.app(u"DBDataSource"_s, u"-"_s), u"-"_s);
+    }
+
+    // Root writes through any permission, so the place of the file is broken
+    // instead: its folder turned into a file, or the file into a folder.
+    void unwritableSaveKeepsTheOldSettings_data()
+    {
+        QTest::addColumn<QString>("broken"); // empty: writable
+        QTest::addColumn<bool>("repaired");  // made writable again, then OK once more
+        QTest::newRow("writable: saved, the console ends") << QString() << false;
+        QTest::newRow("folder is a file") << u"folder"_s << false;
+        QTest::newRow("file is a folder") << u"file"_s << false;
+        // QSettings keeps its first error; the second OK must not inherit it.
+        QTest::newRow("folder is a file, repaired, OK again") << u"folder"_s << true;
+    }
+    void unwritableSaveKeepsTheOldSettings()
+    {
+        QFETCH(QString, broken);
+        QFETCH(bool, repaired);
+        QTemporaryDir dir;
+        const QString folder = dir.filePath(u"cfg"_s);
+        const QString path = folder + u"/settings.ini"_s;
+        const QString aside = dir.filePath(u"aside"_s);
+        SettingsStore store(path);
+        QVERIFY(writeSettingsForm(
+            store, {DbKind::Access, u"/old.mdb"_s, u"OLD"_s, {}, {}, u"old"_s, u"old"_s, true}));
+        store.setApp(u"Init"_s, u"1"_s);
+        QVERIFY(store.sync());
+        const QStringList oldValues = values(store);
+        const QStringList newValues{u"new"_s, u"1"_s,        u"3"_s,    u"/old.mdb"_s,
+                                    u"sx"_s,  u"10.0.0.9"_s, u"5432"_s, u"0"_s};
+
+        const QString moved = broken == u"folder" ? folder : path;
+        // Where the old file is kept while its place is broken.
+        const QString kept = broken == u"folder" ? aside + u"/settings.ini"_s : aside;
+        if (!broken.isEmpty()) {
+            QVERIFY(QFile::rename(moved, aside));
+            if (broken == u"folder")
+                QVERIFY(QFile(folder).open(QIODevice::WriteOnly));
+            else
+                QVERIFY(QDir().mkdir(path));
+        }
+        const auto repair = [&] {
+            QVERIFY(broken == u"folder" ? QFile::remove(folder) : QDir().rmdir(path));
+            QVERIFY(QFile::rename(aside, moved));
+        };
+
+        ScriptedDialogs dialogs;
+        dialogs.answerCode(u"old"_s);
+        bool stayedOpen = false;
+        dialogs.answerSettings([&] {
+            SettingsDialog d(store, dialogs);
+            d.show();
+            SettingsForm chosen = d.form();
+            chosen.kind = DbKind::PostgreSQL;
+            chosen.dataSource = u"sx"_s;
+            chosen.serverIp = u"10.0.0.9"_s;
+            chosen.serverPort = u"5432"_s;
+            chosen.code = chosen.confirmation = u"new"_s;
+            chosen.notifications = false;
+            d.setForm(chosen);
+            QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
+            if (repaired) {
+                repair();
+                QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
+            }
+            stayedOpen = d.isVisible() && d.form().code == u"new";
+            return d.result() == QDialog::Accepted;
+        });
+        bool ended = false;
+        AppContext ctx;
+        ctx.dialogs = &dialogs;
+        ctx.settings = &store;
+        ctx.terminate = [&ended] { ended = true; };
+        changeAppSettings(ctx, nullptr);
+
+        const bool saved = broken.isEmpty() || repaired;
+        QStringList texts;
+        if (!broken.isEmpty())
+            texts << u"Οι παράμετροι της εφαρμογής δεν αποθηκεύτηκαν.\r\n"
+                     u"Δεν είναι δυνατή η εγγραφή στο αρχείο παραμέτρων:\r\n"_s +
+                         path + u"\r\nΙσχύουν οι προηγούμενες παράμετροι."_s;
+        if (saved)
+            texts << u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\n"
+                     u"Οι αλλαγές θα ισχύσουν απο την επόμενη φορά που θα εκτελεστεί η εφαρμογή "
+                     u"SENTORAX Monitor"_s;
+        const auto shown = dialogs.messages();
+        QStringList shownTexts;
+        for (const auto& m : shown)
+            shownTexts << m.text;
+        QCOMPARE(shownTexts, texts);
+        if (!broken.isEmpty()) {
+            QCOMPARE(shown[0].icon, DialogService::Icon::Critical);
+            QCOMPARE(shown[0].title, u"SENTORAX Monitor"_s);
+        }
+        QVERIFY(!dialogs.anyUnexpected());
+        QCOMPARE(ended, saved);
+        QCOMPARE(stayedOpen, !saved);
+        // Neither this store nor the file holds a value the user was told is not saved.
+        QCOMPARE(values(store), saved ? newValues : oldValues);
+        QCOMPARE(values(SettingsStore(path)), saved ? newValues : oldValues);
+        QCOMPARE(valuesOnDisk(saved ? path : kept, dir), saved ? newValues : oldValues);
     }
 
     void browse_data()

@@ -154,7 +154,7 @@ void store(SettingsStore& s, const ConnectionSettings& where, const QString& cod
     form.serverPort = where.serverPort;
     form.code = code;
     form.confirmation = code;
-    writeSettingsForm(s, form);
+    QVERIFY(writeSettingsForm(s, form));
 }
 
 } // namespace
@@ -244,7 +244,7 @@ private slots:
             f.settings->setProtectionCode(u"old"_s);
             f.settings->setApp(u"DBFile"_s, u"/old/sxdb.mdb"_s);
         }
-        f.settings->sync();
+        QVERIFY(f.settings->sync());
 
         QStringList valuesWhenAsked;
         for (const QString& step : script) {
@@ -362,7 +362,7 @@ private slots:
         SX_REQUIRE_FIXTURE(f);
         store(*f.settings, f.scratch.settings(), u"1234"_s);
         f.settings->setApp(u"Init"_s, u"0"_s);
-        f.settings->sync();
+        QVERIFY(f.settings->sync());
         f.dialogs.answerSettings([] { return false; });
         f.dialogs.answerMessage(Answer::Cancel);
 

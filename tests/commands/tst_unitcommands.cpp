@@ -6,11 +6,13 @@
 #include "views/current/CommandRules.h"
 #include "views/current/UnitCommands.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -35,10 +37,11 @@ public:
 };
 
 // What happened while a command ran: the request rows that appeared and the
-// state of the window and the wait window meanwhile.
+// state of the window and the wait window from the moment our row was written.
 class RequestWatch {
 public:
-    RequestWatch(Database& db, QWidget& host, Clock& clock) : m_db(db), m_host(host), m_clock(clock)
+    RequestWatch(Database& db, QWidget& host, Clock& clock, const QString& ownRow)
+        : m_db(db), m_host(host), m_clock(clock), m_ownRow(ownRow)
     {
         QObject::connect(&m_timer, &QTimer::timeout, [this] { look(); });
         m_timer.start(20);
@@ -46,7 +49,9 @@ public:
 
     QStringList rows; // "serial|type|attributes|completed|reply", each once
     bool disabledAndWaitingWhileRowExisted = true;
-    QDateTime firstSeen;
+    QDateTime firstSeen; // of our row
+    // Runs once, when our row is first seen.
+    std::function<void()> onOwnRow;
 
 private:
     void look()
@@ -60,14 +65,20 @@ private:
             if (!rows.contains(r.textOr(u"r")))
                 rows << r.textOr(u"r");
         } while (r.next());
-        if (!firstSeen.isValid())
+        if (!firstSeen.isValid()) {
+            if (!rows.contains(m_ownRow))
+                return; // only rows of others so far
             firstSeen = m_clock.now();
+            if (onOwnRow)
+                std::exchange(onOwnRow, {})();
+        }
         disabledAndWaitingWhileRowExisted &= !m_host.isEnabled() && GuiFixture::waitWindowShown();
     }
 
     Database& m_db;
     QWidget& m_host;
     Clock& m_clock;
+    QString m_ownRow;
     QTimer m_timer;
 };
 
@@ -129,6 +140,18 @@ class TestUnitCommands : public QObject {
     {
         Rows r = fx->db.readFirst(u"SELECT COUNT(*) AS n FROM Terminal_Requests"_s);
         return r.next() ? int(r.intOr(u"n", -1)) : -1;
+    }
+
+    // The request rows as "serial|type|attributes|completed".
+    QStringList requestsLeft()
+    {
+        QStringList out;
+        Rows r = fx->db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || "
+                             u"'|' || TrmReq_Attributes || '|' || TrmReq_Requestcompleted AS r "
+                             u"FROM Terminal_Requests ORDER BY 1"_s);
+        while (r.next())
+            out << r.textOr(u"r");
+        return out;
     }
 
     // A shown dialog as one line: a prompt or list with its entries, a message with its icon.
@@ -201,12 +224,15 @@ private slots:
         QTest::addColumn<QString>("check");
         QTest::addColumn<int>("refreshes");
         QTest::addColumn<QString>("meanwhile"); // what else happens to the request table
+        QTest::addColumn<QStringList>("left");  // the rows left afterwards
         const auto row = [](const char* name, const char* command, const QString& serial,
                             const QList<int>& before, const QString& answers, const QString& sent,
                             const QStringList& dialogs, const QString& check, int refreshes,
-                            const QStringList& simOptions = {}, const QString& meanwhile = {}) {
+                            const QStringList& simOptions = {}, const QString& meanwhile = {},
+                            const QStringList& left = {}) {
             QTest::newRow(name) << QString::fromLatin1(command) << serial << simOptions << before
-                                << answers << sent << dialogs << check << refreshes << meanwhile;
+                                << answers << sent << dialogs << check << refreshes << meanwhile
+                                << left;
         };
         using namespace commands;
         const QString a1 = u"SX100002"_s, c1 = u"SX100001"_s;
@@ -287,12 +313,32 @@ private slots:
             {say(Icon::Critical, relayTitle(), offline)}, {}, 1);
         // A stale, answered row of another console must not be taken for ours.
         row("other rows of the unit are left alone", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, relay + u"1"_s, 1, {}, u"stale"_s);
+            {relayAsk}, relay + u"1"_s, 1, {}, u"stale"_s, {u"SX100002|3|0042;1;0|1"_s});
+        // An answered row like ours, left from an earlier command (reply 2), is not our answer.
+        row("a leftover answer is not ours", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
+            {relayAsk}, relay + u"1"_s, 1, {}, u"leftover"_s);
+        // Another console sends the same command while we wait: the server answers both
+        // rows at once (it waits a second here, so that both are there), and that console's
+        // row stays for it to read and remove.
+        row("the same command from another console", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
+            {relayAsk}, relay + u"1"_s, 1, {u"--answer-delay"_s, u"1000"_s}, u"twin"_s,
+            {u"SX100002|2|0042;1|1"_s});
         // Without a server: someone else (a server tidying up) removes the row while we wait,
         // or the table is gone; a failed query is reported and the window stays usable.
         const QStringList stopped{u"stopped"_s};
         row("vanished row ends without message", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
             {relayAsk}, {}, 1, stopped, u"delete later"_s);
+        // The test answers 2 itself. Another console's row like ours comes after the answer:
+        // ours goes, the one still waiting stays.
+        const QStringList wrongCode{relayAsk,
+                                    say(Icon::Critical, relayTitle(), u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ"_s)};
+        row("the same command from another console, after our answer", "relay", a1, {}, u"c0042"_s,
+            u"2|0042;1"_s, wrongCode, {}, 1, stopped, u"late twin"_s, {u"SX100002|2|0042;1|0"_s});
+        // The row cannot be removed after the answer and the console ends: the next start
+        // removes it.
+        row("a row left behind goes at the next start", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
+            wrongCode + QStringList{say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped,
+            u"restart"_s, {u"SX100002|2|0042;1|1"_s});
         row("the poll fails", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
             {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop later"_s);
         row("the write fails", "relay", a1, {}, u"c0042"_s, {},
@@ -317,13 +363,23 @@ private slots:
         QFETCH(QString, check);
         QFETCH(int, refreshes);
         QFETCH(QString, meanwhile);
+        QFETCH(QStringList, left);
         QVERIFY(useSimulator(simOptions));
         const int reports = fx->failures->reportsShown();
         const auto drop = [this] { (void)fx->db.exec(u"DROP TABLE Terminal_Requests"_s); };
+        const QString insert = u"INSERT INTO Terminal_Requests VALUES "_s;
+        // The console that ends mid-way, and the file it leaves for the next start.
+        std::unique_ptr<QueryFailureReporter> ending;
+        const QString pendingFile = fx->settings->pendingStatementsFile();
         if (meanwhile == u"stale")
-            QVERIFY(fx->exec(
-                u"INSERT INTO Terminal_Requests VALUES ('SX100002', 3, '0042;1;0', 1, 2)"_s));
-        else if (meanwhile == u"drop")
+            QVERIFY(fx->exec(insert + u"('SX100002', 3, '0042;1;0', 1, 2)"_s));
+        else if (meanwhile == u"leftover")
+            QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 1, 2)"_s));
+        else if (meanwhile == u"restart") {
+            ending = std::make_unique<QueryFailureReporter>(fx->ctx);
+            ending->keepPendingIn(pendingFile);
+            fx->ctx.failures = ending.get();
+        } else if (meanwhile == u"drop")
             drop();
         else if (meanwhile == u"drop later")
             QTimer::singleShot(200, drop);
@@ -359,6 +415,12 @@ private slots:
             disabledAtSelection &= s.kind != u"selection" || !host->isEnabled();
             if (s.kind == u"message")
                 messageAt = fx->clock.now();
+            if (s.text != u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ")
+                return;
+            if (meanwhile == u"late twin")
+                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0)"_s));
+            else if (meanwhile == u"restart") // nothing there to remove after the answer
+                QVERIFY(fx->exec(u"ALTER TABLE Terminal_Requests RENAME TO Requests_away"_s));
         };
         const QHash<QString, void (*)(AppContext&, CommandHost&)> byName{
             {u"relay"_s, runRelayCommand},
@@ -367,23 +429,49 @@ private slots:
         host->serial = serial;
         host->refreshes = 0;
         fx->dialogs.clearShown();
-        watch = std::make_unique<RequestWatch>(fx->db, *host, fx->clock);
+        watch = std::make_unique<RequestWatch>(fx->db, *host, fx->clock,
+                                               serial + u"|"_s + sent + u"|0|0"_s);
+        if (meanwhile == u"twin")
+            watch->onOwnRow = [&] {
+                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0)"_s));
+            };
+        else if (meanwhile == u"late twin" || meanwhile == u"restart")
+            watch->onOwnRow = [this] { // as the server would
+                QVERIFY(fx->exec(u"UPDATE Terminal_Requests SET TrmReq_Requestcompleted=1, "
+                                 u"TrmReq_Requestreply=2"_s));
+            };
         byName[command](fx->ctx, *host);
         const QStringList rows = watch->rows;
+        const bool disabledAndWaiting = watch->disabledAndWaitingWhileRowExisted;
+        const QDateTime firstSeen = watch->firstSeen;
+        watch.reset();
         fx->dialogs.onShown = {};
         // Put the table back as it was before anything can fail.
-        const int left = meanwhile.startsWith(u"drop") ? 0 : requestRows();
+        if (ending) {
+            fx->ctx.failures = fx->failures.get();
+            ending.reset();
+            QVERIFY(fx->exec(u"ALTER TABLE Requests_away RENAME TO Terminal_Requests"_s));
+        }
+        const QStringList leftOver = meanwhile.startsWith(u"drop") ? QStringList() : requestsLeft();
         if (meanwhile.startsWith(u"drop")) {
             fx->failures->clear();
             QVERIFY(!sim::createSchema(fx->db).isError());
         }
-        if (meanwhile == u"stale")
+        if (meanwhile == u"restart") {
+            QVERIFY(QFile::exists(pendingFile));
+            QueryFailureReporter next(fx->ctx);
+            next.keepPendingIn(pendingFile);
+            next.runPending();
+            QTRY_COMPARE(requestRows(), 0);
+            QTRY_VERIFY(!QFile::exists(pendingFile));
+        }
+        if (!leftOver.isEmpty())
             QVERIFY(fx->exec(u"DELETE FROM Terminal_Requests"_s));
 
-        QVERIFY2(sent.isEmpty() ? rows.size() == (meanwhile == u"stale")
+        QVERIFY2(sent.isEmpty() ? rows.isEmpty()
                                 : rows.contains(serial + u"|"_s + sent + u"|0|0"_s),
                  qPrintable(rows.join(u' ')));
-        QVERIFY(watch->disabledAndWaitingWhileRowExisted);
+        QVERIFY(disabledAndWaiting);
         QVERIFY(disabledAtSelection);
         QStringList shown;
         for (const auto& s : fx->dialogs.shown())
@@ -396,10 +484,10 @@ private slots:
         QCOMPARE(shown, dialogs);
         QCOMPARE(host->refreshes, refreshes);
         QCOMPARE(fx->failures->reportsShown(), reports + meanwhile.startsWith(u"drop"));
-        QCOMPARE(left, meanwhile == u"stale" ? 1 : 0);
+        QCOMPARE(leftOver, left);
         if (meanwhile == u"silent") {
             // Polls are 10 s apart here and the row is first seen up to 0.4 s late.
-            const qint64 waited = watch->firstSeen.msecsTo(messageAt);
+            const qint64 waited = firstSeen.msecsTo(messageAt);
             QVERIFY2(waited > 59000 && waited <= 72000, qPrintable(QString::number(waited)));
         }
         if (!check.isEmpty()) {

@@ -82,6 +82,7 @@ private slots:
     void layoutFitsTheScreenAndTheHeadersSizeTheColumns()
     {
         fillSystemSelect(*m_w, -1, false);
+        QVERIFY(refreshed()); // the values may widen columns
         m_w->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
         // 1280 × 800 at 96 dpi, with room for a title bar and a panel.
@@ -112,6 +113,7 @@ private slots:
     void eachUnitFillsTheView()
     {
         fillSystemSelect(*m_w, -1, false);
+        QVERIFY(refreshed());
         QCOMPARE(m_w->unitIndex(), 0);
         QCOMPARE(m_w->selectedSerial(), u"A-100"_s);
 
@@ -157,7 +159,7 @@ private slots:
         QCOMPARE(buttonColor(c5), colors::kLightGrey);
 
         // The third unit: automatic-on notification, relay on, a fault, version 1.21.
-        select(2);
+        QVERIFY(select(2));
         QCOMPARE(points->rowCount(), 1);
         QCOMPARE(power->rowCount(), 0);
         QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s);
@@ -170,7 +172,7 @@ private slots:
         QCOMPARE(clock->text(), QString());
 
         // Beta, not connected: commands off, captions kept from Gamma.
-        select(1);
+        QVERIFY(select(1));
         QCOMPARE(points->rowCount() + power->rowCount(), 0);
         QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
         QCOMPARE(label6->palette().color(QPalette::WindowText), colors::kRed);
@@ -182,16 +184,16 @@ private slots:
         // Back online: enabled again.
         QVERIFY(
             m_fx->exec(u"UPDATE Systems_Info SET SyI_Online=1 WHERE SyI_Serialnumber='B-200'"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QVERIFY(c4->isEnabled() && c5->isEnabled() && c7->isEnabled());
         QCOMPARE(points->rowCount(), 1);
         QCOMPARE(c4->text(), u"ΑΥΤΟΜΑΤΗ"_s); // no condition row: missing counts as automatic-on
 
         // Gamma vanishes after the list was filled: choosing it still clears the
         // view, and a refresh without a unit row leaves it cleared.
-        select(0);
+        QVERIFY(select(0));
         QVERIFY(m_fx->exec(u"DELETE FROM Systems_Info WHERE SyI_Serialnumber='G-300'"_s));
-        select(2);
+        QVERIFY(select(2));
         QCOMPARE(points->rowCount() + power->rowCount(), 0);
         for (const QLabel* l : {label6, status, clock})
             QCOMPARE(l->text(), QString());
@@ -203,6 +205,7 @@ private slots:
     void refreshRewritesOnlyWhatChangedInPlaceAndFollowsNewMessages()
     {
         fillSystemSelect(*m_w, 0, false);
+        QVERIFY(refreshed());
         QTableWidget* grid = m_w->pointsGrid();
         QCOMPARE(grid->rowCount(), 10);
         QTableWidgetItem* first = grid->item(0, 0);
@@ -215,18 +218,18 @@ private slots:
         QSignalSpy power(m_w->powerGrid()->model(), &QAbstractItemModel::dataChanged);
 
         // Nothing new: no cell is touched. Then one reading: exactly that cell.
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(changed.size() + removed.size() + inserted.size() + power.size(), 0);
         QVERIFY(m_fx->exec(
             u"UPDATE Sensors_Current_Condition SET SeCC_Currvalue=99 WHERE SeCC_SyI_Serialnumber='A-100' AND SeCC_Sensornumber=6"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(changed.size(), 1);
         QCOMPARE(changed[0][0].toModelIndex(), grid->model()->index(5, 1));
         QCOMPARE(grid->item(5, 1)->text(), u"99.0 °C"_s);
 
         QVERIFY(m_fx->exec(
             u"UPDATE Sensors_Info SET SeI_Used=0 WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber>7"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(grid->rowCount(), 7);
         QCOMPARE(rowTexts(grid, 6)[0], u"[7] Ζώνη 7"_s);
         QCOMPARE(removed.size(), 1); // trimmed once, at the end
@@ -238,7 +241,7 @@ private slots:
         removed.clear();
         QVERIFY(
             m_fx->exec(u"UPDATE Sensors_Info SET SeI_Used=1 WHERE SeI_SyI_Serialnumber='A-100'"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(grid->rowCount(), 10);
         QCOMPARE(inserted.size(), 3); // one row at a time
         for (const QList<QVariant>& args : inserted)
@@ -249,7 +252,7 @@ private slots:
         // A unit in the middle of the list disappears: later rows move up in place.
         QVERIFY(m_fx->exec(
             u"UPDATE Sensors_Info SET SeI_Used=0 WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(grid->rowCount(), 9);
         QCOMPARE(rowTexts(grid, 1)[0], u"[3] Ζώνη 3"_s);
         QCOMPARE(rowColor(grid, 1), colors::kLightBlue);
@@ -259,16 +262,16 @@ private slots:
         QVERIFY(m_w->navigation()->newMessagesShown());
         QCOMPARE(buttonColor(messages), colors::kLightRed);
         QVERIFY(m_fx->exec(u"DELETE FROM Systems_Faults"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(buttonColor(messages), colors::kLightGrey);
 
         CurrentSeed s(m_fx->db);
         QVERIFY(s.newPointMessage(u"B-200"_s)); // another unit's message
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(buttonColor(messages), colors::kLightRed);
 
         QVERIFY(m_fx->exec(u"UPDATE Sensors_Events SET SeE_Recipients=0"_s)); // archived
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(buttonColor(messages), colors::kLightGrey);
     }
 
@@ -281,6 +284,7 @@ private slots:
         QVERIFY(m_fx->exec(u"UPDATE Powermonitoring_Info SET PmI_Powername='"_s + longName +
                            u"' WHERE PmI_SyI_Serialnumber='A-100' AND PmI_Powernumber=2"_s));
         fillSystemSelect(*m_w, 0, false);
+        QVERIFY(refreshed());
 
         for (QTableWidget* grid : {m_w->pointsGrid(), m_w->powerGrid()}) {
             const QFontMetricsF fm(grid->font());
@@ -297,13 +301,14 @@ private slots:
         // The name gets short again: the row returns to the default height.
         QVERIFY(m_fx->exec(
             u"UPDATE Sensors_Info SET SeI_Sensorname='Β' WHERE SeI_SyI_Serialnumber='A-100' AND SeI_Sensornumber=2"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(m_w->pointsGrid()->rowHeight(1),
                  m_w->pointsGrid()->verticalHeader()->defaultSectionSize());
     }
 
-    // Without a unit in use nothing refreshes and the commands stay unavailable;
-    // once units are listed, the timer runs from the end of each refresh.
+    // Without a unit in use nothing is shown and the commands stay unavailable,
+    // while each round reads the list again; once units are listed, the timer
+    // runs from the end of each refresh.
     void timerRunsFromTheEndOfEachRefresh()
     {
         QTimer* timer = m_w->refreshTimer();
@@ -311,8 +316,12 @@ private slots:
         QVERIFY(timer->isSingleShot());
         QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
         fillSystemSelect(*m_w, -1, false);
-        m_w->refresh();
         QVERIFY(!timer->isActive());
+        QVERIFY(refreshed(true));
+        QVERIFY(timer->isActive());
+        timer->setInterval(10);
+        QTest::qWait(200); // rounds that find no unit
+        QCOMPARE(m_w->systemSelect()->count(), 0);
         QCOMPARE(label(u"Label6"_s)->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
         QCOMPARE(label(u"Label6"_s)->palette().color(QPalette::WindowText), colors::kRed);
         for (const auto& [name, caption] : {std::pair{u"Command4"_s, u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s},
@@ -324,8 +333,13 @@ private slots:
         }
         QVERIFY(m_fx->dialogs.shown().isEmpty());
 
+        // Units come into use: a round lists them and shows the first.
         QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=1"_s));
+        QTRY_COMPARE(m_w->pointsGrid()->rowCount(), 10);
+        QCOMPARE(m_w->selectedSerial(), u"A-100"_s);
+        timer->setInterval(MainWindow::kRefreshIntervalMs);
         fillSystemSelect(*m_w, 0, false);
+        QVERIFY(refreshed());
         QVERIFY(timer->isActive());
         QVERIFY(timer->remainingTime() > 9000);
         // A tick refreshes and arms the timer again.
@@ -341,6 +355,7 @@ private slots:
     {
         Navigator& nav = *m_fx->navigator;
         fillSystemSelect(*m_w, 2, false);
+        QVERIFY(refreshed());
         m_w->show();
         QCOMPARE(m_w->unitIndex(), 2);
 
@@ -354,6 +369,7 @@ private slots:
 
         nav.navigate(*messages, ViewId::Current);
         QVERIFY(m_w->isVisible());
+        QVERIFY(refreshed()); // shown again, it reads the unit anew
         QCOMPARE(m_w->selectedSerial(), u"G-300"_s);
         QCOMPARE(rowTexts(m_w->pointsGrid(), 0)[0], u"[1] Γ1"_s);
     }
@@ -361,12 +377,13 @@ private slots:
     void failingQueryIsReportedOnceAndTheViewRecovers()
     {
         fillSystemSelect(*m_w, 0, false);
+        QVERIFY(refreshed());
         QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
         auto* label6 = label(u"Label6"_s);
 
         // The points table goes away (as if the server were rebuilding it).
         QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(m_fx->dialogs.messages().size(), 1);
         QVERIFY(m_w->databaseLost());
         QCOMPARE(label6->text(), u"ΣΥΝΔΕΣΗ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s);
@@ -375,12 +392,12 @@ private slots:
         QVERIFY(!button(u"Command4"_s)->isEnabled());
         QVERIFY(m_w->refreshTimer()->isActive());
 
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(m_fx->dialogs.messages().size(), 1); // once per outage
         QVERIFY(m_w->refreshTimer()->isActive());
 
         QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info_away RENAME TO Sensors_Info"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QVERIFY(!m_w->databaseLost());
         QCOMPARE(m_w->pointsGrid()->rowCount(), 10);
         QCOMPARE(label6->text(), u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s);
@@ -388,7 +405,7 @@ private slots:
 
         // A new outage is news again.
         QVERIFY(m_fx->exec(u"ALTER TABLE Powermonitoring_Info RENAME TO Pm_away"_s));
-        m_w->refresh();
+        QVERIFY(refreshed(true));
         QCOMPARE(m_fx->dialogs.messages().size(), 2);
         QVERIFY(m_fx->exec(u"ALTER TABLE Pm_away RENAME TO Powermonitoring_Info"_s));
     }
@@ -420,7 +437,24 @@ private:
                 s.condition(u"G-300"_s, u"3"_s, u"1"_s) && s.fault(u"G-300"_s, 0, u"3"_s));
     }
 
-    void select(int index) { chooseItem(m_w->systemSelect(), index); }
+    // The user picks a unit; true once its condition is shown.
+    [[nodiscard]] bool select(int index)
+    {
+        chooseItem(m_w->systemSelect(), index);
+        return refreshed();
+    }
+
+    // Waits until the window's read is back and shown, with the box a failure
+    // raises from the event loop; starts a refresh first when asked.
+    [[nodiscard]] bool refreshed(bool start = false)
+    {
+        if (start)
+            m_w->refresh();
+        const bool back =
+            QTest::qWaitFor([this] { return !m_w->refreshing() && !m_fx->link.busy(); });
+        QCoreApplication::processEvents();
+        return back;
+    }
 
     QLabel* label(const QString& name) { return m_w->findChild<QLabel*>(name); }
     QPushButton* button(const QString& name) { return m_w->findChild<QPushButton*>(name); }

@@ -125,13 +125,20 @@ private slots:
         QTest::addColumn<Fault>("fault");
         QTest::addColumn<During>("during");
         QTest::addColumn<int>("boxes");
+        // Nobody answers the box: the fault ends and the views refill while it stands.
+        QTest::addColumn<bool>("nobodyAnswers");
         using enum During;
         const char* const doing[] = {"idle refresh", "view change",  "command",     "print",
                                      "marking",      "records load", "events load", "fleet read"};
         const auto rows = [&](const char* fault, Fault f, std::initializer_list<During> during,
                               int boxes = 1) {
             for (const During d : during)
-                QTest::addRow("%s, %s", fault, doing[int(d)]) << f << d << boxes;
+                QTest::addRow("%s, %s", fault, doing[int(d)]) << f << d << boxes << false;
+        };
+        const auto unanswered = [&](const char* fault, Fault f) {
+            for (const During d : {IdleRefresh, ViewChange, RecordsLoad, EventsLoad})
+                QTest::addRow("%s, %s, nobody answers", fault, doing[int(d)])
+                    << f << d << 1 << true;
         };
         if (ScratchDatabase::kindName() == u"postgresql") {
             const auto all = {IdleRefresh, ViewChange,  Command,  Print,
@@ -140,11 +147,13 @@ private slots:
             rows("server gone", Fault::ServerGone, {EventsLoad});
             rows("black hole", Fault::BlackHole, all);
             rows("slow packets", Fault::SlowPackets, {IdleRefresh, Command}, 0);
+            unanswered("server gone", Fault::ServerGone);
         } else {
             // The file is in rollback-journal mode here, where a writer keeps readers out too.
             rows("file locked", Fault::FileLocked,
                  {Command, Marking, RecordsLoad, EventsLoad, ViewChange, FleetRead});
             rows("file gone", Fault::FileGone, {IdleRefresh, ViewChange, RecordsLoad, Print});
+            unanswered("file gone", Fault::FileGone);
         }
     }
 
@@ -153,11 +162,19 @@ private slots:
         QFETCH(Fault, fault);
         QFETCH(During, during);
         QFETCH(int, boxes);
+        QFETCH(bool, nobodyAnswers);
         GuiFixture fx;
         SX_REQUIRE_FIXTURE(fx);
         QVERIFY(seed(fx.db));
-        if (fault == Fault::FileLocked)
+        if (fault == Fault::FileLocked) {
+            // Another connection keeps a file in its journal mode: the console's waits meanwhile.
+            QVERIFY(!fx.link.call([](Database& db) {
+                db.close();
+                return 0;
+            }));
             QVERIFY(!fx.db.exec(u"PRAGMA journal_mode=DELETE"_s).isError());
+            QVERIFY(!fx.link.openAndWait(fx.scratch.settings()).isError());
+        }
         fx.setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
 
         std::unique_ptr<FaultProxy> proxy;
@@ -212,6 +229,46 @@ private slots:
         locker.allowGuiThread();
         const QString file = fx.scratch.settings().file;
         const StallMeter meter;
+        bool ended = false;
+        const auto endFault = [&] {
+            if (std::exchange(ended, true))
+                return;
+            if (proxy)
+                proxy->setMode(FaultProxy::Mode::Pass);
+            if (fault == Fault::FileLocked)
+                QVERIFY(!locker.exec(u"COMMIT"_s).isError());
+            if (fault == Fault::FileGone)
+                QVERIFY(QFile::rename(file + u".away"_s, file));
+        };
+        // While the box stands: refresh reads (fleet reads ride on them) and a new reading shown.
+        int readsWhileStanding = 0;
+        bool freshWhileStanding = false;
+        QTimer sampler;
+        if (nobodyAnswers) {
+            fx.dialogs.leaveOpen(6000);
+            fx.dialogs.onShown = [&](const ScriptedDialogs::Shown&) {
+                QTimer::singleShot(300, [&] {
+                    endFault();
+                    QVERIFY(!fx.db
+                                 .exec(u"UPDATE Sensors_Current_Condition SET SeCC_Currvalue=77 "
+                                       u"WHERE SeCC_Sensornumber=1"_s)
+                                 .isError());
+                });
+            };
+            auto seen = fx.ctx.fleet;
+            QObject::connect(&sampler, &QTimer::timeout, [&, seen]() mutable {
+                if (!ended || fx.dialogs.standing() == 0)
+                    return;
+                if (fx.ctx.fleet != seen) {
+                    seen = fx.ctx.fleet;
+                    ++readsWhileStanding;
+                }
+                const QTableWidgetItem* reading = main->pointsGrid()->item(0, 1);
+                freshWhileStanding = freshWhileStanding ||
+                                     (filled(shown) && reading && reading->text().contains(u"77"));
+            });
+            sampler.start(20);
+        }
         switch (fault) {
         case Fault::ServerGone:
             proxy->setMode(FaultProxy::Mode::Refuse);
@@ -266,11 +323,11 @@ private slots:
             break;
         case During::RecordsLoad:
             chooseItem(recordsView->sensorSelect(), 0);
-            QVERIFY(!filled(shown));
+            QVERIFY(nobodyAnswers || !filled(shown));
             break;
         case During::EventsLoad:
             chooseItem(eventsView->sensorSelect(), eventsView->sensorSelect()->count() - 1);
-            QVERIFY(!filled(shown));
+            QVERIFY(nobodyAnswers || !filled(shown));
             break;
         case During::FleetRead:
             fleet.refresh(); // alone, then with the main view: one box between them
@@ -280,13 +337,7 @@ private slots:
         }
         QTRY_COMPARE(failureBoxes(fx.dialogs), boxes);
 
-        // The fault ends.
-        if (proxy)
-            proxy->setMode(FaultProxy::Mode::Pass);
-        if (fault == Fault::FileLocked)
-            QVERIFY(!locker.exec(u"COMMIT"_s).isError());
-        if (fault == Fault::FileGone)
-            QVERIFY(QFile::rename(file + u".away"_s, file));
+        endFault();
 
         // Refilled by itself within one refresh interval of the console.
         const auto state = [&] {
@@ -299,6 +350,11 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(state(), u"units 1, lost 0, locked 0, filled 1, fleet read 1"_s,
                                   MainWindow::kRefreshIntervalMs);
         QCOMPARE(failureBoxes(fx.dialogs), boxes);
+        if (nobodyAnswers) {
+            QTRY_COMPARE(fx.dialogs.standing(), 0);
+            QVERIFY2(readsWhileStanding >= 2, qPrintable(QString::number(readsWhileStanding)));
+            QVERIFY(freshWhileStanding);
+        }
         QVERIFY2(meter.longestMs() <= 250, qPrintable(QString::number(meter.longestMs())));
         QVERIFY(fx.failures->pendingStatements().isEmpty());
         // Nothing half marked, and no half-written report over the old one.

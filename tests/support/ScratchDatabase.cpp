@@ -65,8 +65,8 @@ QString ScratchDatabase::url() const
     if (!isPostgres())
         return u"sqlite:"_s + m_settings.file;
     return u"postgresql://%1:%2@%3:%4/%5"_s.arg(m_settings.user, m_settings.password,
-                                                 m_settings.serverIp, m_settings.serverPort,
-                                                 m_settings.dataSource);
+                                                m_settings.serverIp, m_settings.serverPort,
+                                                m_settings.dataSource);
 }
 
 bool ScratchDatabase::open(Database& db, bool withSchema)

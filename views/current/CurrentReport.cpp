@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
+#include "app/DbCall.h"
 #include "app/DialogService.h"
 #include "app/PdfFileSwap.h"
 #include "app/PrintPreview.h"
@@ -164,7 +165,7 @@ DbError readReport(Database& db, const QString& serial, report::ReportData& data
 DbError readCurrentReport(AppContext& ctx, const QString& serial, report::ReportData& data)
 {
     data.printedAt = ctx.clock ? ctx.clock->now() : QDateTime::currentDateTime();
-    return ctx.db->call([&](Database& db) { return readReport(db, serial, data); });
+    return dbCall(ctx, nullptr, [&](Database& db) { return readReport(db, serial, data); });
 }
 
 bool drawCurrentReport(QPrinter& printer, const report::ReportData& data)

@@ -277,22 +277,24 @@ void MainWindow::refresh()
         CurrentCondition lost;
         lost.error = {kProviderErrorNumber, u"The connection to the database is lost."_s,
                       DbFailureCause::Unreachable};
-        finishRefresh(selectedSerial(), lost);
+        finishRefresh(selectedSerial(), lost, ctx.failures ? ctx.failures->failureCount() : 0);
         return;
     }
     m_refreshing = true;
     const QString serial = selectedSerial();
+    const quint64 failuresBefore = ctx.failures ? ctx.failures->failureCount() : 0;
     // The refresh gives up on a silent server sooner than a user's action.
     ctx.db->post(
         this, [serial](Database& db) { return readCurrentCondition(db, serial); },
-        [this, serial](const CurrentCondition& cc) {
+        [this, serial, failuresBefore](const CurrentCondition& cc) {
             m_refreshing = false;
-            finishRefresh(serial, cc);
+            finishRefresh(serial, cc, failuresBefore);
         },
         ctx.failures ? ctx.failures->refreshDeadlineMs() : ctx.db->defaultDeadline());
 }
 
-void MainWindow::finishRefresh(const QString& serial, const CurrentCondition& cc)
+void MainWindow::finishRefresh(const QString& serial, const CurrentCondition& cc,
+                               quint64 failuresBefore)
 {
     AppContext& ctx = context();
     if (serial != selectedSerial()) {
@@ -306,8 +308,9 @@ void MainWindow::finishRefresh(const QString& serial, const CurrentCondition& cc
             ctx.failures->report(cc.error, this);
     } else {
         apply(cc);
+        // A read begun before a failure elsewhere does not vouch for the database after it.
         if (ctx.failures)
-            ctx.failures->clear();
+            ctx.failures->clearSince(failuresBefore);
     }
     m_timer.start();
 }

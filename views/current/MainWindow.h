@@ -46,7 +46,7 @@ private:
     void buildMenus();
     void buildInfoFrame(QWidget* central);
     void buildReadingsFrame(QWidget* central);
-    void finishRefresh(const QString& serial, const CurrentCondition& cc);
+    void finishRefresh(const QString& serial, const CurrentCondition& cc, quint64 failuresBefore);
     void apply(const CurrentCondition& cc);
     void showDatabaseLost();
     void trimRows(QTableWidget* grid, int rows);

@@ -94,8 +94,8 @@ QString ownRowWhere(const TerminalRequest& request)
 QString deleteOneSql(DbKind kind, const QString& ownRow, bool completedFirst)
 {
     const QString table = TR::table.toString();
-    const QString order = completedFirst ? u"TrmReq_Requestcompleted DESC"_s
-                                         : u"TrmReq_Requestcompleted ASC"_s;
+    const QString order =
+        completedFirst ? u"TrmReq_Requestcompleted DESC"_s : u"TrmReq_Requestcompleted ASC"_s;
     QString id;
     if (kind == DbKind::SQLite)
         id = u"rowid"_s;
@@ -123,6 +123,8 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
         return outcome;
     const DisabledWhileWaiting disabled(window);
     const WaitIndication wait(window);
+    // The whole exchange is the user's action: its box explains a refresh failing meanwhile.
+    const QueryFailureReporter::UserWait waiting(ctx.failures);
     const DbKind kind = ctx.dbKind();
     const QString ownRow = ownRowWhere(request);
     const auto keepForLater = [&ctx](const QString& sql) {
@@ -161,8 +163,9 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
     for (;;) {
         generalDelay(kPollMs);
         if (ctx.db->shuttingDown()) {
-            // The console ends: the row is removed at the next start.
-            keepForLater(deleteOneSql(kind, ownRow, false));
+            // The console ends: the row is removed at the next start, by when
+            // it has most likely been answered.
+            keepForLater(deleteOneSql(kind, ownRow, true));
             outcome.end = ExchangeOutcome::End::Failed;
             return outcome;
         }

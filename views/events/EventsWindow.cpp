@@ -1,7 +1,7 @@
 #include "views/events/EventsWindow.h"
 
-#include "app/DbCall.h"
 #include "app/Colors.h"
+#include "app/DbCall.h"
 #include "app/DialogService.h"
 #include "app/NavigationFrame.h"
 #include "app/QueryFailureReporter.h"
@@ -531,8 +531,9 @@ void EventsWindow::markSelected()
         if (ctx.failures && !ctx.failures->ensureConnection(FailureOrigin::User))
             error = lostConnection();
         else
-            error = ctx.db->call(
-                [&targets, mark](Database& db) { return events::markEvents(db, targets, mark); });
+            error = dbCall(ctx, this, [&targets, mark](Database& db) {
+                return events::markEvents(db, targets, mark);
+            });
     }
     if (!self)
         return;

@@ -1,8 +1,8 @@
 #include "views/messages/MessagesReport.h"
 
-#include "app/DbCall.h"
 #include "app/AppContext.h"
 #include "app/ChoosePrinter.h"
+#include "app/DbCall.h"
 #include "app/DialogService.h"
 #include "app/PrintPreview.h"
 #include "app/QueryFailureReporter.h"

@@ -1,7 +1,7 @@
 #include "views/messages/MessagesWindow.h"
 
-#include "app/DbCall.h"
 #include "app/Colors.h"
+#include "app/DbCall.h"
 #include "app/NavigationFrame.h"
 #include "app/QueryFailureReporter.h"
 #include "app/Twips.h"

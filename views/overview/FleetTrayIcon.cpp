@@ -31,6 +31,8 @@ FleetTrayIcon::FleetTrayIcon(QObject* parent) : QObject(parent)
         return;
     m_tray = new QSystemTrayIcon(fleetTrayImage(FleetState::Normal, 0), this);
     m_tray->setToolTip(appTitle());
+    connect(m_tray, &QSystemTrayIcon::messageClicked, this,
+            [this] { emit noticeClicked(m_shownSerial); });
     connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason r) {
         if (r == QSystemTrayIcon::Trigger || r == QSystemTrayIcon::DoubleClick)
             emit activated();
@@ -44,8 +46,8 @@ void FleetTrayIcon::setFleet(const FleetSummary& fleet)
         return;
     const int alarms = fleet.count(FleetState::Alarm);
     m_tray->setIcon(fleetTrayImage(fleet.worst(), alarms));
-    m_tray->setToolTip(appTitle() + u"\n"_s + fleetStateWord(FleetState::Alarm) + u": "_s +
-                       QString::number(alarms) + u" / "_s + QString::number(fleet.units.size()));
+    setToolTip(fleetStateWord(FleetState::Alarm) + u": "_s + QString::number(alarms) + u" / "_s +
+               QString::number(fleet.units.size()));
 }
 
 void FleetTrayIcon::setDatabaseLost()
@@ -53,7 +55,35 @@ void FleetTrayIcon::setDatabaseLost()
     if (!m_tray)
         return;
     m_tray->setIcon(fleetTrayImage(FleetState::Offline, 0));
-    m_tray->setToolTip(appTitle() + u"\nΣΦΑΛΜΑ ΣΥΝΔΕΣΗΣ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ"_s);
+    setToolTip(u"ΣΦΑΛΜΑ ΣΥΝΔΕΣΗΣ ΜΕ ΤΗ ΒΑΣΗ ΔΕΔΟΜΕΝΩΝ"_s);
+}
+
+void FleetTrayIcon::showNotice(const FleetNotice& notice)
+{
+    if (!m_tray)
+        return;
+    m_shownSerial = notice.serial;
+    m_tray->showMessage(notice.title, notice.body,
+                        notice.critical ? QSystemTrayIcon::Critical : QSystemTrayIcon::Warning);
+}
+
+void FleetTrayIcon::setNote(const QString& note)
+{
+    m_note = note;
+    setToolTip(m_state);
+}
+
+void FleetTrayIcon::setToolTip(const QString& state)
+{
+    m_state = state;
+    if (!m_tray)
+        return;
+    QString text = appTitle();
+    for (const QString& line : {state, m_note}) {
+        if (!line.isEmpty())
+            text += u'\n' + line;
+    }
+    m_tray->setToolTip(text);
 }
 
 } // namespace sx

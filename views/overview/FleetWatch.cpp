@@ -11,7 +11,9 @@
 #include "views/overview/OverviewWindow.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QSignalBlocker>
+#include <QStatusBar>
 
 using namespace Qt::StringLiterals;
 
@@ -20,12 +22,23 @@ namespace sx {
 FleetWatch::FleetWatch(AppContext& ctx, const QDBusConnection& bus, QObject* parent)
     : QObject(parent), m_ctx(ctx), m_desktop(new DesktopNotifications(bus, this)),
       m_tray(new FleetTrayIcon(this)),
-      m_notifier(*ctx.clock, [this](const FleetNotice& n) { m_desktop->send(n); })
+      m_notifier(
+          *ctx.clock, [this](const FleetNotice& n) { m_desktop->send(n); },
+          [this](const QString& serial) { m_desktop->withdraw(serial); })
 {
     m_notifier.setEnabled(!ctx.settings || ctx.settings->notificationsOn());
     connect(m_desktop, &DesktopNotifications::unitRequested, this, &FleetWatch::openUnit);
     connect(m_desktop, &DesktopNotifications::overviewRequested, this, &FleetWatch::showOverview);
+    connect(m_desktop, &DesktopNotifications::closed, this,
+            [this](const FleetNotice& n) { m_notifier.gone(n); });
+    connect(m_desktop, &DesktopNotifications::notDelivered, this, &FleetWatch::showElsewhere);
     connect(m_tray, &FleetTrayIcon::activated, this, &FleetWatch::showOverview);
+    connect(m_tray, &FleetTrayIcon::noticeClicked, this, [this](const QString& serial) {
+        if (serial.isEmpty())
+            showOverview();
+        else
+            openUnit(serial);
+    });
     m_ctx.showOverview = [this] { showOverview(); };
     if (ctx.failures)
         connect(ctx.failures, &QueryFailureReporter::databaseBack, this, &FleetWatch::refresh);
@@ -49,9 +62,9 @@ void FleetWatch::refresh()
         return;
     QueryFailureReporter* failures = m_ctx.failures;
     if (failures && !failures->ensureConnection()) {
-        readFinished(std::nullopt, {kProviderErrorNumber,
-                                    u"The connection to the database is lost."_s,
-                                    DbFailureCause::Unreachable});
+        readFinished(std::nullopt,
+                     {kProviderErrorNumber, u"The connection to the database is lost."_s,
+                      DbFailureCause::Unreachable});
         return;
     }
     struct Read {
@@ -104,6 +117,34 @@ void FleetWatch::readFinished(std::optional<FleetSummary> read, const DbError& e
             if (view)
                 remarkUnitList(*view->systemSelect(), fleet.get());
         }
+    }
+}
+
+void FleetWatch::showElsewhere(const FleetNotice& notice)
+{
+    m_notifier.gone(notice);
+    const QString note = QString::fromUtf16(kNoDesktopNotices);
+    if (!m_toldNoDesktop) {
+        m_toldNoDesktop = true;
+        m_tray->setNote(note);
+    }
+    m_tray->showNotice(notice);
+    // The status line is plain text: one line, the time first.
+    const QString line = m_ctx.clock->now().toString(u"HH:mm"_s) + u' ' + notice.title + u": "_s +
+                         notice.body.split(u'\n').join(u" · "_s);
+    Navigator* nav = m_ctx.navigator;
+    if (!nav)
+        return;
+    for (ViewWindow* view : {nav->mainView(), nav->secondaryView()}) {
+        if (!view)
+            continue;
+        QStatusBar* bar = view->statusBar();
+        if (!bar->findChild<QLabel*>(u"desktopNotices"_s)) {
+            auto* label = new QLabel(note, bar);
+            label->setObjectName(u"desktopNotices"_s);
+            bar->addPermanentWidget(label);
+        }
+        bar->showMessage(line);
     }
 }
 

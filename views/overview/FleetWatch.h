@@ -20,6 +20,7 @@ class OverviewWindow;
 
 // Reads the whole fleet at every refresh tick and passes it on: the overview
 // window, the state marks of the unit lists, the tray and the desktop notices.
+// Notices the desktop does not take go to the tray and the views' status line.
 class FleetWatch : public QObject {
     Q_OBJECT
 public:
@@ -27,8 +28,10 @@ public:
                         QObject* parent = nullptr);
     ~FleetWatch() override;
 
-    // One read of the fleet (the first is what start-up found, told to nobody).
+    // One read of the fleet (the first is what start-up found, told to nobody);
+    // the result arrives later, from the event loop.
     void refresh();
+    [[nodiscard]] bool reading() const { return m_reading; }
     void showOverview();
     // Brings the main view forward with this unit selected, as if the operator
     // had picked it in the unit list.
@@ -40,6 +43,7 @@ public:
 
 private:
     void readFinished(std::optional<FleetSummary> read, const DbError& error);
+    void showElsewhere(const FleetNotice& notice);
 
     AppContext& m_ctx;
     DesktopNotifications* m_desktop = nullptr;
@@ -48,6 +52,11 @@ private:
     QPointer<OverviewWindow> m_overview;
     bool m_lost = false;
     bool m_reading = false;
+    bool m_toldNoDesktop = false;
 };
+
+// Said once, where the notices the desktop did not take are shown instead.
+inline constexpr char16_t kNoDesktopNotices[] =
+    u"Η υπηρεσία ειδοποιήσεων της επιφάνειας εργασίας δεν απαντά· οι συναγερμοί εμφανίζονται εδώ";
 
 } // namespace sx

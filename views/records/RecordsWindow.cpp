@@ -1,7 +1,7 @@
 #include "views/records/RecordsWindow.h"
 
-#include "app/DbCall.h"
 #include "app/Colors.h"
+#include "app/DbCall.h"
 #include "app/DialogService.h"
 #include "app/NavigationFrame.h"
 #include "app/QueryFailureReporter.h"
