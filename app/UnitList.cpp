@@ -93,10 +93,10 @@ void applyUnitList(ViewWindow& view, const QList<UnitEntry>& units, const DbErro
         // The entries shown stay as they were, and so does the selection.
         if (ctx.failures)
             ctx.failures->report(error, &view, origin);
+        if (list->count() == 0)
+            view.unitListUnread();
         return;
     }
-    if (origin != FailureOrigin::User && units.isEmpty() && list->count() == 0)
-        return; // still nothing to show; the next round reads again
     {
         const QSignalBlocker block(list);
         list->clear();
@@ -112,8 +112,10 @@ void applyUnitList(ViewWindow& view, const QList<UnitEntry>& units, const DbErro
         if (!serials.isEmpty())
             ctx.systemSerials = serials;
         markUnitList(*list, serials, ctx.fleet.get());
-        if (list->count() == 0)
+        if (list->count() == 0) {
+            view.unitListUnread();
             return;
+        }
         const int index = initialIndex >= 0 && initialIndex < list->count() ? initialIndex : 0;
         list->setCurrentIndex(index);
     }

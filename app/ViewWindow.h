@@ -44,6 +44,8 @@ public:
     // The database answers again after an outage: a visible view that failed
     // meanwhile, or whose unit list could not be read, fills itself again.
     virtual void refillAfterOutage();
+    // The unit list is empty after a fill, or could not be read: nothing was selected.
+    virtual void unitListUnread() {}
     // "Επισκόπηση συστημάτων", last in "Διάφορα" (made when the view has none).
     [[nodiscard]] QAction* overviewItem();
 

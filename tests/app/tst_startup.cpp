@@ -3,6 +3,7 @@
 // list of the main window and the refusal of a second copy; the two items of
 // the "Διάφορα" menu (the version box, the protected settings change).
 #include "ChooseItem.h"
+#include "FaultProxy.h"
 #include "GuiFixture.h"
 #include "app/AppActions.h"
 #include "app/AppIcon.h"
@@ -11,6 +12,7 @@
 #include "app/UnitList.h"
 #include "app/ViewWindow.h"
 #include "app/WaitWindow.h"
+#include "views/current/MainWindow.h"
 
 #include <QComboBox>
 #include <QEventLoop>
@@ -341,6 +343,100 @@ private slots:
         QVERIFY(!other.tryLock(0));
         startup.reset();
         QVERIFY(other.tryLock(0));
+    }
+
+    // The server misbehaves from the start: the wait window stands and the
+    // window keeps serving events while the connect waits; a list that
+    // cannot be read at first fills by itself once the database is ready.
+    void startsWhateverTheServerDoes_data()
+    {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<int>("exitCode");
+        // One box tells of the unreadable list ("?": not a start-up box).
+        QTest::newRow("no tables yet") << u"bare"_s << QStringList{u"?"_s} << -1;
+        if (test::ScratchDatabase::kindName() != u"postgresql")
+            return;
+        QTest::newRow("black hole")
+            << u"black hole"_s << QStringList{u"explain unreachable"_s} << kExitNoConnection;
+        QTest::newRow("refused") << u"refused"_s << QStringList{u"explain unreachable"_s}
+                                 << kExitNoConnection;
+        QTest::newRow("slow packets") << u"slow"_s << QStringList() << -1;
+    }
+    void startsWhateverTheServerDoes()
+    {
+        QFETCH(QString, fault);
+        QFETCH(QStringList, expected);
+        QFETCH(int, exitCode);
+        GuiFixture f;
+        SX_REQUIRE_FIXTURE(f);
+        ConnectionSettings where = f.scratch.settings();
+        std::optional<test::ScratchDatabase> bare;
+        std::unique_ptr<test::FaultProxy> proxy;
+        if (fault == u"bare") {
+            bare.emplace();
+            where = bare->settings();
+            Database empty;
+            QVERIFY(bare->open(empty, false));
+        } else {
+            proxy = std::make_unique<test::FaultProxy>(where.serverIp,
+                                                       quint16(where.serverPort.toInt()));
+            where.serverIp = u"127.0.0.1"_s;
+            where.serverPort = QString::number(proxy->port());
+            const QHash<QString, test::FaultProxy::Mode> modes{
+                {u"black hole"_s, test::FaultProxy::Mode::BlackHole},
+                {u"refused"_s, test::FaultProxy::Mode::Refuse},
+                {u"slow"_s, test::FaultProxy::Mode::Delay}};
+            proxy->setMode(modes.value(fault), 100);
+        }
+        QVERIFY(f.exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
+                       u"SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s));
+        store(*f.settings, where, u"1234"_s);
+        f.settings->setApp(u"Init"_s, u"1"_s);
+        QVERIFY(f.settings->sync());
+        f.dialogs.answerMessage(Answer::No);
+
+        MainWindow* main = nullptr;
+        Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
+            main = new MainWindow(ctx);
+            main->refreshTimer()->setInterval(100);
+            return main;
+        });
+        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
+        int ticks = 0;
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, [&ticks] { ++ticks; });
+        bool waitVisible = false;
+        startup.setConnectingHook([&](QWidget* w) {
+            waitVisible = w->isVisible();
+            tick.start(10);
+        });
+        const std::optional<int> code = startup.run();
+        tick.stop();
+        QVERIFY(waitVisible);
+        // A connect that took long was waited for with the event loop running.
+        if (fault == u"black hole" || fault == u"slow")
+            QVERIFY2(ticks > 10, qPrintable(QString::number(ticks)));
+        QStringList seen;
+        for (const auto& s : f.dialogs.shown())
+            seen << classify(s);
+        QCOMPARE(seen, expected);
+        QCOMPARE(code.value_or(-1), exitCode);
+        if (exitCode != -1)
+            return;
+        QVERIFY(main && main->isVisible());
+        if (bare) {
+            // The server application creates its tables after the console started.
+            QCOMPARE(main->systemSelect()->count(), 0);
+            Database later;
+            QVERIFY(bare->open(later));
+            QVERIFY(!later
+                         .exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
+                               u"SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s)
+                         .isError());
+        }
+        QTRY_COMPARE(test::comboTexts(main->systemSelect()), QStringList{u"Alpha [1] (S1)"_s});
+        QCOMPARE(f.dialogs.shown().size(), expected.size());
     }
 
     void secondCopy_data()

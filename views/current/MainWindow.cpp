@@ -293,6 +293,12 @@ void MainWindow::refresh()
         ctx.failures ? ctx.failures->refreshDeadlineMs() : ctx.db->defaultDeadline());
 }
 
+void MainWindow::unitListUnread()
+{
+    if (!m_refreshing && !m_timer.isActive())
+        m_timer.start();
+}
+
 void MainWindow::finishRefresh(const QString& serial, const CurrentCondition& cc,
                                quint64 failuresBefore)
 {

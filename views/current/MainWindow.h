@@ -41,6 +41,8 @@ public:
     [[nodiscard]] QString commandSerial() const override { return selectedSerial(); }
     [[nodiscard]] QString relayCaption() const override;
     void refreshNow() override { refresh(); }
+    // Rounds go on without a unit: the list is read again until units come.
+    void unitListUnread() override;
 
 private:
     void buildMenus();
