@@ -288,6 +288,7 @@ void MainWindow::refresh()
         this, [serial](Database& db) { return readCurrentCondition(db, serial); },
         [this, serial, failuresBefore](const CurrentCondition& cc) {
             m_refreshing = false;
+            ++m_reads;
             finishRefresh(serial, cc, failuresBefore);
         },
         ctx.failures ? ctx.failures->refreshDeadlineMs() : ctx.db->defaultDeadline());

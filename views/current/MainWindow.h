@@ -30,6 +30,8 @@ public:
     void refresh();
     // true while a refresh is on its way.
     [[nodiscard]] bool refreshing() const { return m_refreshing; }
+    // Refreshes that read the database and came back, failed or not.
+    [[nodiscard]] int refreshesRead() const { return m_reads; }
 
     [[nodiscard]] QTimer* refreshTimer() { return &m_timer; }
     [[nodiscard]] QTableWidget* pointsGrid() const { return m_points; }
@@ -66,6 +68,7 @@ private:
     QTableWidget* m_points = nullptr;
     QTableWidget* m_powers = nullptr;
     bool m_refreshing = false;
+    int m_reads = 0;
     bool m_databaseLost = false;
 };
 
