@@ -138,6 +138,7 @@ std::function<void()> processShutdown(DbLink& db, bool& ended)
         ended = true;
         // A statement waiting for a silent server is abandoned, not awaited.
         db.shutdown();
+        Database::abandonAll();
         QCoreApplication::exit(0);
     };
 }

@@ -48,6 +48,11 @@ void Database::setGuiThreadGuard(bool on)
     g_guiThreadGuard = on;
 }
 
+void Database::abandonAll(bool on)
+{
+    detail::consoleEnding() = on;
+}
+
 bool Database::guiThreadGuard()
 {
     return g_guiThreadGuard;

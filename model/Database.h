@@ -97,6 +97,9 @@ public:
     // statement started on the GUI thread ends the process, unless the
     // connection belongs to a tool without windows or to a test's own set-up.
     static void setGuiThreadGuard(bool on);
+    // The console ends: every statement of every connection, side reads
+    // included, is abandoned at once, so the end never waits on a server.
+    static void abandonAll(bool on = true);
     [[nodiscard]] static bool guiThreadGuard();
     void allowGuiThread() { m_guiThreadAllowed = true; }
 

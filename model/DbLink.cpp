@@ -67,6 +67,8 @@ DbLink::DbLink(QObject* parent)
     : QObject(parent), m_shared(std::make_shared<Shared>()),
       m_defaultDeadline(Database::kDefaultDeadlineMs)
 {
+    // A console starts: statements may run again (tests start many in one process).
+    Database::abandonAll(false);
     m_thread = QThread::create([shared = m_shared] { shared->run(); });
     m_thread->setObjectName(QStringLiteral("sx-db-link"));
     m_thread->start();

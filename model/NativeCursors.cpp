@@ -43,11 +43,16 @@ DbError sqliteError(sqlite3* db)
     return e;
 }
 
+bool abandoned(const std::atomic<bool>* abort)
+{
+    return (abort && abort->load(std::memory_order_relaxed)) ||
+           consoleEnding().load(std::memory_order_relaxed);
+}
+
 int sqliteProgress(void* watch)
 {
     const auto* w = static_cast<const StatementWatch*>(watch);
-    return (w->abort && w->abort->load(std::memory_order_relaxed)) || w->deadline.hasExpired() ? 1
-                                                                                               : 0;
+    return abandoned(w->abort) || w->deadline.hasExpired() ? 1 : 0;
 }
 
 class SqliteBackend final : public CursorBackend {
@@ -167,7 +172,7 @@ Wait waitReadable(int fd, const QDeadlineTimer& deadline, const std::atomic<bool
 {
     constexpr int kSliceMs = 50;
     for (;;) {
-        if (abort && abort->load(std::memory_order_relaxed))
+        if (abandoned(abort))
             return Wait::Aborted;
         const qint64 left = deadline.remainingTime();
         if (left == 0)
@@ -351,6 +356,12 @@ bool pgReachable(const QString& host, const QString& port, const QString& dbName
 bool pgConnectionOk(pg_conn* conn)
 {
     return conn && PQstatus(conn) == CONNECTION_OK;
+}
+
+std::atomic<bool>& consoleEnding()
+{
+    static std::atomic<bool> ending{false};
+    return ending;
 }
 
 void sqliteWatch(sqlite3* db, const StatementWatch* watch)

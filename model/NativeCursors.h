@@ -49,6 +49,9 @@ void sqliteWatch(sqlite3* db, const StatementWatch* watch);
 [[nodiscard]] pg_result* pgRun(pg_conn* conn, const QByteArray& sql, int deadlineMs,
                                DbError& failure, const std::atomic<bool>* abort = nullptr);
 inline constexpr int kCancelGraceMs = 3000;
+// Set once when the console ends: every statement of every connection is
+// abandoned at once (side reads included), so the end never waits on a server.
+[[nodiscard]] std::atomic<bool>& consoleEnding();
 inline constexpr char16_t kDeadlineMissed[] = u"The server did not answer in time.";
 inline constexpr char16_t kAborted[] = u"The statement was abandoned.";
 

@@ -322,6 +322,34 @@ private slots:
         QVERIFY(again.next());
         QCOMPARE(again.integer(0), 1);
     }
+
+    // A statement past its deadline is stopped and reported as slow; the
+    // connection stays and works as soon as the holder lets go.
+    void slowStatementIsCancelledNotLost()
+    {
+        OPEN_SCRATCH();
+        QVERIFY(!db.exec(u"INSERT INTO Systems_Info (SyI_Serialnumber) VALUES ('S1')"_s).isError());
+        Database holder;
+        QVERIFY(scratch.open(holder, false));
+        QString slow = u"SELECT count(*) FROM Systems_Info"_s;
+        if (scratch.isPostgres())
+            QVERIFY(!holder.exec(u"BEGIN; LOCK TABLE Systems_Info IN ACCESS EXCLUSIVE MODE"_s)
+                         .isError());
+        else
+            slow = u"WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c) "
+                   u"SELECT count(*) FROM c"_s;
+        db.setDeadline(300);
+        Rows r = db.read(slow);
+        QVERIFY(!r.next());
+        QCOMPARE(r.error().cause, DbFailureCause::Slow);
+        QVERIFY(explainDbError(r.error()).contains(u"δεν απάντησε έγκαιρα"_s));
+        QVERIFY(db.isOpen() && !db.connectionLost());
+        if (scratch.isPostgres())
+            QVERIFY(!holder.exec(u"ROLLBACK"_s).isError());
+        Rows again = db.read(u"SELECT count(*) FROM Systems_Info"_s);
+        QVERIFY(again.next());
+        QCOMPARE(again.integer(0), 1);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestDatabase)
