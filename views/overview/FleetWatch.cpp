@@ -126,7 +126,7 @@ void FleetWatch::showElsewhere(const FleetNotice& notice)
     const QString note = QString::fromUtf16(kNoDesktopNotices);
     if (!m_toldNoDesktop) {
         m_toldNoDesktop = true;
-        m_tray->setNote(note);
+        m_tray->setNote(QString::fromUtf16(kNoDesktopNoticesInFull));
     }
     m_tray->showNotice(notice);
     // The status line is plain text: one line, the time first.
@@ -142,6 +142,7 @@ void FleetWatch::showElsewhere(const FleetNotice& notice)
         if (!bar->findChild<QLabel*>(u"desktopNotices"_s)) {
             auto* label = new QLabel(note, bar);
             label->setObjectName(u"desktopNotices"_s);
+            label->setToolTip(QString::fromUtf16(kNoDesktopNoticesInFull));
             bar->addPermanentWidget(label);
         }
         bar->showMessage(line);

@@ -55,8 +55,11 @@ private:
     bool m_toldNoDesktop = false;
 };
 
-// Said once, where the notices the desktop did not take are shown instead.
-inline constexpr char16_t kNoDesktopNotices[] =
+// Said once, where the notices the desktop did not take are shown instead;
+// short, so that the alarm beside it in the status line stays readable.
+inline constexpr char16_t kNoDesktopNotices[] = u"Χωρίς ειδοποιήσεις επιφάνειας εργασίας";
+// The same, told in full where there is room (tooltips).
+inline constexpr char16_t kNoDesktopNoticesInFull[] =
     u"Η υπηρεσία ειδοποιήσεων της επιφάνειας εργασίας δεν απαντά· οι συναγερμοί εμφανίζονται εδώ";
 
 } // namespace sx
