@@ -256,6 +256,25 @@ int main(int argc, char** argv)
     (void)QTest::qWaitFor([&] { return fx.dialogs.standing() == 0; }, 60000);
     w.refreshTimer()->setInterval(200);
 
+    // The console ends while a read waits for a black-holed server.
+    {
+        auto ending = std::make_unique<DbLink>();
+        if (!ending->openAndWait(through).isError()) {
+            proxy.setMode(test::FaultProxy::Mode::BlackHole);
+            ending->post(
+                nullptr, [](Database& db) { return db.read(u"SELECT 1"_s).next(); }, [](bool) {},
+                60000);
+            QTest::qWait(300);
+            QElapsedTimer end;
+            end.start();
+            ending->shutdown();
+            ending.reset();
+            std::printf("console end during a black-holed read:    %5lld ms (target <= 1000)\n",
+                        static_cast<long long>(end.elapsed()));
+            proxy.setMode(test::FaultProxy::Mode::Pass);
+        }
+    }
+
     print("no refresh:", longestStall(w, 3000, false), "none, the floor");
     print("normal refresh:", longestStall(w, 3000), "<= 20");
     proxy.setMode(test::FaultProxy::Mode::BlackHole);
