@@ -19,10 +19,12 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMouseEvent>
 #include <QTableWidget>
 #include <QTest>
 
 #include <cstdio>
+#include <deque>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
@@ -74,8 +76,10 @@ Stall longestStall(MainWindow& w, int ms, bool refreshing = true)
     return longest;
 }
 
-// The worst time from an input event posted to `w` to its delivery, over `ms`,
-// one event every 20 ms; each event carries the time it was posted.
+// The worst time from a synthetic mouse event (user input, which a wait that
+// holds input back would keep) posted to `w` to its handling, over `ms`, one
+// event every 20 ms. Posted events arrive in order: a queue of the times
+// they were posted pairs each with its delivery.
 class InputLatency : public QObject {
 public:
     explicit InputLatency(QWidget& w) : m_w(w)
@@ -88,7 +92,11 @@ public:
         m_worst = 0;
         QTimer post;
         QObject::connect(&post, &QTimer::timeout, [this] {
-            QCoreApplication::postEvent(&m_w, new Probe(m_clock.nsecsElapsed()));
+            m_posted.push_back(m_clock.nsecsElapsed());
+            const QPointF at(2, 2);
+            QCoreApplication::postEvent(&m_w,
+                                        new QMouseEvent(QEvent::MouseMove, at, at, Qt::NoButton,
+                                                        Qt::NoButton, Qt::NoModifier));
         });
         post.start(20);
         QTest::qWait(ms);
@@ -98,20 +106,17 @@ public:
 protected:
     bool eventFilter(QObject*, QEvent* e) override
     {
-        if (e->type() != kProbe)
+        if (e->type() != QEvent::MouseMove || m_posted.empty())
             return false;
-        m_worst = std::max(m_worst, m_clock.nsecsElapsed() - static_cast<Probe*>(e)->postedAt);
+        m_worst = std::max(m_worst, m_clock.nsecsElapsed() - m_posted.front());
+        m_posted.pop_front();
         return true;
     }
 
 private:
-    static constexpr QEvent::Type kProbe = QEvent::Type(QEvent::User + 21);
-    struct Probe : QEvent {
-        explicit Probe(qint64 at) : QEvent(kProbe), postedAt(at) {}
-        qint64 postedAt;
-    };
     QWidget& m_w;
     QElapsedTimer m_clock;
+    std::deque<qint64> m_posted;
     qint64 m_worst = 0;
 };
 
