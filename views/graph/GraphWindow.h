@@ -129,11 +129,9 @@ public:
     [[nodiscard]] QString minLimitLabel() const;
     // Text1 with its CR LF line ends.
     [[nodiscard]] QString markerList() const { return m_markerText; }
-    [[nodiscard]] std::optional<RecordPoint> currentPoint() const { return m_current; }
 
     [[nodiscard]] graph::ChartView* chart() const { return m_chart; }
     [[nodiscard]] graph::Picture* unitPicture() const { return m_unitPic; }
-    [[nodiscard]] graph::Picture* timePicture() const { return m_timePic; }
     [[nodiscard]] QScrollBar* hScroll() const { return m_hScroll; }
     [[nodiscard]] QScrollBar* vScroll() const { return m_vScroll; }
     [[nodiscard]] QRadioButton* chartOption() const { return m_option1; }

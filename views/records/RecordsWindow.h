@@ -118,7 +118,6 @@ private:
     void showLimits();
     void setRecordCommandsEnabled(bool on);
     void showNoRecords();
-    void publishRecords(std::shared_ptr<const LoadedRecords> records);
 
     QAction* m_save = nullptr;
     QAction* m_print = nullptr;
