@@ -34,7 +34,7 @@ private:
     bool m_newMessages = false;
 };
 
-// Gives a button the flat background colour of the original graphical style.
+// Gives a button a flat background colour, with a thin border that sinks when pressed.
 void setButtonColor(QPushButton* button, const QColor& color);
 
 } // namespace sx

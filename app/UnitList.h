@@ -18,10 +18,9 @@ struct UnitEntry {
 // The units in use, ordered by name (missing names first), with the list texts.
 [[nodiscard]] QList<UnitEntry> readUnitList(Database& db, DbError* error = nullptr);
 
-// FillSystemSelect: refills the view's unit list and the shared serials, adds
-// "ΟΛΑ" when asked and there are two or more units, and selects the entry at
-// `initialIndex` (entry 0 when out of range), which raises the view's
-// selection event. An empty list selects nothing. A list that cannot be read
+// Refills the view's unit list and the shared serials, adds "ΟΛΑ" when asked
+// and there are two or more units, and selects the entry at `initialIndex`
+// (entry 0 when out of range), which raises the view's selection event. An empty list selects nothing. A list that cannot be read
 // keeps the entries it had (the view is marked for a refill when the
 // database answers again); the failure is reported as coming from `origin`.
 void fillSystemSelect(ViewWindow& view, int initialIndex, bool includeAll,

@@ -31,7 +31,7 @@ public:
     // The selection event of the unit list: load the view's data for the entry.
     virtual void unitSelected(int index) = 0;
 
-    // Sets the messages button from HasMessages (new, any unit).
+    // Sets the messages button from hasMessages (new messages, any unit).
     void updateNewMessagesIndicator();
 
     // Closes the window without asking (navigation away from it).

@@ -13,8 +13,6 @@ class WidgetDialogService : public DialogService {
 public:
     explicit WidgetDialogService(SettingsStore* settings = nullptr) : m_settings(settings) {}
 
-    void setSettingsStore(SettingsStore* settings) { m_settings = settings; }
-
     Answer message(QWidget* parent, Icon icon, const QString& title, const QString& text,
                    Buttons buttons = Buttons::Ok) override;
     std::optional<QString> inputText(QWidget* parent, const QString& title, const QString& prompt,

@@ -16,7 +16,7 @@ DbKind dbKindFromSetting(int dbType)
     case 3:
         return DbKind::PostgreSQL;
     default:
-        // Any other stored value has always meant the Oracle server.
+        // Any other stored value means the Oracle server.
         return DbKind::Oracle;
     }
 }

@@ -110,8 +110,8 @@ std::optional<qint64> parseIntegerText(std::string_view text)
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), v);
     if (ec == std::errc() && end == text.data() + text.size() && !text.empty())
         return v;
-    // A real stored where a whole number is expected is rounded, as the
-    // original record sets converted it.
+    // A real stored where a whole number is expected is rounded to the
+    // nearest whole number.
     const auto r = parseRealText(text);
     if (r && std::isfinite(*r) && std::fabs(*r) < 9.2e18)
         return static_cast<qint64>(std::llround(*r));

@@ -42,7 +42,7 @@ private:
     bool m_known = false;
 };
 
-// The zero date of the original databases (30/12/1899) means "not set".
+// The zero date (30/12/1899) means "not set".
 [[nodiscard]] bool isZeroDate(qint64 secs);
 
 [[nodiscard]] QDateTime toQDateTime(qint64 secs);

@@ -31,7 +31,6 @@ DbError BulkInsert::finish()
     if (m_pendingRows == 0)
         return {};
     const DbError e = m_db.exec(m_head + m_pending);
-    m_written += m_pendingRows;
     m_pending.clear();
     m_pendingRows = 0;
     return e;

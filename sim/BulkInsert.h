@@ -17,7 +17,6 @@ public:
     DbError add(const QList<SqlValue>& values);
     // Writes what is left.
     DbError finish();
-    [[nodiscard]] qint64 rowsWritten() const { return m_written; }
 
 private:
     Database& m_db;
@@ -25,7 +24,6 @@ private:
     QString m_pending;
     int m_pendingRows = 0;
     int m_rowsPerStatement;
-    qint64 m_written = 0;
 };
 
 } // namespace sx::sim

@@ -2,6 +2,9 @@
 
 #include "model/SqlDateTime.h"
 
+#include <QCommandLineParser>
+#include <QHash>
+
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -13,28 +16,66 @@ namespace {
 enum class Scope { Any, Seed, Run };
 
 struct OptionInfo {
-    QStringView name;
+    QString name;
     Scope scope;
     bool takesValue;
 };
 
-constexpr OptionInfo kOptions[] = {
-    {u"--db", Scope::Any, true},           {u"--units", Scope::Seed, true},
-    {u"--days", Scope::Seed, true},        {u"--seed", Scope::Any, true},
-    {u"--end", Scope::Seed, true},         {u"--record-minutes", Scope::Seed, true},
-    {u"--year-point", Scope::Seed, false}, {u"--interval", Scope::Run, true},
-    {u"--answer-delay", Scope::Run, true}, {u"--reply", Scope::Run, true},
-    {u"--no-answer", Scope::Run, false},   {u"--ticks", Scope::Run, true},
-    {u"--record-secs", Scope::Run, true},  {u"--help", Scope::Any, false},
-};
-
-const OptionInfo* findOption(QStringView name)
+const QList<OptionInfo>& optionInfos()
 {
-    for (const OptionInfo& o : kOptions) {
+    static const QList<OptionInfo> infos = {
+        {u"db"_s, Scope::Any, true},           {u"units"_s, Scope::Seed, true},
+        {u"days"_s, Scope::Seed, true},        {u"seed"_s, Scope::Any, true},
+        {u"end"_s, Scope::Seed, true},         {u"record-minutes"_s, Scope::Seed, true},
+        {u"year-point"_s, Scope::Seed, false}, {u"interval"_s, Scope::Run, true},
+        {u"answer-delay"_s, Scope::Run, true}, {u"reply"_s, Scope::Run, true},
+        {u"no-answer"_s, Scope::Run, false},   {u"ticks"_s, Scope::Run, true},
+        {u"record-secs"_s, Scope::Run, true},
+    };
+    return infos;
+}
+
+const OptionInfo* findOption(const QString& name)
+{
+    for (const OptionInfo& o : optionInfos()) {
         if (o.name == name)
             return &o;
     }
     return nullptr;
+}
+
+// The help text is simUsage(); the parser only reads the words.
+void setUp(QCommandLineParser& parser)
+{
+    parser.addOption(QCommandLineOption(QStringList{u"h"_s, u"help"_s}));
+    for (const OptionInfo& o : optionInfos()) {
+        parser.addOption(o.takesValue ? QCommandLineOption(o.name, QString(), u"value"_s)
+                                      : QCommandLineOption(o.name));
+    }
+}
+
+// The option as it is typed.
+QString typed(const QString& name)
+{
+    return (name.size() == 1 ? u"-"_s : u"--"_s) + name;
+}
+
+// Why the parser refused an option's value: a flag given one, or a last option without one.
+QString valueProblem(const QStringList& args)
+{
+    for (const QString& arg : args) {
+        const qsizetype eq = arg.indexOf(u'=');
+        if (!arg.startsWith(u"--") || eq < 0)
+            continue;
+        const QString name = arg.mid(2, eq - 2);
+        if (const OptionInfo* o = findOption(name); o && !o->takesValue)
+            return u"option --"_s + name + u" takes no value"_s;
+    }
+    if (!args.isEmpty() && args.last().startsWith(u"--")) {
+        if (const OptionInfo* o = findOption(args.last().mid(2)); o && o->takesValue)
+            return u"option "_s + args.last() + u" needs a value"_s;
+    }
+    return {};
 }
 
 std::optional<qint64> parseWhole(const QString& text, qint64 lo, qint64 hi)
@@ -67,79 +108,72 @@ ParsedOptions parseSimOptions(const QStringList& args)
 {
     ParsedOptions out;
     SimOptions& o = out.options;
-    std::optional<SimCommand> command;
-    QList<std::pair<const OptionInfo*, QString>> given;
-
-    for (qsizetype i = 0; i < args.size(); ++i) {
-        const QString& arg = args[i];
-        if (arg == u"-h") {
-            o.command = SimCommand::Help;
-            return out;
+    QCommandLineParser parser;
+    setUp(parser);
+    const bool parsed = parser.parse(QStringList{u"sentorax-server-sim"_s} + args);
+    // Help wins over anything else on the line.
+    if (parser.isSet(u"help"_s)) {
+        o.command = SimCommand::Help;
+        return out;
+    }
+    if (!parsed) {
+        const QStringList unknown = parser.unknownOptionNames();
+        if (!unknown.isEmpty()) {
+            out.error = u"unknown option "_s + typed(unknown.first());
+        } else {
+            out.error = valueProblem(args);
+            if (out.error.isEmpty())
+                out.error = parser.errorText();
         }
-        if (!arg.startsWith(u"--")) {
-            if (command) {
-                out.error = u"unexpected argument '"_s + arg + u'\'';
-                return out;
-            }
-            if (arg == u"init")
-                command = SimCommand::Init;
-            else if (arg == u"seed")
-                command = SimCommand::Seed;
-            else if (arg == u"run")
-                command = SimCommand::Run;
-            else {
-                out.error = u"unknown command '"_s + arg + u"' (expected init, seed or run)"_s;
-                return out;
-            }
-            continue;
-        }
-        const qsizetype eq = arg.indexOf(u'=');
-        const QString name = eq < 0 ? arg : arg.left(eq);
-        const OptionInfo* option = findOption(name);
-        if (!option) {
-            out.error = u"unknown option "_s + name;
-            return out;
-        }
-        QString value;
-        if (option->takesValue) {
-            if (eq >= 0) {
-                value = arg.mid(eq + 1);
-            } else if (i + 1 < args.size()) {
-                value = args[++i];
-            } else {
-                out.error = u"option "_s + name + u" needs a value"_s;
-                return out;
-            }
-        } else if (eq >= 0) {
-            out.error = u"option "_s + name + u" takes no value"_s;
-            return out;
-        }
-        if (option->name == u"--help") {
-            o.command = SimCommand::Help;
-            return out;
-        }
-        given.append({option, value});
+        return out;
     }
 
-    if (!command) {
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() > 1) {
+        out.error = u"unexpected argument '"_s + positional[1] + u'\'';
+        return out;
+    }
+    if (positional.isEmpty()) {
         out.error = u"no command given (init, seed or run)"_s;
         return out;
     }
-    o.command = *command;
+    const QString& command = positional.first();
+    if (command == u"init")
+        o.command = SimCommand::Init;
+    else if (command == u"seed")
+        o.command = SimCommand::Seed;
+    else if (command == u"run")
+        o.command = SimCommand::Run;
+    else {
+        out.error = u"unknown command '"_s + command + u"' (expected init, seed or run)"_s;
+        return out;
+    }
+
+    // Every occurrence in the order given, so that a bad value is found even when repeated.
+    QList<std::pair<const OptionInfo*, QString>> given;
+    QHash<QString, qsizetype> seen;
+    for (const QString& name : parser.optionNames()) {
+        const OptionInfo* option = findOption(name);
+        if (!option)
+            continue;
+        given.append(
+            {option, option->takesValue ? parser.values(name).value(seen[name]++) : QString()});
+    }
 
     for (const auto& [option, value] : given) {
         const bool fits = option->scope == Scope::Any ||
                           (option->scope == Scope::Seed && o.command == SimCommand::Seed) ||
                           (option->scope == Scope::Run && o.command == SimCommand::Run);
         if (!fits) {
-            out.error = u"option "_s + option->name.toString() + u" does not apply to this command"_s;
+            out.error = u"option --"_s + option->name + u" does not apply to this command"_s;
             return out;
         }
-        const QStringView n = option->name;
+        const QString typedName = u"--"_s + option->name;
+        const QStringView n = typedName;
         auto number = [&](qint64 lo, qint64 hi) -> std::optional<qint64> {
             auto v = parseWhole(value, lo, hi);
             if (!v) {
-                out.error = u"option "_s + n.toString() + u" needs a whole number from "_s +
+                out.error = u"option "_s + typedName + u" needs a whole number from "_s +
                             QString::number(lo) + u" to "_s + QString::number(hi) + u", not '"_s +
                             value + u'\'';
             }

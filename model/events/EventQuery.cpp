@@ -153,11 +153,4 @@ QString zoneNamesSql(const QString& serial)
            serialEquals(u"SeI_SyI_Serialnumber", serial);
 }
 
-QString markRowSql(const QString& serial, qint64 eventSn)
-{
-    return u"SELECT Event_SyI_Serialnumber, Event_SystemEventSN, Event_Ack FROM Events_1 WHERE "_s +
-           serialEquals(u"Event_SyI_Serialnumber", serial) + u" AND Event_SystemEventSN="_s +
-           QString::number(eventSn);
-}
-
 } // namespace sx::events

@@ -68,8 +68,6 @@ struct EventFilter {
 // The name caches of one unit.
 [[nodiscard]] QString powerNamesSql(const QString& serial);
 [[nodiscard]] QString zoneNamesSql(const QString& serial);
-// The one event row that marking updates.
-[[nodiscard]] QString markRowSql(const QString& serial, qint64 eventSn);
 
 // Marking writes 1 (read) from the list of new events and 0 (new) from the list of all.
 [[nodiscard]] constexpr int markValue(bool newOnly)

@@ -41,7 +41,6 @@ public:
     [[nodiscard]] double pageWidth() const { return m_pageWidth; }
     [[nodiscard]] double pageHeight() const { return m_pageHeight; }
 
-    [[nodiscard]] double currentX() const { return m_x; }
     [[nodiscard]] double currentY() const { return m_y; }
     void setCurrentX(double xMm) { m_x = xMm; }
     void setCurrentY(double yMm) { m_y = yMm; }

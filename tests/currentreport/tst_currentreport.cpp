@@ -1,6 +1,7 @@
 #include "../current/CurrentSeed.h"
 #include "GuiFixture.h"
 #include "PdfText.h"
+#include "SkipOrFail.h"
 #include "views/current/CurrentReport.h"
 
 #include <QFile>
@@ -31,7 +32,7 @@ private slots:
         fx = std::make_unique<GuiFixture>();
         SX_REQUIRE_FIXTURE(*fx);
         if (QStandardPaths::findExecutable(u"pdftotext"_s).isEmpty())
-            QSKIP("pdftotext is not installed");
+            SX_SKIP_OR_FAIL("pdftotext is not installed");
         CurrentSeed s(fx->db);
         // Units: serial, version, clock, name; SXR2 is older, without clock or name.
         for (const auto& [serial, softver, rtc, name] :

@@ -294,35 +294,6 @@ private slots:
         QCOMPARE(dump(true), dump(false));
     }
 
-    void lostConnectionRecovers()
-    {
-        OPEN_SCRATCH();
-        if (!scratch.isPostgres())
-            QSKIP("a file database has no connection to lose");
-        Rows pid = db.read(u"SELECT pg_backend_pid()"_s);
-        QVERIFY(pid.next());
-        const qint64 backend = *pid.integer(0);
-        pid = Rows();
-        {
-            ConnectionSettings admin;
-            QVERIFY(parseDbUrl(test::ScratchDatabase::serverUrl(), admin));
-            Database other;
-            other.allowGuiThread();
-            QVERIFY(!other.open(admin).isError());
-            QVERIFY(!other.exec(u"SELECT pg_terminate_backend("_s + QString::number(backend) + u')')
-                         .isError());
-        }
-        Rows r = db.read(u"SELECT 1"_s);
-        QVERIFY(!r.ok());
-        QVERIFY(db.connectionLost());
-        QCOMPARE(r.error().cause, DbFailureCause::Unreachable);
-        QVERIFY(!db.reopen().isError());
-        QVERIFY(!db.connectionLost());
-        Rows again = db.read(u"SELECT 1"_s);
-        QVERIFY(again.next());
-        QCOMPARE(again.integer(0), 1);
-    }
-
     // A statement past its deadline is stopped and reported as slow; the
     // connection stays and works as soon as the holder lets go.
     void slowStatementIsCancelledNotLost()

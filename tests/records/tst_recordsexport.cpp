@@ -2,6 +2,7 @@
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "RecordsSeed.h"
+#include "SkipOrFail.h"
 #include "app/UnitList.h"
 #include "views/records/RecordsModel.h"
 #include "views/records/RecordsWindow.h"
@@ -260,10 +261,10 @@ private slots:
             QTest::currentTestFunction() == QByteArray("sheetThatIsNoWorksheetIsRefused"))
             return;
 #ifndef SX_TEMPLATE_FILE
-        QSKIP("built without the workbook template");
+        SX_SKIP_OR_FAIL("built without the workbook template");
 #endif
         if (pythonExe().isEmpty())
-            QSKIP("python3 with openpyxl is not installed");
+            SX_SKIP_OR_FAIL("python3 with openpyxl is not installed");
         m_fx = std::make_unique<GuiFixture>();
         SX_REQUIRE_FIXTURE(*m_fx);
         RecordsSeed s(m_fx->db);

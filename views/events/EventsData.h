@@ -18,7 +18,7 @@ namespace sx::events {
 // One entry of SensorSelect: its text and the pair it carries.
 struct SourceEntry {
     QString text;
-    int unitIndex = -1; // index in SystemSelect, -1 for all units
+    int unitIndex = -1; // index in the unit list, -1 for all units
     int source = kAllSourcesSource;
 };
 
@@ -30,7 +30,7 @@ struct SourceEntry {
 [[nodiscard]] QList<SourceEntry> allUnitsSourceList();
 
 struct UnitRequest {
-    int unitIndex = 0; // in SystemSelect
+    int unitIndex = 0; // in the unit list
     QString serial;
 };
 

@@ -35,7 +35,7 @@ public:
     [[nodiscard]] QString descriptionText(int row) const;
     [[nodiscard]] events::EventColour colour(int row) const;
     [[nodiscard]] int lines(int row) const;
-    // The row list: the unit's index in SystemSelect, its serial and the event's sequence number.
+    // The row list: the unit's index in the unit list, its serial and the event's sequence number.
     [[nodiscard]] int unitIndex(int row) const;
     [[nodiscard]] QString serial(int row) const;
     [[nodiscard]] qint64 sequence(int row) const;

@@ -28,7 +28,7 @@ public:
     explicit EventsWindow(AppContext& ctx, QWidget* parent = nullptr);
     ~EventsWindow() override;
 
-    // SystemSelect: rebuilds the source list for the unit (or all units).
+    // A unit chosen in the unit list: rebuilds the source list for the unit (or all units).
     void unitSelected(int index) override;
     // Reads the chosen source and filters again when only the events failed.
     void refillAfterOutage() override;

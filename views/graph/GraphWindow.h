@@ -101,7 +101,7 @@ public:
     [[nodiscard]] const graph::GraphState& state() const { return m_state; }
     [[nodiscard]] const Source& source() const { return m_source; }
 
-    // DrawGraph for the current view, and UpdateGraphScrollBars.
+    // Draws the chart for the current view; sets the scroll bars to it.
     void drawGraph();
     void updateScrollBars();
     // How many times the chart was painted, so a test sees a cursor move does not.
@@ -129,11 +129,9 @@ public:
     [[nodiscard]] QString minLimitLabel() const;
     // Text1 with its CR LF line ends.
     [[nodiscard]] QString markerList() const { return m_markerText; }
-    [[nodiscard]] std::optional<RecordPoint> currentPoint() const { return m_current; }
 
     [[nodiscard]] graph::ChartView* chart() const { return m_chart; }
     [[nodiscard]] graph::Picture* unitPicture() const { return m_unitPic; }
-    [[nodiscard]] graph::Picture* timePicture() const { return m_timePic; }
     [[nodiscard]] QScrollBar* hScroll() const { return m_hScroll; }
     [[nodiscard]] QScrollBar* vScroll() const { return m_vScroll; }
     [[nodiscard]] QRadioButton* chartOption() const { return m_option1; }
@@ -166,14 +164,14 @@ private:
     graph::Picture* m_timePic = nullptr;
     QScrollBar* m_hScroll = nullptr;
     QScrollBar* m_vScroll = nullptr;
-    QLabel* m_timeValue = nullptr;   // Label4(0)
-    QLabel* m_valueValue = nullptr;  // Label5(0)
-    QLabel* m_unitCaption = nullptr; // Label8(0)
-    QLabel* m_unitValue = nullptr;   // Label8(1)
-    QLabel* m_maxCaption = nullptr;  // Label1(0)
-    QLabel* m_minCaption = nullptr;  // Label1(1)
-    QLabel* m_maxValue = nullptr;    // Label6(0)
-    QLabel* m_minValue = nullptr;    // Label6(1)
+    QLabel* m_timeValue = nullptr;   // Label4
+    QLabel* m_valueValue = nullptr;  // Label5
+    QLabel* m_unitCaption = nullptr; // Label8_0
+    QLabel* m_unitValue = nullptr;   // Label8_1
+    QLabel* m_maxCaption = nullptr;  // Label1_0
+    QLabel* m_minCaption = nullptr;  // Label1_1
+    QLabel* m_maxValue = nullptr;    // Label6_0
+    QLabel* m_minValue = nullptr;    // Label6_1
     QPlainTextEdit* m_text1 = nullptr;
     QRadioButton* m_option1 = nullptr;
     QRadioButton* m_option2 = nullptr;

@@ -35,7 +35,7 @@ struct ZoneEntry {
 // "[7] Ψυγείο", or "[7] Ανώνυμη ζώνη" for a zone without a name.
 [[nodiscard]] QString zoneItemText(const ZoneEntry& zone);
 
-// The limits of a zone: the bare values (MinLimitText, MaxLimitText) and the
+// The limits of a zone: the bare values (minText, maxText) and the
 // label captions with the unit. All empty for a contact input or a limit not in force.
 struct ZoneLimits {
     QString minText;

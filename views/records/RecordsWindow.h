@@ -53,11 +53,11 @@ public:
     explicit RecordsWindow(AppContext& ctx, QWidget* parent = nullptr);
     ~RecordsWindow() override;
 
-    // SystemSelect: rebuilds the zone list for the unit.
+    // A unit chosen in the unit list: rebuilds the zone list for the unit.
     void unitSelected(int index) override;
     // Loads the chosen zone and period again when only the records failed.
     void refillAfterOutage() override;
-    // RefreshRecords for the selected zone, month and year.
+    // Loads the records of the selected zone, month and year.
     void refreshRecords();
 
     // Grid select-all: every data row, when records are shown.
@@ -118,7 +118,6 @@ private:
     void showLimits();
     void setRecordCommandsEnabled(bool on);
     void showNoRecords();
-    void publishRecords(std::shared_ptr<const LoadedRecords> records);
 
     QAction* m_save = nullptr;
     QAction* m_print = nullptr;

@@ -24,8 +24,8 @@ inline constexpr char16_t kTemplateFileName[] = u"TEMPLATEv2.xlsx";
 // folder exists, so that the missing-file message names the right place.
 [[nodiscard]] QString templatePathFor(const QString& programDir, const QString& dataFromBin);
 
-// AskExcelFileName: the save dialog for a workbook; ".xlsx" is added to a
-// name without an extension. Empty when cancelled.
+// The save dialog for a workbook; ".xlsx" is added to a name without an
+// extension. Empty when cancelled.
 [[nodiscard]] QString askExcelFileName(DialogService& dialogs, QWidget* parent,
                                        const QString& proposed);
 
