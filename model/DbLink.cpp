@@ -178,18 +178,6 @@ void DbLink::waitFor(std::function<void(Database&)> job, int deadlineMs)
     *loop = nullptr;
 }
 
-void DbLink::open(const ConnectionSettings& settings, QObject* receiver,
-                  std::function<void(const DbError&)> done)
-{
-    m_settings = settings;
-    post(
-        receiver, [settings](Database& db) { return db.open(settings); },
-        [done = std::move(done)](DbError e) {
-            if (done)
-                done(e);
-        });
-}
-
 DbError DbLink::openAndWait(const ConnectionSettings& settings)
 {
     m_settings = settings;

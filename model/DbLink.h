@@ -35,16 +35,14 @@ public:
     [[nodiscard]] const ConnectionSettings& settings() const { return m_settings; }
     [[nodiscard]] DbKind kind() const { return m_settings.kind; }
 
-    // Opens the connection on the worker; `done` gets the open's error.
-    void open(const ConnectionSettings& settings, QObject* receiver,
-              std::function<void(const DbError&)> done);
     // Opens and waits for the open as call() waits.
     DbError openAndWait(const ConnectionSettings& settings);
     // Closes the connection, then calls `done`.
     void close(QObject* receiver = nullptr, std::function<void()> done = {});
 
     // Runs `job(db)` on the worker, then `done(result)` on the receiver's
-    // thread, unless the receiver is gone by then.
+    // thread, unless the receiver is gone by then. `done` may run after the
+    // caller's frame has ended: it captures values, never references.
     template <class Job, class Done>
     void post(QObject* receiver, Job job, Done done, int deadlineMs = kDefaultDeadline)
     {
