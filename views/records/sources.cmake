@@ -4,6 +4,8 @@ target_sources(sxgui PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/RecordsQuery.h ${CMAKE_CURRENT_LIST_DIR}/RecordsQuery.cpp
     ${CMAKE_CURRENT_LIST_DIR}/RecordsModel.h ${CMAKE_CURRENT_LIST_DIR}/RecordsModel.cpp
     ${CMAKE_CURRENT_LIST_DIR}/RecordsReport.h ${CMAKE_CURRENT_LIST_DIR}/RecordsReport.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/XlsxSheetMerge.h ${CMAKE_CURRENT_LIST_DIR}/XlsxSheetMerge.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/XlsxPackage.h ${CMAKE_CURRENT_LIST_DIR}/XlsxPackage.cpp
     ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.h ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.cpp
     ${CMAKE_CURRENT_LIST_DIR}/RecordsWindow.h ${CMAKE_CURRENT_LIST_DIR}/RecordsWindow.cpp
 )
@@ -28,7 +30,7 @@ unset(_sx_data_from_bin)
 find_package(QuaZip-Qt6 QUIET)
 if(QuaZip-Qt6_FOUND)
     target_link_libraries(sxgui PUBLIC QuaZip::QuaZip)
-    set_property(SOURCE ${CMAKE_CURRENT_LIST_DIR}/XlsxExport.cpp
+    set_property(SOURCE ${CMAKE_CURRENT_LIST_DIR}/XlsxPackage.cpp
                         ${CMAKE_CURRENT_LIST_DIR}/summary/SummaryXlsx.cpp APPEND PROPERTY
                  COMPILE_DEFINITIONS SX_HAVE_QUAZIP=1)
 
