@@ -219,11 +219,6 @@ bool Database::connectionLost() const
     return false;
 }
 
-DbError Database::busyError() const
-{
-    return fileError(u"The connection is busy with another statement."_s);
-}
-
 DbError Database::noteFailure(DbError e)
 {
     if (!e.isError())
@@ -257,8 +252,6 @@ DbError Database::fileGone()
 
 Rows Database::read(const QString& sql)
 {
-    if (m_busy)
-        return Rows(busyError());
     if (!isOpen())
         return Rows(noteFailure(fileError(u"The connection to the database is closed."_s)));
     if (DbError gone = fileGone(); gone.isError())
@@ -270,9 +263,7 @@ Rows Database::read(const QString& sql)
     if (m_native && m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
         backend = detail::sqliteCursor(detail::sqliteHandle(db), sql, failure);
     else if (m_native && m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db)) {
-        m_busy = true;
         backend = detail::pgCursor(detail::pgHandle(db), sql, failure, m_deadlineMs, m_abort);
-        m_busy = false;
     } else
         backend = detail::qtCursor(db, sql, failure);
     if (!backend)
@@ -298,8 +289,6 @@ bool Database::exists(const QString& sql, DbError* error)
 
 DbError Database::exec(const QString& sql, qint64* rowsAffected)
 {
-    if (m_busy)
-        return busyError();
     if (!isOpen())
         return noteFailure(fileError(u"The connection to the database is closed."_s));
     if (DbError gone = fileGone(); gone.isError())
@@ -309,10 +298,8 @@ DbError Database::exec(const QString& sql, qint64* rowsAffected)
     if (m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
         return noteFailure(detail::sqliteExec(detail::sqliteHandle(db), sql, rowsAffected));
     if (m_settings.kind == DbKind::PostgreSQL && detail::pgHandle(db)) {
-        m_busy = true;
         const DbError e =
             detail::pgExec(detail::pgHandle(db), sql, rowsAffected, m_deadlineMs, m_abort);
-        m_busy = false;
         return noteFailure(e);
     }
     return noteFailure(detail::qtExec(db, sql, rowsAffected));

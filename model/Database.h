@@ -86,8 +86,6 @@ public:
     // that does not answer the cancel either is taken for gone.
     void setDeadline(int ms) { m_deadlineMs = ms; }
     [[nodiscard]] int deadline() const { return m_deadlineMs; }
-    // true while a statement waits for the server.
-    [[nodiscard]] bool busy() const { return m_busy; }
     // Set from any thread: the running statement is abandoned at once (the
     // connection with it) and no other starts. Used when the console ends.
     void setAbortFlag(const std::atomic<bool>* abort) { m_abort = abort; }
@@ -112,7 +110,6 @@ public:
 
 private:
     DbError noteFailure(DbError e);
-    DbError busyError() const;
     void startStatement(const QString& sql);
     DbError fileGone();
 
@@ -121,27 +118,10 @@ private:
     OpenMode m_mode = OpenMode::Existing;
     bool m_native = true;
     bool m_lost = false;
-    bool m_busy = false;
     bool m_guiThreadAllowed = false;
     int m_deadlineMs = kDefaultDeadlineMs;
     const std::atomic<bool>* m_abort = nullptr;
     std::unique_ptr<detail::StatementWatch> m_watch;
-};
-
-// Sets a connection's deadline for one stretch of work.
-class DeadlineScope {
-public:
-    DeadlineScope(Database& db, int ms) : m_db(db), m_previous(db.deadline())
-    {
-        db.setDeadline(ms);
-    }
-    ~DeadlineScope() { m_db.setDeadline(m_previous); }
-    DeadlineScope(const DeadlineScope&) = delete;
-    DeadlineScope& operator=(const DeadlineScope&) = delete;
-
-private:
-    Database& m_db;
-    int m_previous;
 };
 
 } // namespace sx
