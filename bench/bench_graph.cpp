@@ -6,12 +6,13 @@
 #include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "ScrollBarPart.h"
-#include "app/UnitList.h"
 #include "model/SqlDateTime.h"
+#include "model/records/RecordsQuery.h"
+#include "reports/records/RecordsModel.h"
+#include "shell/SecondaryViews.h"
 #include "sim/RecordWriter.h"
+#include "ui/UnitList.h"
 #include "views/graph/GraphWindow.h"
-#include "views/records/RecordsModel.h"
-#include "views/records/RecordsQuery.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QApplication>
@@ -85,6 +86,7 @@ int main(int argc, char** argv)
     }
 
     RecordsWindow w(fx.ctx);
+    connectGraph(w);
     w.show();
     fillSystemSelect(w, 0, false);
     test::chooseItem(w.yearSelect(), 25);

@@ -3,7 +3,7 @@
 // whole step (build and set into the text box). SQLite always; PostgreSQL too
 // when SX_TEST_PG names a server.
 #include "GuiFixture.h"
-#include "views/messages/MessagesBuilder.h"
+#include "model/messages/MessagesBuilder.h"
 #include "views/messages/MessagesWindow.h"
 
 #include <QApplication>

@@ -10,10 +10,10 @@
 #include "../tests/current/CurrentSeed.h"
 #include "FaultProxy.h"
 #include "GuiFixture.h"
-#include "app/SettingsStore.h"
-#include "app/SettingsValidation.h"
-#include "app/Startup.h"
-#include "app/UnitList.h"
+#include "model/settings/SettingsStore.h"
+#include "model/settings/SettingsValidation.h"
+#include "shell/Startup.h"
+#include "ui/UnitList.h"
 #include "views/current/MainWindow.h"
 
 #include <QApplication>

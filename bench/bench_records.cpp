@@ -4,13 +4,13 @@
 // scrolling, the workbook export of 100,000 rows and the report of 10,000.
 #include "ChooseItem.h"
 #include "GuiFixture.h"
-#include "app/UnitList.h"
 #include "model/Dialect.h"
 #include "model/NativeCursors.h"
 #include "model/SqlDateTime.h"
+#include "model/records/RecordsQuery.h"
+#include "reports/records/RecordsModel.h"
 #include "sim/RecordWriter.h"
-#include "views/records/RecordsModel.h"
-#include "views/records/RecordsQuery.h"
+#include "ui/UnitList.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QApplication>
@@ -190,7 +190,7 @@ int runFor(const QString& kind)
                 qPrintable(kind), scroll.nsecsElapsed() / 1e6 / steps, steps);
 
     const QString templateFile =
-        QDir(QCoreApplication::applicationDirPath()).filePath(u"../app/TEMPLATEv2.xlsx"_s);
+        QDir(QCoreApplication::applicationDirPath()).filePath(u"../shell/TEMPLATEv2.xlsx"_s);
     w.setTemplatePath(templateFile);
     const QString xlsxFile = fx.scratch.folder() + u"/bench.xlsx"_s;
     w.selectRows(0, 99999, 0);

@@ -2,8 +2,8 @@
 // when SX_TEST_PG names a server, on PostgreSQL. Prints medians; never fails
 // on time.
 #include "GuiFixture.h"
-#include "app/UnitList.h"
 #include "model/Dialect.h"
+#include "ui/UnitList.h"
 #include "views/current/CurrentCondition.h"
 #include "views/current/MainWindow.h"
 

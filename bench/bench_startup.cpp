@@ -2,10 +2,10 @@
 // the wait window, unit list, first refresh and first paint. Target: 1 s.
 //   bench_startup [units]   (SX_TEST_DB / SX_TEST_PG choose the database)
 #include "GuiFixture.h"
-#include "app/SettingsValidation.h"
-#include "app/Startup.h"
-#include "app/ViewWindow.h"
+#include "model/settings/SettingsValidation.h"
+#include "shell/Startup.h"
 #include "sim/Seeder.h"
+#include "ui/ViewWindow.h"
 
 #if __has_include("views/current/MainWindow.h")
 #include "views/current/MainWindow.h"

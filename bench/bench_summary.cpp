@@ -5,10 +5,10 @@
 // GUI thread went at most without serving its timers meanwhile.
 #include "BestTime.h"
 #include "ScratchDatabase.h"
-#include "app/PrintPreview.h"
 #include "model/SqlDateTime.h"
+#include "reports/summary/SummaryReport.h"
 #include "sim/RecordWriter.h"
-#include "views/records/summary/SummaryReport.h"
+#include "ui/PrintPreview.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,10 +1,10 @@
 // The shared dialogs as the user meets them: the code prompt, the selection
 // dialog, the wait window and the message boxes of the real dialog service.
-#include "app/PasswordDialog.h"
-#include "app/SelectionDialog.h"
-#include "app/SettingsStore.h"
-#include "app/WaitWindow.h"
-#include "app/WidgetDialogService.h"
+#include "model/settings/SettingsStore.h"
+#include "ui/PasswordDialog.h"
+#include "ui/SelectionDialog.h"
+#include "ui/WaitWindow.h"
+#include "ui/WidgetDialogService.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,11 +1,11 @@
 // The settings: the checks of OK with their messages, and the dialog against
 // a real settings file.
 #include "ScriptedDialogs.h"
-#include "app/AppActions.h"
-#include "app/AppContext.h"
-#include "app/SettingsDialog.h"
-#include "app/SettingsStore.h"
-#include "app/SettingsValidation.h"
+#include "model/settings/SettingsStore.h"
+#include "model/settings/SettingsValidation.h"
+#include "ui/AppActions.h"
+#include "ui/AppContext.h"
+#include "ui/SettingsDialog.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "../events/EventsSeed.h"
 #include "ScratchDatabase.h"
-#include "app/UnitList.h"
+#include "ui/UnitList.h"
 
 #include <QTest>
 

@@ -2,9 +2,9 @@
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "ReportSeed.h"
-#include "app/UnitList.h"
+#include "reports/summary/SummaryReport.h"
+#include "ui/UnitList.h"
 #include "views/records/RecordsWindow.h"
-#include "views/records/summary/SummaryReport.h"
 
 #include <QAction>
 #include <QComboBox>

@@ -1,5 +1,5 @@
+#include "model/commands/CommandRules.h"
 #include "sim/RequestHandler.h"
-#include "views/current/CommandRules.h"
 
 #include <QTest>
 

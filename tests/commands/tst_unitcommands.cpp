@@ -1,9 +1,9 @@
 #include "GuiFixture.h"
 #include "model/Dialect.h"
+#include "model/commands/CommandRules.h"
 #include "sim/Seeder.h"
 #include "sim/SimSchema.h"
 #include "views/current/CommandHost.h"
-#include "views/current/CommandRules.h"
 #include "views/current/UnitCommands.h"
 
 #include <QFile>

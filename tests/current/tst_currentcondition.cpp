@@ -1,7 +1,7 @@
 #include "CurrentSeed.h"
 #include "ScratchDatabase.h"
-#include "app/Colors.h"
 #include "model/Formatting.h"
+#include "reports/Colors.h"
 #include "views/current/CurrentCondition.h"
 
 #include <QTest>

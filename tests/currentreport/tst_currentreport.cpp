@@ -2,7 +2,8 @@
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "SkipOrFail.h"
-#include "views/current/CurrentReport.h"
+#include "reports/current/CurrentReport.h"
+#include "views/current/CurrentPrint.h"
 
 #include <QFile>
 #include <QPrinter>

@@ -1,4 +1,4 @@
-#include "views/current/CurrentReportLayout.h"
+#include "model/report/CurrentReportLayout.h"
 
 #include <QTest>
 

@@ -2,12 +2,12 @@
 #include "EventsSeed.h"
 #include "GuiFixture.h"
 #include "PdfText.h"
-#include "app/UnitList.h"
-#include "app/WaitWindow.h"
-#include "model/print/PdfDirectWriter.h"
-#include "model/print/ReportPainter.h"
-#include "views/events/EventsModel.h"
-#include "views/events/EventsReport.h"
+#include "reports/PdfDirectWriter.h"
+#include "reports/ReportPainter.h"
+#include "reports/events/EventsModel.h"
+#include "reports/events/EventsReport.h"
+#include "ui/UnitList.h"
+#include "ui/WaitWindow.h"
 #include "views/events/EventsWindow.h"
 
 #include <QApplication>

@@ -2,9 +2,9 @@
 // the counts, the marks of the unit list, and handing a unit to the main view.
 #include "../current/CurrentSeed.h"
 #include "GuiFixture.h"
-#include "app/UnitList.h"
-#include "app/UnitMarks.h"
-#include "app/ViewWindow.h"
+#include "ui/UnitList.h"
+#include "ui/UnitMarks.h"
+#include "ui/ViewWindow.h"
 #include "views/current/MainWindow.h"
 #include "views/overview/FleetModel.h"
 #include "views/overview/FleetWatch.h"

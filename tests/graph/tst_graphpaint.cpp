@@ -1,6 +1,6 @@
 #include "model/graph/GraphRules.h"
-#include "views/graph/GraphPainting.h"
-#include "views/graph/GraphPrint.h"
+#include "reports/graph/GraphPainting.h"
+#include "reports/graph/GraphPrint.h"
 
 #include <QImage>
 #include <QPainter>

@@ -3,11 +3,12 @@
 #include "PdfText.h"
 #include "RecordsSeed.h"
 #include "ScrollBarPart.h"
-#include "app/UnitList.h"
 #include "model/graph/GraphRules.h"
+#include "model/records/RecordsQuery.h"
+#include "reports/records/RecordsModel.h"
+#include "shell/SecondaryViews.h"
+#include "ui/UnitList.h"
 #include "views/graph/GraphWindow.h"
-#include "views/records/RecordsModel.h"
-#include "views/records/RecordsQuery.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QApplication>
@@ -399,6 +400,7 @@ private:
     void openRecords(int zone = 0, int month = 2)
     {
         m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        connectGraph(*m_w);
         m_w->show();
         fillSystemSelect(*m_w, 0, false);
         chooseItem(m_w->sensorSelect(), zone);

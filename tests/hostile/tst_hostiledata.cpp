@@ -1,19 +1,20 @@
 #include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "PdfText.h"
-#include "app/UnitList.h"
 #include "model/Dialect.h"
 #include "model/SqlDateTime.h"
 #include "model/graph/GraphRules.h"
+#include "reports/events/EventsModel.h"
+#include "reports/graph/GraphPainting.h"
+#include "reports/records/RecordsModel.h"
+#include "shell/SecondaryViews.h"
 #include "sim/SimSchema.h"
-#include "views/current/CurrentReport.h"
+#include "ui/UnitList.h"
+#include "views/current/CurrentPrint.h"
 #include "views/current/MainWindow.h"
-#include "views/events/EventsModel.h"
 #include "views/events/EventsWindow.h"
-#include "views/graph/GraphPainting.h"
 #include "views/graph/GraphWindow.h"
 #include "views/messages/MessagesWindow.h"
-#include "views/records/RecordsModel.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QApplication>
@@ -256,6 +257,7 @@ private:
     void walkRecordsAndGraph(int units)
     {
         RecordsWindow w(m_fx->ctx);
+        connectGraph(w);
         w.show();
         fillSystemSelect(w, 0, false);
         for (int u = 0; u < units; ++u) {

@@ -1,8 +1,8 @@
 #include "MessagesSeed.h"
 #include "ScratchDatabase.h"
+#include "model/messages/MessagesBuilder.h"
 #include "sim/Seeder.h"
 #include "sim/SimSchema.h"
-#include "views/messages/MessagesBuilder.h"
 
 #include <QTest>
 

@@ -1,13 +1,13 @@
 #include "GuiFixture.h"
 #include "MessagesSeed.h"
 #include "PdfText.h"
-#include "app/Colors.h"
-#include "app/NavigationFrame.h"
-#include "app/UnitList.h"
 #include "model/Formatting.h"
+#include "model/messages/MessagesBuilder.h"
+#include "reports/Colors.h"
 #include "sim/Seeder.h"
 #include "sim/SimSchema.h"
-#include "views/messages/MessagesBuilder.h"
+#include "ui/NavigationFrame.h"
+#include "ui/UnitList.h"
 #include "views/messages/MessagesWindow.h"
 
 #include <QAction>

@@ -1,7 +1,7 @@
 #include "PdfText.h"
-#include "app/PrintPreview.h"
-#include "model/print/PrintRoutines.h"
-#include "model/print/ReportPainter.h"
+#include "reports/PrintRoutines.h"
+#include "reports/ReportPainter.h"
+#include "ui/PrintPreview.h"
 
 #include <QDir>
 #include <QFontInfo>

@@ -3,10 +3,10 @@
 #include "PdfText.h"
 #include "RecordsSeed.h"
 #include "SkipOrFail.h"
-#include "app/UnitList.h"
-#include "views/records/RecordsModel.h"
+#include "reports/records/RecordsModel.h"
+#include "reports/xlsx/XlsxExport.h"
+#include "ui/UnitList.h"
 #include "views/records/RecordsWindow.h"
-#include "views/records/XlsxExport.h"
 
 #include <QAction>
 #include <QBuffer>

@@ -1,10 +1,10 @@
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "RecordsSeed.h"
-#include "app/UnitList.h"
-#include "model/print/ReportPainter.h"
-#include "views/records/RecordsModel.h"
-#include "views/records/RecordsReport.h"
+#include "reports/ReportPainter.h"
+#include "reports/records/RecordsModel.h"
+#include "reports/records/RecordsReport.h"
+#include "ui/UnitList.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QAction>

@@ -1,7 +1,7 @@
 #include "RecordsSeed.h"
 #include "ScratchDatabase.h"
 #include "model/SqlDateTime.h"
-#include "views/records/RecordsQuery.h"
+#include "model/records/RecordsQuery.h"
 
 #include <QtTest>
 

@@ -1,10 +1,10 @@
 #include "ChooseItem.h"
 #include "GuiFixture.h"
 #include "RecordsSeed.h"
-#include "app/Colors.h"
-#include "app/UnitList.h"
+#include "reports/Colors.h"
+#include "reports/records/RecordsModel.h"
 #include "sim/RecordWriter.h"
-#include "views/records/RecordsModel.h"
+#include "ui/UnitList.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QAbstractButton>
@@ -115,7 +115,7 @@ private slots:
                                      u"Προεπισκόπηση σύνοψης μήνα"_s}));
 
         // The header texts with their blanks size the columns; both fit side by side.
-        RecordsGrid* grid = m_w->grid();
+        ArchiveGrid* grid = m_w->grid();
         QCOMPARE(grid->model()->headerData(0, Qt::Horizontal).toString(),
                  QString(34, u' ') + u"ΗΜΕΡΟΜΗΝΙΑ"_s);
         QCOMPARE(grid->model()->headerData(1, Qt::Horizontal).toString(),
@@ -271,7 +271,7 @@ private slots:
         open();
         m_w->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_w.get()));
-        RecordsGrid* grid = m_w->grid();
+        ArchiveGrid* grid = m_w->grid();
         const auto cellCentre = [grid](int row, int col) {
             return grid->visualRect(grid->model()->index(row, col)).center();
         };

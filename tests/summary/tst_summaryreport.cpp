@@ -2,9 +2,10 @@
 #include "GuiFixture.h"
 #include "PdfText.h"
 #include "ScratchDatabase.h"
-#include "app/WidgetDialogService.h"
-#include "views/records/summary/SummaryReport.h"
-#include "views/records/summary/SummaryXlsx.h"
+#include "reports/summary/SummaryReport.h"
+#include "reports/summary/SummaryXlsx.h"
+#include "ui/WidgetDialogService.h"
+#include "views/records/RecordsPrint.h"
 
 #include <QApplication>
 #include <QDir>

@@ -2,10 +2,10 @@
 
 #include "ScratchDatabase.h"
 #include "ScriptedDialogs.h"
-#include "app/AppContext.h"
-#include "app/Navigator.h"
-#include "app/QueryFailureReporter.h"
-#include "app/SettingsStore.h"
+#include "model/settings/SettingsStore.h"
+#include "ui/AppContext.h"
+#include "ui/Navigator.h"
+#include "ui/QueryFailureReporter.h"
 
 #include <QDateTime>
 #include <QWidget>

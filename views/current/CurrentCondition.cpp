@@ -1,10 +1,10 @@
 #include "views/current/CurrentCondition.h"
 
-#include "app/Colors.h"
 #include "model/Dialect.h"
 #include "model/Formatting.h"
 #include "model/QueryHelpers.h"
 #include "model/SqlDateTime.h"
+#include "reports/Colors.h"
 
 #include <cmath>
 

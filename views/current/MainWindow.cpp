@@ -1,13 +1,13 @@
 #include "views/current/MainWindow.h"
 
-#include "app/AppActions.h"
-#include "app/Colors.h"
-#include "app/NavigationFrame.h"
-#include "app/QueryFailureReporter.h"
-#include "app/Twips.h"
-#include "app/UnitList.h"
+#include "reports/Colors.h"
+#include "reports/Twips.h"
+#include "ui/AppActions.h"
+#include "ui/NavigationFrame.h"
+#include "ui/QueryFailureReporter.h"
+#include "ui/UnitList.h"
 #include "views/current/CurrentCondition.h"
-#include "views/current/CurrentReport.h"
+#include "views/current/CurrentPrint.h"
 #include "views/current/UnitCommands.h"
 
 #include <QComboBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ViewWindow.h"
+#include "ui/ViewWindow.h"
 #include "views/current/CommandHost.h"
 
 #include <QTimer>

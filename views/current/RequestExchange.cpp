@@ -1,12 +1,12 @@
 #include "views/current/RequestExchange.h"
 
-#include "app/AppContext.h"
-#include "app/DialogService.h"
-#include "app/GeneralDelay.h"
-#include "app/QueryFailureReporter.h"
 #include "model/Dialect.h"
 #include "model/Schema.h"
-#include "views/current/CommandRules.h"
+#include "model/commands/CommandRules.h"
+#include "ui/AppContext.h"
+#include "ui/DialogService.h"
+#include "ui/GeneralDelay.h"
+#include "ui/QueryFailureReporter.h"
 
 #include <QApplication>
 #include <QLabel>

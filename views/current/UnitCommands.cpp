@@ -1,13 +1,13 @@
 #include "views/current/UnitCommands.h"
 
-#include "app/AppContext.h"
-#include "app/DbCall.h"
-#include "app/DialogService.h"
-#include "app/QueryFailureReporter.h"
 #include "model/Dialect.h"
 #include "model/Schema.h"
+#include "model/commands/CommandRules.h"
+#include "ui/AppContext.h"
+#include "ui/DbCall.h"
+#include "ui/DialogService.h"
+#include "ui/QueryFailureReporter.h"
 #include "views/current/CommandHost.h"
-#include "views/current/CommandRules.h"
 #include "views/current/RequestExchange.h"
 
 #include <QWidget>

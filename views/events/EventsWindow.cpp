@@ -1,16 +1,15 @@
 #include "views/events/EventsWindow.h"
 
-#include "app/Colors.h"
-#include "app/DbCall.h"
-#include "app/DialogService.h"
-#include "app/NavigationFrame.h"
-#include "app/QueryFailureReporter.h"
-#include "app/Twips.h"
-#include "app/WaitWindow.h"
-#include "views/events/EventsModel.h"
-#include "views/events/EventsReport.h"
-#include "views/records/RecordsQuery.h"
-#include "views/records/RecordsWindow.h"
+#include "model/records/RecordsQuery.h"
+#include "reports/Colors.h"
+#include "reports/Twips.h"
+#include "reports/events/EventsModel.h"
+#include "ui/DbCall.h"
+#include "ui/DialogService.h"
+#include "ui/NavigationFrame.h"
+#include "ui/QueryFailureReporter.h"
+#include "ui/WaitWindow.h"
+#include "views/events/EventsPrint.h"
 
 #include <QButtonGroup>
 #include <QComboBox>
@@ -258,7 +257,7 @@ void EventsWindow::buildEventsFrame(QWidget* central)
 void EventsWindow::buildGrid(QWidget* central)
 {
     m_model = new EventsModel(this);
-    m_grid = new RecordsGrid(central);
+    m_grid = new ArchiveGrid(central);
     m_grid->setObjectName(u"MSFlexGrid1"_s);
     m_grid->setFont(uiFont(9.75));
     m_grid->setWordWrap(true);

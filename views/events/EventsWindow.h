@@ -1,8 +1,9 @@
 #pragma once
 
-#include "app/PrintPreview.h"
-#include "app/ViewWindow.h"
-#include "views/events/EventsData.h"
+#include "model/events/EventsData.h"
+#include "ui/PrintPreview.h"
+#include "ui/ViewWindow.h"
+#include "views/common/ArchiveGrid.h"
 
 #include <QList>
 
@@ -17,7 +18,6 @@ class QRadioButton;
 namespace sx {
 
 class EventsModel;
-class RecordsGrid;
 
 // "Αρχείο συμβάντων": the events of a unit (or of all units) by
 // source, alarm or restoration, new or all, month or year; newest first, with
@@ -50,7 +50,7 @@ public:
     // The choices line of the report, from the controls.
     [[nodiscard]] QString choicesText() const;
 
-    [[nodiscard]] RecordsGrid* grid() const { return m_grid; }
+    [[nodiscard]] ArchiveGrid* grid() const { return m_grid; }
     [[nodiscard]] EventsModel* model() const { return m_model; }
     [[nodiscard]] QComboBox* sensorSelect() const { return m_sensorSelect; }
     [[nodiscard]] QComboBox* monthSelect() const { return m_monthSelect; }
@@ -93,7 +93,7 @@ private:
     QComboBox* m_yearSelect = nullptr;
     QRadioButton* m_new[2] = {};
     QPushButton* m_mark = nullptr;
-    RecordsGrid* m_grid = nullptr;
+    ArchiveGrid* m_grid = nullptr;
     EventsModel* m_model = nullptr;
     QSize m_baseGrid;
     QSize m_baseCentral;

@@ -1,14 +1,13 @@
 #include "views/graph/GraphWindow.h"
 
-#include "app/AppContext.h"
-#include "app/DialogService.h"
-#include "app/Twips.h"
 #include "model/Formatting.h"
 #include "model/graph/GraphRules.h"
 #include "model/graph/Readout.h"
-#include "views/graph/GraphPainting.h"
-#include "views/graph/GraphPrint.h"
-#include "views/records/RecordsWindow.h"
+#include "reports/Twips.h"
+#include "reports/graph/GraphPainting.h"
+#include "reports/graph/GraphPrint.h"
+#include "ui/AppContext.h"
+#include "ui/DialogService.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -635,7 +634,8 @@ void GraphWindow::printChart(ReportOutput output)
         {m_maxCaption->text() + u": "_s + m_maxValue->text(), colourOf(m_maxCaption)},
         {m_minCaption->text() + u": "_s + m_minValue->text(), colourOf(m_minCaption)},
     };
-    printChartPage(m_ctx, this, in, output);
+    runReport(m_ctx, this, QPageLayout::Landscape, output,
+              [&](QPrinter& printer) { return graph::drawChartPage(printer, in); });
 }
 
 void GraphWindow::printMarkedPoints(ReportOutput output)
@@ -654,32 +654,32 @@ void GraphWindow::printMarkedPoints(ReportOutput output)
         in.valueTexts.push_back(plainNumber(static_cast<double>(m.value)) +
                                 unitSuffix(m.sensorType));
     }
-    graph::printMarkedPoints(m_ctx, this, in, output);
+    runReport(m_ctx, this, QPageLayout::Portrait, output,
+              [&](QPrinter& printer) { return graph::drawMarkedPoints(printer, in); });
 }
 
-GraphWindow* openGraph(RecordsWindow& recordsWindow)
+GraphWindow* openGraph(AppContext& ctx, QWidget* owner, const GraphRequest& request)
 {
-    AppContext& ctx = recordsWindow.context();
     const std::shared_ptr<const LoadedRecords> loaded = ctx.loadedRecords;
-    const auto [first, last] = recordsWindow.selectedRows();
+    const int first = request.first;
+    const int last = request.last;
     if (!loaded || first < 0 || last >= static_cast<int>(loaded->records.size()))
         return nullptr;
     const SelectionCheck check = checkSelection(loaded->records, first, last);
     if (check.problem != SelectionProblem::None) {
         if (ctx.dialogs)
-            ctx.dialogs->message(&recordsWindow, DialogService::Icon::Exclamation,
+            ctx.dialogs->message(owner, DialogService::Icon::Exclamation,
                                  QString::fromUtf16(kGraphCaption),
                                  selectionMessage(check.problem));
-        if (check.rowIndex >= 0)
-            recordsWindow.selectRowAlone(check.rowIndex);
+        if (check.rowIndex >= 0 && request.selectRowAlone)
+            request.selectRowAlone(check.rowIndex);
         return nullptr;
     }
     // Reopening starts over from the current selection.
-    for (GraphWindow* old : recordsWindow.findChildren<GraphWindow*>(Qt::FindDirectChildrenOnly))
+    for (GraphWindow* old : owner->findChildren<GraphWindow*>(Qt::FindDirectChildrenOnly))
         delete old;
-    auto* window = new GraphWindow(
-        ctx, {loaded, first, last, recordsWindow.unitText(), recordsWindow.zoneText()},
-        &recordsWindow);
+    auto* window =
+        new GraphWindow(ctx, {loaded, first, last, request.unitText, request.zoneText}, owner);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowModality(Qt::ApplicationModal);
     window->show();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/PrintPreview.h"
 #include "model/LoadedRecords.h"
 #include "model/graph/GraphState.h"
+#include "ui/PrintPreview.h"
 
 #include <QDialog>
 #include <QPixmap>
@@ -21,8 +21,6 @@ class QScrollBar;
 namespace sx {
 
 struct AppContext;
-class RecordsWindow;
-
 namespace graph {
 
 // A picture box: shows the pixmap it is given.
@@ -191,9 +189,21 @@ private:
     Qt::MouseButton m_lastButton = Qt::NoButton;
 };
 
+// What the records window asks the graph of: rows first..last of the records
+// it shows (AppContext::loadedRecords), the texts of its lists, and how to
+// select one row alone.
+struct GraphRequest {
+    int first = -1;
+    int last = -1;
+    QString unitText;
+    QString zoneText;
+    std::function<void(int row)> selectRowAlone;
+};
+
 // The graph button of the records window: checks the selection (a refusal is
 // explained and may select the offending row alone) and opens the graph over
-// the records window. Returns the window, or nothing when refused.
-GraphWindow* openGraph(RecordsWindow& records);
+// `owner`, in place of one opened there before. Returns the window, or nothing
+// when refused.
+GraphWindow* openGraph(AppContext& ctx, QWidget* owner, const GraphRequest& request);
 
 } // namespace sx

@@ -1,12 +1,12 @@
 #include "views/messages/MessagesWindow.h"
 
-#include "app/Colors.h"
-#include "app/DbCall.h"
-#include "app/NavigationFrame.h"
-#include "app/QueryFailureReporter.h"
-#include "app/Twips.h"
-#include "views/messages/MessagesBuilder.h"
-#include "views/messages/MessagesReport.h"
+#include "model/messages/MessagesBuilder.h"
+#include "reports/Colors.h"
+#include "reports/Twips.h"
+#include "ui/DbCall.h"
+#include "ui/NavigationFrame.h"
+#include "ui/QueryFailureReporter.h"
+#include "views/messages/MessagesPrint.h"
 
 #include <QGroupBox>
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/PrintPreview.h"
-#include "app/ViewWindow.h"
 #include "model/QueryHelpers.h"
+#include "ui/PrintPreview.h"
+#include "ui/ViewWindow.h"
 
 class QGroupBox;
 class QPlainTextEdit;

@@ -1,8 +1,8 @@
 #include "views/overview/FleetModel.h"
 
-#include "app/UnitMarks.h"
 #include "model/Formatting.h"
 #include "model/SqlDateTime.h"
+#include "ui/UnitMarks.h"
 
 using namespace Qt::StringLiterals;
 

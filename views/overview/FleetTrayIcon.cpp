@@ -1,7 +1,7 @@
 #include "views/overview/FleetTrayIcon.h"
 
-#include "app/AppContext.h"
-#include "app/UnitMarks.h"
+#include "ui/AppContext.h"
+#include "ui/UnitMarks.h"
 
 #include <QPainter>
 #include <QSystemTrayIcon>

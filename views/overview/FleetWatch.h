@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/notify/AlarmNotifier.h"
 #include "model/DbError.h"
 #include "model/fleet/FleetSummary.h"
+#include "ui/notify/AlarmNotifier.h"
 
 #include <QDBusConnection>
 #include <QObject>

@@ -1,7 +1,7 @@
 #include "views/overview/OverviewWindow.h"
 
-#include "app/AppContext.h"
-#include "app/Twips.h"
+#include "reports/Twips.h"
+#include "ui/AppContext.h"
 #include "views/overview/FleetModel.h"
 
 #include <QHBoxLayout>

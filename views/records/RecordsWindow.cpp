@@ -1,19 +1,18 @@
 #include "views/records/RecordsWindow.h"
 
-#include "app/Colors.h"
-#include "app/DbCall.h"
-#include "app/DialogService.h"
-#include "app/NavigationFrame.h"
-#include "app/QueryFailureReporter.h"
-#include "app/Twips.h"
-#include "app/WaitWindow.h"
-#include "views/graph/GraphWindow.h"
-#include "views/records/RecordsModel.h"
-#include "views/records/RecordsReport.h"
-#include "views/records/XlsxExport.h"
-#include "views/records/summary/SummaryReport.h"
+#include "reports/Colors.h"
+#include "reports/Twips.h"
+#include "reports/records/RecordsModel.h"
+#include "reports/xlsx/XlsxExport.h"
+#include "ui/DbCall.h"
+#include "ui/DialogService.h"
+#include "ui/NavigationFrame.h"
+#include "ui/QueryFailureReporter.h"
+#include "ui/WaitWindow.h"
+#include "views/records/RecordsPrint.h"
 
 #include <QComboBox>
+#include <QFileInfo>
 #include <QFontMetricsF>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -103,6 +102,17 @@ QIcon graphIcon(int size)
     return QIcon(pix);
 }
 
+// The save dialog for a workbook; ".xlsx" is added to a name without an
+// extension. Empty when cancelled.
+QString askExcelFileName(DialogService& dialogs, QWidget* parent, const QString& proposed)
+{
+    QString path = dialogs.saveFileName(parent, u"Αποθήκευση αρχείου καταγραφών"_s,
+                                        u"Excel Files (*.xlsx)"_s, proposed);
+    if (!path.isEmpty() && QFileInfo(path).suffix().isEmpty())
+        path += u".xlsx"_s;
+    return path;
+}
+
 // The wait window, centred over the window that waits for it.
 std::unique_ptr<WaitWindow> showWait(QWidget* over, const QString& message)
 {
@@ -112,73 +122,6 @@ std::unique_ptr<WaitWindow> showWait(QWidget* over, const QString& message)
 }
 
 } // namespace
-
-RecordsGrid::RecordsGrid(QWidget* parent) : QTableView(parent)
-{
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::ContiguousSelection);
-    setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setWordWrap(false);
-    setCornerButtonEnabled(true);
-    setHighlight(false);
-}
-
-void RecordsGrid::setUpColumns(const QStringList& captions, int cellMargin,
-                               QHeaderView::ResizeMode rowMode)
-{
-    const QFontMetricsF fm(font());
-    QHeaderView* header = horizontalHeader();
-    header->setFont(font());
-    header->setDefaultAlignment(Qt::AlignCenter);
-    header->setHighlightSections(false);
-    header->setSectionsClickable(false);
-    header->setSectionResizeMode(QHeaderView::Fixed);
-    header->setStyleSheet(
-        u"QHeaderView::section { color: rgb(0,0,255); background-color: white; padding: 1px %1px;"
-        " border: none; border-right: 1px solid #a0a0a0; border-bottom: 1px solid #a0a0a0; }"_s.arg(
-            cellMargin));
-    int width = 0;
-    for (int c = 0; c < captions.size(); ++c) {
-        setColumnWidth(c, static_cast<int>(std::ceil(fm.horizontalAdvance(captions[c]))) +
-                              2 * cellMargin);
-        width += columnWidth(c);
-    }
-    QHeaderView* rows = verticalHeader();
-    rows->setSectionResizeMode(rowMode);
-    rows->setMinimumSectionSize(1);
-    rows->setDefaultSectionSize(static_cast<int>(std::ceil(fm.height())) + 4);
-    rows->setFixedWidth(twips(240, this));
-    rows->setHighlightSections(false);
-    resize(rows->width() + width + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) +
-               2 * frameWidth(),
-           height());
-}
-
-void RecordsGrid::selectAll()
-{
-    if (onSelectAll)
-        onSelectAll();
-}
-
-void RecordsGrid::setHighlight(bool on)
-{
-    m_highlight = on;
-    QPalette p = palette();
-    const QPalette standard = QPalette();
-    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-        if (on) {
-            // The same in both groups: the selection shows without the focus too.
-            p.setColor(group, QPalette::Highlight,
-                       standard.color(QPalette::Active, QPalette::Highlight));
-            p.setColor(group, QPalette::HighlightedText,
-                       standard.color(QPalette::Active, QPalette::HighlightedText));
-        } else {
-            p.setColor(group, QPalette::Highlight, p.color(group, QPalette::Base));
-            p.setColor(group, QPalette::HighlightedText, p.color(group, QPalette::Text));
-        }
-    }
-    setPalette(p);
-}
 
 RecordsWindow::RecordsWindow(AppContext& ctx, QWidget* parent)
     : ViewWindow(ctx, ViewId::Records, u"Αρχείο καταγραφών"_s, parent),
@@ -206,7 +149,6 @@ RecordsWindow::RecordsWindow(AppContext& ctx, QWidget* parent)
     m_yearSelect->setCurrentIndex(records::yearIndexOf(today.year()));
     m_loading = false;
     setRecordCommandsEnabled(false);
-    connect(this, &RecordsWindow::graphRequested, this, [this] { openGraph(*this); });
 }
 
 RecordsWindow::~RecordsWindow() = default;
@@ -282,7 +224,7 @@ void RecordsWindow::buildRecordsFrame(QWidget* central)
     connect(m_graphBut, &QPushButton::clicked, this, &RecordsWindow::graphRequested);
 
     m_model = new RecordsModel(this);
-    m_grid = new RecordsGrid(m_recordsFrame);
+    m_grid = new ArchiveGrid(m_recordsFrame);
     m_grid->setObjectName(u"MSFlexGrid1"_s);
     m_grid->setFont(uiFont(9.75));
     m_grid->setModel(m_model);
@@ -583,7 +525,7 @@ void RecordsWindow::saveRecords()
     if (!m_save->isEnabled() || !ctx.dialogs)
         return;
     // Asked before the window is disabled: a dialog over a disabled window takes no input.
-    const QString target = xlsx::askExcelFileName(*ctx.dialogs, this, u"records output"_s);
+    const QString target = askExcelFileName(*ctx.dialogs, this, u"records output"_s);
     if (target.isEmpty())
         return;
 

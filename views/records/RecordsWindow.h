@@ -1,12 +1,10 @@
 #pragma once
 
-#include "app/PrintPreview.h"
-#include "app/ViewWindow.h"
-#include "views/records/RecordsQuery.h"
-#include "views/records/XlsxExport.h"
-
-#include <QHeaderView>
-#include <QTableView>
+#include "model/records/RecordsQuery.h"
+#include "reports/xlsx/XlsxExport.h"
+#include "ui/PrintPreview.h"
+#include "ui/ViewWindow.h"
+#include "views/common/ArchiveGrid.h"
 
 #include <functional>
 #include <optional>
@@ -20,29 +18,6 @@ class QPushButton;
 namespace sx {
 
 class RecordsModel;
-
-// MSFlexGrid1 of the records view: whole rows, one contiguous range. Its
-// select-all (Ctrl+A, the corner button) asks the window first.
-class RecordsGrid : public QTableView {
-    Q_OBJECT
-public:
-    explicit RecordsGrid(QWidget* parent = nullptr);
-
-    void selectAll() override;
-    // Selection shown (with or without focus) or not shown at all.
-    void setHighlight(bool on);
-    [[nodiscard]] bool highlight() const { return m_highlight; }
-
-    // Blue captions on white, each column as wide as its caption, narrow row
-    // selectors without numbers (they carry the corner button), and the grid
-    // as wide as its columns, the selectors and a vertical scroll bar.
-    void setUpColumns(const QStringList& captions, int cellMargin, QHeaderView::ResizeMode rowMode);
-
-    std::function<void()> onSelectAll;
-
-private:
-    bool m_highlight = false;
-};
 
 // "Αρχείο καταγραφών": the values one zone of a unit logged in a
 // month or a year, newest first, coloured by the zone's limits; the limits;
@@ -83,7 +58,7 @@ public:
     // The ZoneEntry of the selected zone, nothing when the list is empty.
     [[nodiscard]] std::optional<records::ZoneEntry> selectedZone() const;
 
-    [[nodiscard]] RecordsGrid* grid() const { return m_grid; }
+    [[nodiscard]] ArchiveGrid* grid() const { return m_grid; }
     [[nodiscard]] RecordsModel* model() const { return m_model; }
     [[nodiscard]] QComboBox* yearSelect() const { return m_yearSelect; }
     [[nodiscard]] QComboBox* monthSelect() const { return m_monthSelect; }
@@ -131,7 +106,7 @@ private:
     QLabel* m_minBound = nullptr;
     QLabel* m_maxBound = nullptr;
     QPushButton* m_graphBut = nullptr;
-    RecordsGrid* m_grid = nullptr;
+    ArchiveGrid* m_grid = nullptr;
     RecordsModel* m_model = nullptr;
     QSize m_baseFrame;
     QSize m_baseGrid;

@@ -1,0 +1,77 @@
+#include "model/settings/SettingsValidation.h"
+
+#include "model/settings/SettingsStore.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace sx {
+
+namespace {
+
+bool allDecimalDigits(const QString& text)
+{
+    // Only 0-9: other scripts' digits mean nothing to a port number.
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+} // namespace
+
+std::optional<QString> settingsProblem(const SettingsForm& form)
+{
+    if (!isFileKind(form.kind)) {
+        if (form.dataSource.isEmpty())
+            return u"Δεν έχετε συμπληρώσει τo πεδίo 'Όνομα βάσης δεδομένων (data source)'"_s;
+        // Oracle by data-source name never uses the port; PostgreSQL always
+        // does, also on this computer (empty IP), so a port typed there must
+        // be a number too.
+        const bool portUsed = !form.serverIp.isEmpty();
+        const bool portChecked =
+            portUsed || (form.kind == DbKind::PostgreSQL && !form.serverPort.isEmpty());
+        if (portUsed && form.serverPort.isEmpty())
+            return u"Δεν έχετε συμπληρώσει τo πεδίo 'Port διακομιστή (server Port)'"_s;
+        if (portChecked && !allDecimalDigits(form.serverPort))
+            return u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να είναι αριθμός."_s;
+    } else if (form.file.isEmpty()) {
+        return u"Δεν έχετε συμπληρώσει τo πεδίo 'Αρχείο βάσης δεδομένων (sxdb.mdb)'"_s;
+    }
+    if (form.code.isEmpty() && form.confirmation.isEmpty())
+        return u"Δεν έχετε συμπληρώσει τα πεδία 'Κωδικός προστασίας παραμέτρων' και 'Επιβεβαίωση κωδικού'"_s;
+    if (form.code != form.confirmation)
+        return u"Tα πεδία 'Κωδικός προστασίας παραμέτρων' και 'Επιβεβαίωση κωδικού' δεν συμφωνούν"_s;
+    return std::nullopt;
+}
+
+QString dbTypeSetting(DbKind kind)
+{
+    return QString::number(static_cast<int>(kind));
+}
+
+SettingsForm readSettingsForm(const SettingsStore& store)
+{
+    SettingsForm form;
+    form.kind = dbKindFromSetting(store.dbType());
+    form.file = store.app(u"DBFile"_s);
+    form.dataSource = store.app(u"DBDataSource"_s);
+    form.serverIp = store.app(u"DBServerIP"_s);
+    form.serverPort = store.app(u"DBServerPORT"_s);
+    form.code = store.protectionCode();
+    form.confirmation = form.code;
+    form.notifications = store.notificationsOn();
+    return form;
+}
+
+bool writeSettingsForm(SettingsStore& store, const SettingsForm& form)
+{
+    store.setProtectionCode(form.code);
+    store.setApp(u"DBType"_s, dbTypeSetting(form.kind));
+    store.setApp(u"DBFile"_s, form.file);
+    store.setApp(u"DBDataSource"_s, form.dataSource);
+    store.setApp(u"DBServerIP"_s, form.serverIp);
+    store.setApp(u"DBServerPORT"_s, form.serverPort);
+    store.setApp(u"Notifications"_s, form.notifications ? u"1"_s : u"0"_s);
+    return store.sync();
+}
+
+} // namespace sx

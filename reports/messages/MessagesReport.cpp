@@ -1,0 +1,135 @@
+#include "reports/messages/MessagesReport.h"
+
+#include "model/AppTitle.h"
+#include "model/Formatting.h"
+#include "reports/PrintRoutines.h"
+#include "reports/ReportPainter.h"
+
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPrinter>
+
+using namespace Qt::StringLiterals;
+
+namespace sx {
+
+namespace {
+
+constexpr double kLeftMm = 10.0;
+constexpr double kTitleTopMm = 10.0;
+// Where the text continues on a new page: level with the title of the first.
+constexpr double kContinueTopMm = 10.0;
+// The right edge of the banner frame; wrapped lines stay inside it.
+constexpr double kRightMarginMm = 10.0;
+
+} // namespace
+
+QString messagesReportTitle(MessageKind kind)
+{
+    return appTitle() +
+           (kind == MessageKind::New ? u" / ΝΕΑ ΜΗΝΥΜΑΤΑ"_s : u" / ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ"_s);
+}
+
+QString messagesReportEnd(MessageKind kind)
+{
+    // The Y of ΑΡΧΕΙΟY is the Latin letter.
+    return kind == MessageKind::New ? u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s : u"ΤΕΛΟΣ ΑΡΧΕΙΟY ΜΗΝΥΜΑΤΩΝ"_s;
+}
+
+QString nothingToPrintText(MessageKind kind)
+{
+    return kind == MessageKind::New ? u"Δέν υπάρχουν νέα μηνύματα για εκτύπωση"_s
+                                    : u"Δέν υπάρχουν αρχειοθετημένα μηνύματα για εκτύπωση"_s;
+}
+
+MessagesPageLayout placeMessageLines(const QStringList& lines, double startY, double topY,
+                                     double lineHeight, double pageHeight)
+{
+    MessagesPageLayout layout;
+    layout.lines.reserve(lines.size());
+    int page = 0;
+    double y = startY;
+    bool pageHasLine = false;
+    for (const QString& line : lines) {
+        // A page takes at least one line, however small it is.
+        if (pageHasLine && y + lineHeight > pageHeight) {
+            ++page;
+            y = topY;
+            pageHasLine = false;
+        }
+        layout.lines.append({page, y, line});
+        y += lineHeight;
+        pageHasLine = true;
+    }
+    if (pageHasLine && y + lineHeight + 1.0 > pageHeight) {
+        ++page;
+        y = topY;
+    }
+    layout.endPage = page;
+    layout.endY = y;
+    layout.pages = page + 1;
+    return layout;
+}
+
+QStringList messageReportLines(const QString& text, double maxWidthMm, const ReportPainter& painter)
+{
+    QStringList out;
+    const QStringList lines = text.split(u"\r\n"_s);
+    out.reserve(lines.size() + 1);
+    for (const QString& line : lines) {
+        if (painter.textWidth(line) <= maxWidthMm) {
+            out.append(line);
+            continue;
+        }
+        QString wrapped = line;
+        wrapToWidth(wrapped, maxWidthMm, painter);
+        out.append(wrapped.split(u"\r\n"_s));
+    }
+    // The line break between the text and the end banner.
+    out.append(QString());
+    return out;
+}
+
+bool drawMessagesReport(ReportPainter& painter, MessageKind kind, const QString& text,
+                        const QDateTime& printedAt)
+{
+    printBanner(painter, kLeftMm, kTitleTopMm, messagesReportTitle(kind));
+    painter.setCurrentX(kLeftMm);
+    painter.print(greekDateTime(printedAt, true));
+    painter.print(QString());
+    painter.print(QString());
+
+    const double width = painter.pageWidth() - kLeftMm - kRightMarginMm;
+    const MessagesPageLayout layout =
+        placeMessageLines(messageReportLines(text, width, painter), painter.currentY(),
+                          kContinueTopMm, painter.textHeight(), painter.pageHeight());
+    int page = 0;
+    const auto turnTo = [&](int target) {
+        for (; page < target; ++page) {
+            if (!painter.newPage())
+                return false;
+        }
+        return true;
+    };
+    for (const PrintedLine& line : layout.lines) {
+        if (!turnTo(line.page))
+            return false;
+        painter.setCurrentX(kLeftMm);
+        painter.setCurrentY(line.y);
+        painter.print(line.text);
+    }
+    if (!turnTo(layout.endPage))
+        return false;
+    printBanner(painter, kLeftMm, layout.endY, messagesReportEnd(kind));
+    return true;
+}
+
+bool drawMessagesReport(QPrinter& printer, MessageKind kind, const QString& text,
+                        const QDateTime& printedAt)
+{
+    ReportPainter painter(printer);
+    return painter.isActive() && drawMessagesReport(painter, kind, text, printedAt) &&
+           painter.end();
+}
+
+} // namespace sx

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "model/QueryHelpers.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QPrinter;
+
+namespace sx {
+
+class ReportPainter;
+
+// "SENTORAX Monitor / ΝΕΑ ΜΗΝΥΜΑΤΑ" or "SENTORAX Monitor / ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ".
+[[nodiscard]] QString messagesReportTitle(MessageKind kind);
+// "ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ" or "ΤΕΛΟΣ ΑΡΧΕΙΟY ΜΗΝΥΜΑΤΩΝ" (a Latin Y).
+[[nodiscard]] QString messagesReportEnd(MessageKind kind);
+// The box shown when no unit has messages of the list's kind.
+[[nodiscard]] QString nothingToPrintText(MessageKind kind);
+
+struct PrintedLine {
+    int page = 0;
+    double y = 0.0; // millimetres from the top of the printable area
+    QString text;
+};
+
+struct MessagesPageLayout {
+    QList<PrintedLine> lines;
+    int endPage = 0;
+    double endY = 0.0; // top of the end banner
+    int pages = 1;
+};
+
+// Places the lines from startY down. A line that would run past pageHeight
+// starts the next page at topY, as a printer moves on by itself; the end
+// banner (one line plus its frame) goes right below the last line, or at the
+// top of a new page when it would not fit.
+[[nodiscard]] MessagesPageLayout placeMessageLines(const QStringList& lines, double startY,
+                                                   double topY, double lineHeight,
+                                                   double pageHeight);
+
+// The printed lines of a message text (CR LF separated): one per text line,
+// lines wider than maxWidthMm wrapped, then the one empty line before the end.
+[[nodiscard]] QStringList messageReportLines(const QString& text, double maxWidthMm,
+                                             const ReportPainter& painter);
+
+// Draws the whole report on an open painter: title box, printing date, the
+// text over as many pages as it needs, the end box. false when a page could
+// not be started.
+bool drawMessagesReport(ReportPainter& painter, MessageKind kind, const QString& text,
+                        const QDateTime& printedAt);
+
+// The whole report on `printer` (A4 portrait); false when a page failed.
+bool drawMessagesReport(QPrinter& printer, MessageKind kind, const QString& text,
+                        const QDateTime& printedAt);
+
+} // namespace sx

@@ -1,0 +1,43 @@
+#include "ui/PrintPreview.h"
+
+#include "reports/PdfFileSwap.h"
+#include "reports/ReportPdf.h"
+#include "ui/AppContext.h"
+#include "ui/ChoosePrinter.h"
+#include "ui/DialogService.h"
+
+#include <QPrinter>
+
+using namespace Qt::StringLiterals;
+
+namespace sx {
+
+void runReport(AppContext& ctx, QWidget* owner, QPageLayout::Orientation orientation,
+               ReportOutput output, const ReportDrawing& draw)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    if (output == ReportOutput::Print) {
+        if (!chooseReportPrinter(ctx, owner, printer, orientation))
+            return;
+        PdfFileSwap file(printer);
+        if (!draw(printer) || !file.commit()) {
+            printer.abort();
+            reportPrintFailed(ctx, owner);
+        }
+        return;
+    }
+    if (!ctx.dialogs)
+        return;
+    setUpA4(printer, orientation);
+    bool failed = false;
+    ctx.dialogs->printPreview(owner, printer, [&](QPrinter& target) {
+        // Printing from the preview reaches here with the printer the user chose.
+        if (&target != &printer)
+            setUpA4(target, orientation);
+        failed = !draw(target) || failed;
+    });
+    if (failed)
+        reportPrintFailed(ctx, owner);
+}
+
+} // namespace sx

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QHeaderView>
+#include <QTableView>
+
+#include <functional>
+
+namespace sx {
+
+// The archive grid (MSFlexGrid1) of the records and events views: whole rows,
+// one contiguous range. Its select-all (Ctrl+A, the corner button) asks the
+// window first.
+class ArchiveGrid : public QTableView {
+    Q_OBJECT
+public:
+    explicit ArchiveGrid(QWidget* parent = nullptr);
+
+    void selectAll() override;
+    // Selection shown (with or without focus) or not shown at all.
+    void setHighlight(bool on);
+    [[nodiscard]] bool highlight() const { return m_highlight; }
+
+    // Blue captions on white, each column as wide as its caption, narrow row
+    // selectors without numbers (they carry the corner button), and the grid
+    // as wide as its columns, the selectors and a vertical scroll bar.
+    void setUpColumns(const QStringList& captions, int cellMargin, QHeaderView::ResizeMode rowMode);
+
+    std::function<void()> onSelectAll;
+
+private:
+    bool m_highlight = false;
+};
+
+} // namespace sx
