@@ -1,12 +1,12 @@
 #pragma once
 
+#include "model/ConnectionHealth.h"
 #include "model/DbError.h"
 
 #include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
-#include <QTimer>
 
 #include <functional>
 
@@ -21,15 +21,12 @@ struct AppContext;
 // query whose action reports its own failure right after is not explained.
 enum class FailureOrigin { Refresh, User, Quiet };
 
-// The console's connection health: every failed query after start-up is
-// reported here, and this is the only place that reconnects. While the
-// connection is lost it asks, away from the GUI thread and less often the
-// longer the outage lasts, whether the database answers again; when it does
-// it reconnects (on the connection's own thread) and emits databaseBack() so
-// that the views refill. A file locked by a writer is not a lost connection,
-// but it is watched the same way: once a read gets through again, the views
-// that failed refill. The box of a refresh failure never holds the caller:
-// it is shown from the event loop, and the watch goes on behind it.
+// What the user hears of the connection: every failed query after start-up is
+// reported here. The connection's health (ConnectionHealth) watches for the
+// database's return and reconnects; this decides which failures a box
+// explains, and on the return emits databaseBack() so that the views that
+// failed refill. The box of a refresh failure never holds the caller: it is
+// shown from the event loop, and the watch goes on behind it.
 class QueryFailureReporter : public QObject {
     Q_OBJECT
 public:
@@ -95,9 +92,9 @@ public:
     }
     [[nodiscard]] quint64 failureCount() const { return m_failures; }
     [[nodiscard]] bool inOutage() const { return m_outage; }
-    [[nodiscard]] bool connectionLost() const { return m_lost; }
+    [[nodiscard]] bool connectionLost() const { return m_health->lost(); }
     // A writer held the database when a query failed, and no read got through since.
-    [[nodiscard]] bool lockedOut() const { return m_locked; }
+    [[nodiscard]] bool lockedOut() const { return m_health->locked(); }
     // Before queries: true when the connection is usable. A lost connection
     // is only reopened once the server has answered a probe; the refresh
     // never waits for that. A user's action has the probe and the reopen run
@@ -113,14 +110,17 @@ public:
     // A statement that must still run (a request row to remove) when the
     // connection could not run it; runs first thing after reconnecting, or
     // at the next start when the console ends first (kept in `file`).
-    void runWhenBack(const QString& sql);
-    [[nodiscard]] QStringList pendingStatements() const { return m_pending; }
-    void keepPendingIn(const QString& file);
+    void runWhenBack(const QString& sql) { m_health->runWhenBack(sql); }
+    [[nodiscard]] QStringList pendingStatements() const { return m_health->pendingStatements(); }
+    void keepPendingIn(const QString& file) { m_health->keepPendingIn(file); }
     // Runs the statements left over now (after the first connect).
-    void runPending();
+    void runPending() { m_health->runPending(); }
 
     // Back-off of the reconnect probes: first wait, doubled up to the longest.
-    void setRetryDelays(int firstMs, int longestMs);
+    void setRetryDelays(int firstMs, int longestMs)
+    {
+        m_health->setRetryDelays(firstMs, longestMs);
+    }
     // How long a refresh's statements may wait for the server.
     [[nodiscard]] int refreshDeadlineMs() const { return m_refreshDeadlineMs; }
     void setRefreshDeadlineMs(int ms) { m_refreshDeadlineMs = ms; }
@@ -132,39 +132,22 @@ signals:
     void databaseBack();
 
 private:
-    void noteLost();
-    void noteLocked();
-    void startProbe();
-    void probeFinished(bool reachable);
-    void reconnect();
-    void reconnected(const DbError& opened, const QStringList& failed);
     void announceBack();
     void showBox(const DbError& error, QWidget* parent, FailureOrigin origin);
-    [[nodiscard]] bool databaseFileGone() const;
-    void savePending() const;
 
     AppContext& m_ctx;
+    ConnectionHealth* m_health;
     bool m_outage = false;
-    bool m_lost = false;
-    bool m_locked = false;
     bool m_refilling = false;
     int m_shown = 0;
     quint64 m_failures = 0;
     int m_userWaits = 0;
     int m_actionDepth = 0;
     bool m_actionReported = false;
-    int m_firstDelayMs = 500;
-    int m_longestDelayMs = 5000;
-    int m_delayMs = 500;
     int m_refreshDeadlineMs = 5000;
-    bool m_reconnecting = false;
-    QString m_pendingFile;
-    QTimer m_retry;
-    bool m_probe = false;
     QList<QPointer<QWidget>> m_failedIn;
     QList<QPointer<QWidget>> m_failedBeforeReturn;
     QList<QPointer<QWidget>> m_refillDue;
-    QStringList m_pending;
 };
 
 } // namespace sx
