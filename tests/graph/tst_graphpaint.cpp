@@ -110,30 +110,6 @@ private slots:
         QVERIFY(box.bottom() >= image.height() - 4);
         QVERIFY(box.top() >= 1);
     }
-    void markedPointsPlan()
-    {
-        // From y 30 to 60 with lines of 5: six lines a page, an empty line between entries.
-        const struct {
-            std::vector<int> lines;
-            QString placed; // page@y of each entry
-            int pages;
-        } cases[] = {
-            {{}, u""_s, 1},
-            {{2, 2}, u"0@30 0@45"_s, 1},
-            {{2, 2, 2}, u"0@30 0@45 1@30"_s, 2}, // the third goes whole to page two
-            {{2, 3}, u"0@30 0@45"_s, 1},         // a wrapped entry that just fits
-            {{2, 4}, u"0@30 1@30"_s, 2},         // one line too many
-            {{9, 2}, u"0@30 1@30"_s, 2},         // taller than a page stays alone
-        };
-        for (const auto& c : cases) {
-            const marked_points::Plan plan = marked_points::layoutEntries(c.lines, 30, 5, 60);
-            QStringList placed;
-            for (const auto& e : plan.entries)
-                placed << u"%1@%2"_s.arg(e.page).arg(e.y);
-            QCOMPARE(placed.join(u' '), c.placed);
-            QCOMPARE(plan.pages, c.pages);
-        }
-    }
     void chartPageStartsAtTheTopLeft()
     {
         // A page much wider than the layout: the chart stays at the left edge.

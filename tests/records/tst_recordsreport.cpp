@@ -44,37 +44,6 @@ class TestRecordsReport : public QObject {
     Q_OBJECT
 
 private slots:
-    void layoutCountsPagesAsTheRuleSays_data()
-    {
-        QTest::addColumn<int>("rows");
-        QTest::addColumn<double>("height");
-        QTest::addColumn<double>("line");
-        QTest::addColumn<int>("perColumn");
-        QTest::addColumn<int>("pages");
-        // Height 245, line 4: lines at 35, 39, ... the 50th ends exactly at the limit 235.
-        QTest::newRow("none") << 0 << 245.0 << 4.0 << 50 << 1;
-        QTest::newRow("one full column") << 50 << 245.0 << 4.0 << 50 << 1;
-        QTest::newRow("four full columns") << 200 << 245.0 << 4.0 << 50 << 1;
-        QTest::newRow("one more") << 201 << 245.0 << 4.0 << 50 << 2;
-        QTest::newRow("eight full columns") << 400 << 245.0 << 4.0 << 50 << 2;
-        QTest::newRow("a third page") << 401 << 245.0 << 4.0 << 50 << 3;
-        QTest::newRow("just short of a line") << 10 << 244.99 << 4.0 << 49 << 1;
-        QTest::newRow("no room at all") << 3 << 40.0 << 4.0 << 1 << 1;
-    }
-
-    void layoutCountsPagesAsTheRuleSays()
-    {
-        QFETCH(int, rows);
-        QFETCH(double, height);
-        QFETCH(double, line);
-        QFETCH(int, perColumn);
-        QFETCH(int, pages);
-        const records_report::Layout l = records_report::layoutRows(rows, height, line);
-        QCOMPARE(l.rowsPerColumn, perColumn);
-        QCOMPARE(l.pages, pages);
-        if (rows > 0)
-            QVERIFY(l.pageOf(rows - 1) < l.pages || perColumn == 1);
-    }
 
     void cleanup()
     {
