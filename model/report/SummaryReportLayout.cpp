@@ -16,7 +16,7 @@ namespace summary_report {
 
 namespace {
 
-enum Table { DayTable = 0, ContactDayTable, ExcursionTable, OpeningTable };
+enum Table { DayTable = 0, ContactDayTable, ExcursionTable, OpeningTable, GapTable };
 
 QString dayText(QDate d)
 {
@@ -73,9 +73,11 @@ QList<double> columnEdges(int table)
 {
     switch (table) {
     case DayTable:
-        return {0.0, 0.14, 0.30, 0.46, 0.62, 0.84, 1.0};
+        return {0.0, 0.12, 0.24, 0.36, 0.48, 0.65, 0.78, 1.0};
     case ContactDayTable:
-        return {0.0, 0.2, 0.5, 0.8};
+        return {0.0, 0.2, 0.45, 0.7, 1.0};
+    case GapTable:
+        return {0.0, 0.28, 0.56, 0.84};
     case ExcursionTable:
         return {0.0, 0.2, 0.4, 0.58, 0.78, 1.0};
     default:
@@ -91,7 +93,7 @@ bool alignRight(int table, int column)
         return column > 0;
     case ExcursionTable:
         return column == 2 || column == 3;
-    default:
+    default: // the openings and the gaps
         return column == 2;
     }
 }
@@ -121,7 +123,7 @@ QList<Block> zoneBlocks(const summary::SummaryInput& in, int zoneIndex)
     QString counted = u"Καταγραφές: "_s + QString::number(t.readings);
     if (t.skipped > 0)
         counted += u" (και "_s + QString::number(t.skipped) +
-                   u" χωρίς τιμή ή άλλου τύπου, που δεν μετρήθηκαν)"_s;
+                   u" χωρίς έγκυρη τιμή ή άλλου τύπου, που δεν μετρήθηκαν)"_s;
     line(counted);
     if (s.contact) {
         line(u"Ανοίγματα: "_s + QString::number(t.excursions) + u" , συνολική διάρκεια: "_s +
@@ -134,27 +136,50 @@ QList<Block> zoneBlocks(const summary::SummaryInput& in, int zoneIndex)
              u" , χρόνος εκτός ορίων: "_s + durationText(t.outsideSecs) + u" , η μεγαλύτερη: "_s +
              durationText(t.longestSecs));
     }
+    line(u"Χρόνος χωρίς καταγραφές: "_s + durationText(t.noDataSecs) +
+         u" , το μεγαλύτερο κενό: "_s + durationText(t.longestGapSecs));
+    line(u"Συνήθες διάστημα καταγραφών (διάμεσο της περιόδου): "_s +
+         durationText(t.usualIntervalSecs));
+    line(u"Κενό είναι διάστημα πάνω από "_s + QString::number(summary::kGapFactor) +
+         u" συνήθη· ο χρόνος του δεν μετρά ούτε εντός ούτε εκτός ορίων."_s);
+    if (!s.contact)
+        line(u"Η μέση τιμή σταθμίζεται με τον χρόνο: κάθε καταγραφή μετρά έως την επόμενη."_s);
 
     gap();
     line(u"ΑΝΑ ΗΜΕΡΑ"_s);
+    const QString none = u"χωρίς καταγραφές"_s;
     if (s.contact) {
-        cells(ContactDayTable, {u"Ημέρα"_s, u"Ανοίγματα"_s, u"Λεπτά ανοιχτή"_s}, true);
+        cells(ContactDayTable,
+              {u"Ημέρα"_s, u"Ανοίγματα"_s, u"Λεπτά ανοιχτή"_s, u"Λεπτά χωρίς καταγραφές"_s}, true);
         for (const summary::DayRow& d : s.days)
-            cells(ContactDayTable, {dayText(d.day), QString::number(d.excursions),
-                                    QString::number(summary::minutesOf(d.outsideSecs))});
+            cells(ContactDayTable,
+                  {dayText(d.day), d.readings > 0 ? QString::number(d.excursions) : none,
+                   QString::number(summary::minutesOf(d.outsideSecs)),
+                   QString::number(summary::minutesOf(d.noDataSecs))});
     } else {
         cells(DayTable,
               {u"Ημέρα"_s, u"Ελάχιστη"_s, u"Μέση"_s, u"Μέγιστη"_s, u"Λεπτά εκτός ορίων"_s,
-               u"Υπερβάσεις"_s},
+               u"Υπερβάσεις"_s, u"Λεπτά χωρίς καταγραφές"_s},
               true);
         for (const summary::DayRow& d : s.days) {
             const bool any = d.readings > 0;
             cells(DayTable,
-                  {dayText(d.day), any ? valueText(d.min, type) : u"-"_s,
-                   any ? valueText(d.mean, type) : u"-"_s, any ? valueText(d.max, type) : u"-"_s,
+                  {dayText(d.day), any ? valueText(d.min, type) : QString(),
+                   any ? valueText(d.mean, type) : none, any ? valueText(d.max, type) : QString(),
                    QString::number(summary::minutesOf(d.outsideSecs)),
-                   QString::number(d.excursions)});
+                   QString::number(d.excursions),
+                   QString::number(summary::minutesOf(d.noDataSecs))});
         }
+    }
+
+    gap();
+    line(u"ΚΕΝΑ ΚΑΤΑΓΡΑΦΩΝ"_s);
+    if (s.gaps.isEmpty()) {
+        line(u"Κανένα κενό καταγραφών στην περίοδο."_s);
+    } else {
+        cells(GapTable, {u"Από"_s, u"Έως"_s, u"Διάρκεια"_s}, true);
+        for (const summary::Gap& g : s.gaps)
+            cells(GapTable, {timeText(g.startSecs), timeText(g.endSecs), durationText(g.realSecs)});
     }
 
     gap();
@@ -164,22 +189,38 @@ QList<Block> zoneBlocks(const summary::SummaryInput& in, int zoneIndex)
                        : u"Καμία υπέρβαση ορίων στην περίοδο."_s);
         return out;
     }
-    const QString runsOn = u" (συνεχίζεται)"_s;
+    // * began before the period, ** ended by a gap, (συνεχίζεται) goes on after it.
+    const auto start = [](const summary::Excursion& e) {
+        return timeText(e.startSecs) + (e.startedBefore ? u"*"_s : QString());
+    };
+    const auto end = [](const summary::Excursion& e) {
+        if (e.runsOn)
+            return u"(συνεχίζεται)"_s;
+        return timeText(e.endSecs) + (e.cutByGap ? u"**"_s : QString());
+    };
+    bool before = false;
+    bool cut = false;
     if (s.contact) {
         cells(OpeningTable, {u"Άνοιγμα"_s, u"Κλείσιμο"_s, u"Διάρκεια"_s}, true);
         for (const summary::Excursion& e : s.excursions)
-            cells(OpeningTable,
-                  {timeText(e.startSecs), e.runsOn ? runsOn.trimmed() : timeText(e.endSecs),
-                   durationText(e.durationSecs())});
-        return out;
+            cells(OpeningTable, {start(e), end(e), durationText(e.durationSecs())});
+    } else {
+        cells(ExcursionTable, {u"Έναρξη"_s, u"Λήξη"_s, u"Διάρκεια"_s, u"Ακραία τιμή"_s, u"Όριο"_s},
+              true);
+        for (const summary::Excursion& e : s.excursions)
+            cells(ExcursionTable,
+                  {start(e), end(e), durationText(e.durationSecs()), valueText(e.extreme, type),
+                   e.side == summary::Side::Above ? u"Μέγιστο"_s : u"Ελάχιστο"_s});
     }
-    cells(ExcursionTable, {u"Έναρξη"_s, u"Λήξη"_s, u"Διάρκεια"_s, u"Ακραία τιμή"_s, u"Όριο"_s},
-          true);
-    for (const summary::Excursion& e : s.excursions)
-        cells(ExcursionTable,
-              {timeText(e.startSecs), e.runsOn ? runsOn.trimmed() : timeText(e.endSecs),
-               durationText(e.durationSecs()), valueText(e.extreme, type),
-               e.side == summary::Side::Above ? u"Μέγιστο"_s : u"Ελάχιστο"_s});
+    for (const summary::Excursion& e : s.excursions) {
+        before = before || e.startedBefore;
+        cut = cut || (e.cutByGap && !e.runsOn);
+    }
+    if (before)
+        line(u"* Άρχισε πριν από την περίοδο· μετρά μόνο το μέρος της μέσα στην περίοδο."_s);
+    if (cut)
+        line(u"** Οι καταγραφές σταματούν: η λήξη είναι η τελευταία καταγραφή και ένα συνήθες "
+             u"διάστημα."_s);
     return out;
 }
 

@@ -5,6 +5,9 @@
 #include "model/SqlDateTime.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -24,58 +27,90 @@ QString periodText(const SummaryPeriod& period)
     return records::monthNames().value(period.month - 1) + u' ' + QString::number(period.year);
 }
 
+namespace {
+
+// A single-precision limit as the decimal it was written as (4.45, not
+// 4.44999980926514); it converts back to the same single.
+double shortestOf(float f)
+{
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), f).ptr;
+    return QByteArray(text.data(), end - text.data()).toDouble();
+}
+
+} // namespace
+
 ZoneRule ruleOf(const records::ZoneEntry& zone)
 {
     ZoneRule rule{zone.sensorType, std::nullopt, std::nullopt};
     if (rule.isContact())
         return rule;
     if (zone.minUsed)
-        rule.minLimit = static_cast<double>(zone.minLimit);
+        rule.minLimit = shortestOf(zone.minLimit);
     if (zone.maxUsed)
-        rule.maxLimit = static_cast<double>(zone.maxLimit);
+        rule.maxLimit = shortestOf(zone.maxLimit);
     return rule;
 }
 
 namespace {
 
+Sample sampleOf(Rows& rows)
+{
+    Sample s{*rows.dateTime(0), std::nullopt, static_cast<int>(rows.integer(2).value_or(0)),
+             rows.integer(3).value_or(0)};
+    // The stored double: figures show it as it is, limits compare it in single precision.
+    s.value = rows.real(1);
+    return s;
+}
+
 DbError readZone(Database& db, const SummaryPeriod& period, qint64 nowSecs, ZoneReport& out)
 {
     const records::Period span{secsOf(period.first()), secsOf(period.last()) + 86399};
-    Rows rows =
-        db.read(u"SELECT Rec_Datetime, Rec_Value, Rec_Sensortype FROM Records WHERE "
-                u"Rec_SyI_Serialnumber="_s +
-                sqlQuote(out.zone.serial) + u" AND Rec_SeI_Sensornumber="_s +
-                QString::number(out.zone.number) + u" AND Rec_Datetime"_s +
-                sqlDateRange(db.kind(), toQDateTime(span.fromSecs), toQDateTime(span.toSecs)));
+    const QString columns = u"SELECT Rec_Datetime, Rec_Value, Rec_Sensortype, Rec_SensRecSN "
+                            u"FROM Records WHERE Rec_SyI_Serialnumber="_s +
+                            sqlQuote(out.zone.serial) + u" AND Rec_SeI_Sensornumber="_s +
+                            QString::number(out.zone.number);
     std::vector<Sample> samples;
-    samples.reserve(records::expectedRows(span));
+    samples.reserve(records::expectedRows(span) + 2);
+    // The last reading before the period and the first after it: what
+    // crosses the period's edges is counted where it falls.
+    const QString usable = u" AND Rec_Sensortype="_s + QString::number(out.zone.sensorType) +
+                           u" AND Rec_Value IS NOT NULL AND Rec_Datetime"_s;
+    for (const QString& edge :
+         {columns + usable + u" < "_s + sqlDateTimeLiteral(db.kind(), span.fromSecs) +
+              u" ORDER BY Rec_Datetime DESC, Rec_SensRecSN DESC"_s,
+          columns + usable + u" > "_s + sqlDateTimeLiteral(db.kind(), span.toSecs) +
+              u" ORDER BY Rec_Datetime, Rec_SensRecSN"_s}) {
+        Rows one = db.readFirst(edge);
+        if (one.next() && one.dateTime(0))
+            samples.push_back(sampleOf(one));
+        if (!one.ok())
+            return one.error();
+    }
+    Rows rows =
+        db.read(columns + u" AND Rec_Datetime"_s +
+                sqlDateRange(db.kind(), toQDateTime(span.fromSecs), toQDateTime(span.toSecs)));
     while (rows.next()) {
-        const auto when = rows.dateTime(0);
-        if (!when)
-            continue;
-        Sample s{*when, std::nullopt, static_cast<int>(rows.integer(2).value_or(0))};
-        // Single precision like the column, so a value on a limit compares as the view shows it.
-        if (const auto v = rows.real(1))
-            s.value = static_cast<double>(static_cast<float>(*v));
-        samples.push_back(s);
+        if (rows.dateTime(0))
+            samples.push_back(sampleOf(rows));
     }
     if (!rows.ok())
         return rows.error();
-    // Rows nearly always come in time order already; sorting in SQL would
-    // cost the server a sort of the whole year every time.
-    const auto byTime = [](const Sample& x, const Sample& y) { return x.secs < y.secs; };
-    if (!std::is_sorted(samples.begin(), samples.end(), byTime))
-        std::stable_sort(samples.begin(), samples.end(), byTime);
     const ZoneRule rule = ruleOf(out.zone);
-    out.summary = summarise(samples, rule, period.first(), period.last(), nowSecs);
     if (!rule.isContact()) {
+        // The chart draws the period's usable readings, newest first.
         out.chart.reserve(samples.size());
-        for (auto it = samples.rbegin(); it != samples.rend(); ++it) {
-            if (it->value && it->sensorType == rule.sensorType)
-                out.chart.push_back({it->secs, static_cast<float>(*it->value),
-                                     static_cast<quint8>(it->sensorType)});
+        for (const Sample& x : samples) {
+            if (x.value && std::isfinite(*x.value) && x.sensorType == rule.sensorType &&
+                x.secs >= span.fromSecs && x.secs <= span.toSecs)
+                out.chart.push_back(
+                    {x.secs, static_cast<float>(*x.value), static_cast<quint8>(x.sensorType)});
         }
+        std::stable_sort(
+            out.chart.begin(), out.chart.end(),
+            [](const RecordPoint& a, const RecordPoint& b) { return a.secs > b.secs; });
     }
+    out.summary = summarise(std::move(samples), rule, period.first(), period.last(), nowSecs);
     return {};
 }
 

@@ -5,6 +5,7 @@
 
 #include <QBuffer>
 #include <QDateTime>
+#include <QLocale>
 #include <QSaveFile>
 #include <QXmlStreamWriter>
 
@@ -60,11 +61,17 @@ public:
                                          {4, 13},
                                          {5, 18},
                                          {6, 12},
+                                         {7, 14},
                                          {9, 18},
                                          {10, 18},
                                          {11, 14},
                                          {12, 13},
-                                         {13, 12}}) {
+                                         {13, 12},
+                                         {14, 12},
+                                         {15, 12},
+                                         {16, 12},
+                                         {18, 18},
+                                         {19, 18}}) {
             m_w.writeEmptyElement(u"col"_s);
             m_w.writeAttribute(u"min"_s, QString::number(col));
             m_w.writeAttribute(u"max"_s, QString::number(col));
@@ -80,7 +87,7 @@ public:
         cell(row, col, style);
         m_w.writeAttribute(u"t"_s, u"inlineStr"_s);
         m_w.writeStartElement(u"is"_s);
-        m_w.writeTextElement(u"t"_s, value);
+        m_w.writeTextElement(u"t"_s, xlsx::xmlText(value));
         m_w.writeEndElement();
         m_w.writeEndElement();
     }
@@ -88,7 +95,8 @@ public:
     void number(int row, int col, double value, Style style = Plain)
     {
         cell(row, col, style);
-        m_w.writeTextElement(u"v"_s, QString::number(value, 'g', 15));
+        // The stored value as it is, without digits it never had.
+        m_w.writeTextElement(u"v"_s, QString::number(value, 'g', QLocale::FloatingPointShortest));
         m_w.writeEndElement();
     }
 
@@ -144,7 +152,7 @@ QByteArray zoneSheet(const SummaryInput& in, const ZoneReport& z)
 
     sheet.text(4, 0, u"Καταγραφές"_s, Title);
     sheet.number(4, 1, t.readings);
-    sheet.text(4, 2, u"Χωρίς τιμή ή άλλου τύπου"_s);
+    sheet.text(4, 2, u"Χωρίς έγκυρη τιμή ή άλλου τύπου"_s);
     sheet.number(4, 3, t.skipped);
     if (!s.contact && t.readings > 0) {
         sheet.text(5, 0, u"Ελάχιστη / Μέση / Μέγιστη"_s, Title);
@@ -158,23 +166,40 @@ QByteArray zoneSheet(const SummaryInput& in, const ZoneReport& z)
     sheet.number(6, 3, static_cast<double>(minutesOf(t.outsideSecs)));
     sheet.text(6, 4, u"Μεγαλύτερη (λεπτά)"_s);
     sheet.number(6, 5, static_cast<double>(minutesOf(t.longestSecs)));
+    sheet.text(7, 0, u"Χρόνος χωρίς καταγραφές (λεπτά)"_s, Title);
+    sheet.number(7, 1, static_cast<double>(minutesOf(t.noDataSecs)));
+    sheet.text(7, 2, u"Μεγαλύτερο κενό (λεπτά)"_s);
+    sheet.number(7, 3, static_cast<double>(minutesOf(t.longestGapSecs)));
+    sheet.text(7, 4, u"Συνήθες διάστημα (λεπτά)"_s);
+    sheet.number(7, 5, static_cast<double>(minutesOf(t.usualIntervalSecs)));
 
-    const QStringList dayHead =
-        s.contact ? QStringList{u"Ημέρα"_s, u"Ανοίγματα"_s, u"Λεπτά ανοιχτή"_s}
-                  : QStringList{u"Ημέρα"_s,   u"Ελάχιστη"_s,          u"Μέση"_s,
-                                u"Μέγιστη"_s, u"Λεπτά εκτός ορίων"_s, u"Υπερβάσεις"_s};
+    const QStringList dayHead = s.contact
+                                    ? QStringList{u"Ημέρα"_s, u"Ανοίγματα"_s, u"Λεπτά ανοιχτή"_s,
+                                                  u"Λεπτά χωρίς καταγραφές"_s}
+                                    : QStringList{u"Ημέρα"_s,
+                                                  u"Ελάχιστη"_s,
+                                                  u"Μέση"_s,
+                                                  u"Μέγιστη"_s,
+                                                  u"Λεπτά εκτός ορίων"_s,
+                                                  u"Υπερβάσεις"_s,
+                                                  u"Λεπτά χωρίς καταγραφές"_s};
     const QStringList excHead =
-        s.contact ? QStringList{u"Άνοιγμα"_s, u"Κλείσιμο"_s, u"Λεπτά"_s, u"Συνεχίζεται"_s}
-                  : QStringList{u"Έναρξη"_s,      u"Λήξη"_s, u"Λεπτά"_s,
-                                u"Ακραία τιμή"_s, u"Όριο"_s, u"Συνεχίζεται"_s};
-    constexpr int head = 8;
+        s.contact ? QStringList{u"Άνοιγμα"_s,     u"Κλείσιμο"_s,    u"Λεπτά"_s,
+                                u"Συνεχίζεται"_s, u"Άρχισε πριν"_s, u"Λήξη σε κενό"_s}
+                  : QStringList{u"Έναρξη"_s, u"Λήξη"_s,        u"Λεπτά"_s,       u"Ακραία τιμή"_s,
+                                u"Όριο"_s,   u"Συνεχίζεται"_s, u"Άρχισε πριν"_s, u"Λήξη σε κενό"_s};
+    const QStringList gapHead{u"Κενό από"_s, u"Κενό έως"_s, u"Λεπτά"_s};
+    constexpr int head = 9;
     constexpr int excCol = 8;
+    const int gapCol = excCol + static_cast<int>(excHead.size()) + 1;
     for (int c = 0; c < dayHead.size(); ++c)
         sheet.text(head, c, dayHead[c], Title);
     for (int c = 0; c < excHead.size(); ++c)
         sheet.text(head, excCol + c, excHead[c], Title);
+    for (int c = 0; c < gapHead.size(); ++c)
+        sheet.text(head, gapCol + c, gapHead[c], Title);
 
-    const qsizetype rows = std::max(s.days.size(), s.excursions.size());
+    const qsizetype rows = std::max({s.days.size(), s.excursions.size(), s.gaps.size()});
     for (qsizetype i = 0; i < rows; ++i) {
         const int row = head + 1 + static_cast<int>(i);
         if (i < s.days.size()) {
@@ -183,14 +208,18 @@ QByteArray zoneSheet(const SummaryInput& in, const ZoneReport& z)
             if (s.contact) {
                 sheet.number(row, 1, d.excursions);
                 sheet.number(row, 2, static_cast<double>(minutesOf(d.outsideSecs)));
+                sheet.number(row, 3, static_cast<double>(minutesOf(d.noDataSecs)));
             } else {
                 if (d.readings > 0) {
                     sheet.number(row, 1, d.min, Value);
                     sheet.number(row, 2, d.mean, Value);
                     sheet.number(row, 3, d.max, Value);
+                } else {
+                    sheet.text(row, 1, u"χωρίς καταγραφές"_s);
                 }
                 sheet.number(row, 4, static_cast<double>(minutesOf(d.outsideSecs)));
                 sheet.number(row, 5, d.excursions);
+                sheet.number(row, 6, static_cast<double>(minutesOf(d.noDataSecs)));
             }
         }
         if (i < s.excursions.size()) {
@@ -205,6 +234,16 @@ QByteArray zoneSheet(const SummaryInput& in, const ZoneReport& z)
             }
             if (e.runsOn)
                 sheet.text(row, c, u"Ναι"_s);
+            if (e.startedBefore)
+                sheet.text(row, c + 1, u"Ναι"_s);
+            if (e.cutByGap && !e.runsOn)
+                sheet.text(row, c + 2, u"Ναι"_s);
+        }
+        if (i < s.gaps.size()) {
+            const Gap& g = s.gaps[i];
+            sheet.number(row, gapCol, spreadsheetDate(g.startSecs), Time);
+            sheet.number(row, gapCol + 1, spreadsheetDate(g.endSecs), Time);
+            sheet.number(row, gapCol + 2, static_cast<double>(minutesOf(g.realSecs)));
         }
     }
     sheet.finish();

@@ -8,9 +8,9 @@
 namespace sx::summary {
 
 // The summary as a workbook of its own, one sheet per zone ("Ζώνη 7"): the
-// heading and totals from A1, the day table from A8, the excursions (or
-// openings) from I8. Days and times are spreadsheet dates, values and minutes
-// numbers. The target appears complete or not at all.
+// heading and totals from A1, the day table from A9, the excursions (or
+// openings) from I9 and the gaps after them. Days and times are spreadsheet dates, values and
+// minutes numbers. The target appears complete or not at all.
 [[nodiscard]] xlsx::ExportStatus writeSummaryWorkbook(const QString& target,
                                                       const SummaryInput& in);
 

@@ -183,21 +183,6 @@ QString columnName(int col)
     return out;
 }
 
-// XML 1.0 has no place for most control characters; a name that carries one
-// loses it rather than making the whole workbook unreadable.
-QString xmlText(const QString& text)
-{
-    const auto invalid = [](QChar c) {
-        return (c.unicode() < 0x20 && c != u'\t' && c != u'\n' && c != u'\r') ||
-               c.unicode() == 0xFFFE || c.unicode() == 0xFFFF;
-    };
-    if (std::none_of(text.begin(), text.end(), invalid))
-        return text;
-    QString out = text;
-    out.removeIf(invalid);
-    return out;
-}
-
 QString cellRef(int col, int row)
 {
     return columnName(col) + QString::number(row);
@@ -443,6 +428,21 @@ bool SheetWriter::run(const QByteArray& sheet, int templateMaxRow, int templateM
 }
 
 } // namespace
+
+// XML 1.0 has no place for most control characters; a name that carries one
+// loses it rather than making the whole workbook unreadable.
+QString xmlText(const QString& text)
+{
+    const auto invalid = [](QChar c) {
+        return (c.unicode() < 0x20 && c != u'\t' && c != u'\n' && c != u'\r') ||
+               c.unicode() == 0xFFFE || c.unicode() == 0xFFFF;
+    };
+    if (std::none_of(text.begin(), text.end(), invalid))
+        return text;
+    QString out = text;
+    out.removeIf(invalid);
+    return out;
+}
 
 bool scanSheet(const QByteArray& sheet, int& maxRow, int& maxCol)
 {

@@ -36,4 +36,7 @@ bool scanSheet(const QByteArray& sheet, int& maxRow, int& maxCol);
 // false when the XML cannot be read as a worksheet.
 bool fillSheetXml(const QByteArray& templateSheet, QIODevice& out, const SheetFill& fill);
 
+// The text without the control characters XML 1.0 has no place for.
+[[nodiscard]] QString xmlText(const QString& text);
+
 } // namespace sx::xlsx

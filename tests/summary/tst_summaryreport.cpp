@@ -81,8 +81,8 @@ private slots:
                         "print('|'.join(wb.sheetnames))\n"
                         "for ws in wb:\n"
                         "    print(' '.join(type(ws[c].value).__name__ for c in "
-                        "('A9','C9','E9','I9','K9')),"
-                        " ws['A9'].value.strftime('%d/%m/%Y'), ws['B6'].value, ws['D3'].value)\n"_s,
+                        "('A10','C10','E10','I10','K10')),"
+                        " ws['A10'].value.strftime('%d/%m/%Y'), ws['B6'].value, ws['D3'].value)\n"_s,
                         book})
                 .trimmed()
                 .split(u'\n');
