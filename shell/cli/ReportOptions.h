@@ -18,6 +18,8 @@ enum class ExitCode : int {
     UnknownZone = 5,     // the unit has no such zone (or event source) with records
     NothingToReport = 6, // the period (or list) is empty
     OutputFailed = 7,    // the PDF or workbook cannot be written
+    PartlyWritten = 8,   // written, but the workbook's sheet could not hold every record
+    NoTemplate = 9,      // the workbook template is missing or damaged
 };
 
 enum class ReportKind { Current, Records, Events, Messages, Summary };

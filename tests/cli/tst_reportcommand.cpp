@@ -146,6 +146,21 @@ private slots:
         QCOMPARE(pdfPages(cli), expected);
     }
 
+    // Past the sheet's last row the command does what the window does: it writes
+    // what fits, says how many records were left out and ends with its own code.
+    void workbookPastTheSheetTellsWhatWasLeftOut()
+    {
+        const QString book = QDir(m_dir).filePath(u"part.xlsx"_s);
+        qputenv("SX_XLSX_SHEET_ROWS", "10");
+        const ToolRun r = run({u"records"_s, u"--unit=A-100"_s, u"--zone=1"_s,
+                               u"--month=2026-03"_s, u"--xlsx"_s, book});
+        qunsetenv("SX_XLSX_SHEET_ROWS");
+        QCOMPARE(r.code, 8);
+        QVERIFY2(r.err.contains(u"δεν αποθηκεύτηκαν"_s) && r.err.trimmed().count(u'\n') == 0,
+                 qPrintable(r.err));
+        QVERIFY(QFile::exists(book));
+    }
+
 private:
     ToolRun run(const QStringList& args, bool withDb = true) const
     {
