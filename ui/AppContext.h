@@ -43,6 +43,10 @@ struct AppContext {
     // Opens the overview window ("Επισκόπηση συστημάτων").
     std::function<void()> showOverview;
 
+    // Set by the first drag zoom of any graph and kept for the run: from then
+    // on the right button zooms out, in every graph opened later too.
+    bool graphZoomed = false;
+
     // The shutdown steps: close the connection (errors ignored) and end the
     // process. Tests replace it to see that it was reached.
     std::function<void()> terminate;

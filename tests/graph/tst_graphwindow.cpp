@@ -201,7 +201,7 @@ private slots:
         graph::GraphView zoomed{full.startSecs + 50 * 60, 100, 7.0f, 23.0f};
         QCOMPARE(g->state().view, zoomed);
         QCOMPARE(g->chartPaints(), ++paints);
-        QVERIFY(g->state().zoomed);
+        QVERIFY(m_fx->ctx.graphZoomed);
         // The click that ends a drag adds no marker; the band is gone.
         QVERIFY(g->state().markers.empty());
         QVERIFY(!g->chart()->rubberBand());
@@ -227,6 +227,11 @@ private slots:
         // Zooming out of the full view draws the same view again.
         QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
         QCOMPARE(g->state().view, full);
+        // The zoom is the application's: a graph opened again zooms out without one.
+        GraphWindow* again = openGraphOn(0, 199);
+        paints = again->chartPaints();
+        QTest::mouseClick(again->chart(), Qt::RightButton, {}, again->pixelOf({50, 10}).toPoint());
+        QCOMPARE(again->chartPaints(), paints + 1);
     }
     void scrollingMovesTheViewInWholeMinutesAndValues()
     {
