@@ -350,7 +350,13 @@ private slots:
 
         // The marked points: cancelled, then on pages of their own, each entry whole on one.
         QVERIFY(!QFile::exists(printTo(g, false)));
-        const QStringList pages = pdfPages(printTo(g));
+        const QString marked = printTo(g);
+        const QStringList pages = pdfPages(marked);
+        // The next print dialog starts from the printer chosen last.
+        QString offered;
+        m_fx->dialogs.answerPrint(false, [&offered](QPrinter& p) { offered = p.outputFileName(); });
+        g->printButton()->click();
+        QCOMPARE(offered, marked);
         QVERIFY2(pages.size() >= 2, qPrintable(QString::number(pages.size())));
         for (int i = 0; i < pages.size(); ++i) {
             QVERIFY(pages[i].contains(u"SENTORAX Monitor / ΜΑΡΚΑΡΙΣΜΕΝΑ ΣΗΜΕΙΑ"_s));
