@@ -114,7 +114,8 @@ bool ConnectionHealth::databaseFileGone() const
 
 bool ConnectionHealth::reconnectNow()
 {
-    if (!m_db)
+    // Once the console ends nothing reconnects; the statements left wait for the next start.
+    if (!m_db || m_db->shuttingDown())
         return false;
     const Reopened r =
         m_db->call([pending = m_pending](Database& d) { return reopenAndRun(d, pending, true); });
@@ -211,7 +212,7 @@ void ConnectionHealth::noteLocked()
 
 void ConnectionHealth::startProbe()
 {
-    if (m_probe || m_reconnecting || !m_db || !(m_lost || m_locked))
+    if (m_probe || m_reconnecting || !m_db || m_db->shuttingDown() || !(m_lost || m_locked))
         return;
     m_probe = true;
     // A probe of a silent server may outlast the console: nobody waits for it.

@@ -1,6 +1,9 @@
 #include "model/DbError.h"
 
+#include <QRegularExpression>
 #include <QSqlError>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -68,6 +71,17 @@ QString oracleCauses(QStringView code)
     return kUnknownOracle;
 }
 
+// The Oracle code of a description: drivers put their own text before it.
+std::optional<QString> oracleCode(const QString& description)
+{
+    static const QRegularExpression code(u"ORA-(\\d{5})"_s);
+    if (const QRegularExpressionMatch m = code.match(description); m.hasMatch())
+        return m.captured(1);
+    if (description.startsWith(u"ORA"))
+        return description.mid(4, 5);
+    return std::nullopt;
+}
+
 QString causesFor(DbFailureCause cause)
 {
     switch (cause) {
@@ -93,17 +107,13 @@ QString causesFor(DbFailureCause cause)
 
 QString explainDbError(qint32 number, const QString& description)
 {
-    QString text = header(number, description);
-    if (description.startsWith(u"ORA"))
-        text += oracleCauses(QStringView(description).mid(4, 5));
-    else
-        text += kUnknownProvider;
-    return text;
+    const std::optional<QString> code = oracleCode(description);
+    return header(number, description) + (code ? oracleCauses(*code) : kUnknownProvider);
 }
 
 QString explainDbError(const DbError& error)
 {
-    if (error.description.startsWith(u"ORA") || error.cause == DbFailureCause::Unknown)
+    if (oracleCode(error.description) || error.cause == DbFailureCause::Unknown)
         return explainDbError(error.number, error.description);
     return header(error.number, error.description) + causesFor(error.cause);
 }

@@ -29,8 +29,8 @@ struct DbError {
 // The number that provider errors carry when the driver gives none of its own.
 inline constexpr qint32 kProviderErrorNumber = -2147467259; // 0x80004005
 
-// The Greek explanation of a failed operation, picked by the ORA code at the
-// start of the description, or the unknown-error text.
+// The Greek explanation of a failed operation, picked by the ORA code in the
+// description (wherever the driver put it), or the unknown-error text.
 [[nodiscard]] QString explainDbError(qint32 number, const QString& description);
 
 // The same header, with the causes chosen by what really went wrong when the

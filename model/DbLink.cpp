@@ -101,9 +101,12 @@ void DbLink::shutdown()
     m_shared->abort = true;
 }
 
-void DbLink::enqueue(std::function<void(Database&)> job, QObject* receiver,
+bool DbLink::enqueue(std::function<void(Database&)> job, QObject* receiver,
                      std::function<void()> done, int deadlineMs)
 {
+    // The console ends: nothing more goes to the connection.
+    if (shuttingDown())
+        return false;
     ++m_pending;
     Item item;
     item.job = std::move(job);
@@ -125,6 +128,7 @@ void DbLink::enqueue(std::function<void(Database&)> job, QObject* receiver,
         m_shared->queue.push_back(std::move(item));
     }
     m_shared->wake.notify_one();
+    return true;
 }
 
 void DbLink::finished(const QPointer<QObject>& receiver, bool hadReceiver,
@@ -149,17 +153,18 @@ void DbLink::waitFor(std::function<void(Database&)> job, int deadlineMs)
     auto loop = std::make_shared<QEventLoop*>(nullptr);
     QEventLoop events;
     *loop = &events;
-    enqueue(
-        [&job, ran](Database& db) {
-            job(db);
-            ran->release();
-        },
-        nullptr,
-        [loop] {
-            if (*loop)
-                (*loop)->quit();
-        },
-        deadlineMs);
+    if (!enqueue(
+            [&job, ran](Database& db) {
+                job(db);
+                ran->release();
+            },
+            nullptr,
+            [loop] {
+                if (*loop)
+                    (*loop)->quit();
+            },
+            deadlineMs))
+        return;
     if (!ran->tryAcquire()) {
         events.exec();
         *loop = nullptr;

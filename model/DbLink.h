@@ -42,20 +42,27 @@ public:
 
     // Runs `job(db)` on the worker, then `done(result)` on the receiver's
     // thread, unless the receiver is gone by then. `done` may run after the
-    // caller's frame has ended: it captures values, never references.
+    // caller's frame has ended: it captures values, never references. Once
+    // shutdown() has begun neither runs.
     template <class Job, class Done>
     void post(QObject* receiver, Job job, Done done, int deadlineMs = kDefaultDeadline)
     {
         using R = std::invoke_result_t<Job&, Database&>;
         auto result = std::make_shared<std::optional<R>>();
         enqueue([job = std::move(job), result](Database& db) mutable { result->emplace(job(db)); },
-                receiver, [done = std::move(done), result]() mutable { done(std::move(**result)); },
+                receiver,
+                [done = std::move(done), result]() mutable {
+                    // A job cut short by the shutdown has no result to give.
+                    if (*result)
+                        done(std::move(**result));
+                },
                 deadlineMs);
     }
 
     // Runs `job(db)` on the worker and returns its result. The calling thread
     // keeps serving every event meanwhile (the caller disables what must not
     // take input), so a timer or a box of another view goes on while it waits.
+    // Once shutdown() has begun the job does not run and R{} comes back.
     template <class Job>
     auto call(Job job, int deadlineMs = kDefaultDeadline) -> std::invoke_result_t<Job&, Database&>
     {
@@ -65,7 +72,7 @@ public:
         } else {
             std::optional<R> result;
             waitFor([&job, &result](Database& db) { result.emplace(job(db)); }, deadlineMs);
-            return std::move(*result);
+            return result ? std::move(*result) : R{};
         }
     }
 
@@ -78,7 +85,8 @@ public:
     void setDefaultDeadline(int ms) { m_defaultDeadline = ms; }
     [[nodiscard]] int defaultDeadline() const { return m_defaultDeadline; }
 
-    // Abandons the running statement and every queued job: the console ends.
+    // Abandons the running statement and every queued job, and refuses new
+    // ones: the console ends.
     void shutdown();
     [[nodiscard]] bool shuttingDown() const;
 
@@ -92,7 +100,8 @@ signals:
 private:
     struct Shared;
 
-    void enqueue(std::function<void(Database&)> job, QObject* receiver, std::function<void()> done,
+    // false when refused (after shutdown()).
+    bool enqueue(std::function<void(Database&)> job, QObject* receiver, std::function<void()> done,
                  int deadlineMs);
     void waitFor(std::function<void(Database&)> job, int deadlineMs);
     void finished(const QPointer<QObject>& receiver, bool hadReceiver,

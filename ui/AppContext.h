@@ -18,6 +18,7 @@ class SettingsStore;
 class QueryFailureReporter;
 class Navigator;
 struct FleetSummary;
+struct PrinterChoice;
 
 // What every view shares: the connection (on its own thread: views post jobs
 // to it and never run a statement themselves), the unit serials of the list
@@ -42,6 +43,13 @@ struct AppContext {
     std::shared_ptr<const FleetSummary> fleet;
     // Opens the overview window ("Επισκόπηση συστημάτων").
     std::function<void()> showOverview;
+
+    // Set by the first drag zoom of any graph and kept for the run: from then
+    // on the right button zooms out, in every graph opened later too.
+    bool graphZoomed = false;
+
+    // The printer chosen last; none until the first print (ui/ChoosePrinter.h).
+    std::shared_ptr<const PrinterChoice> printer;
 
     // The shutdown steps: close the connection (errors ignored) and end the
     // process. Tests replace it to see that it was reached.

@@ -5,10 +5,38 @@
 
 #include <QComboBox>
 #include <QPushButton>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace sx {
+
+namespace {
+
+// A push button whose caption breaks between words when it does not fit on
+// one line; text() stays the caption as written.
+class WrappingButton : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QStylePainter p(this);
+        QStyleOptionButton option;
+        initStyleOption(&option);
+        const QString caption = std::exchange(option.text, QString());
+        p.drawControl(QStyle::CE_PushButton, option);
+        const QRect area = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this);
+        p.drawItemText(area, Qt::AlignCenter | Qt::TextWordWrap, option.palette, isEnabled(),
+                       caption, QPalette::ButtonText);
+    }
+};
+
+} // namespace
 
 void setButtonColor(QPushButton* button, const QColor& color)
 {
@@ -45,14 +73,14 @@ NavigationFrame::NavigationFrame(ViewId own, QWidget* parent)
         int left;
     };
     static constexpr Def kButtons[] = {
-        {ViewId::Current, u"Command1", u"Τρέχουσα\nκατάσταση", 120},
-        {ViewId::Records, u"Command2", u"Αρχείο\nκαταγραφών", 1560},
-        {ViewId::Events, u"Command6", u"Αρχείο\nσυμβάντων", 3000},
+        {ViewId::Current, u"Command1", u"Τρέχουσα κατάσταση", 120},
+        {ViewId::Records, u"Command2", u"Αρχείο καταγραφών", 1560},
+        {ViewId::Events, u"Command6", u"Αρχείο συμβάντων", 3000},
         // The first letter is a Latin M.
         {ViewId::Messages, u"Command3", u"Mηνύματα", 4440},
     };
     for (const Def& d : kButtons) {
-        auto* b = new QPushButton(QString::fromUtf16(d.caption), this);
+        auto* b = new WrappingButton(QString::fromUtf16(d.caption), this);
         b->setObjectName(QString::fromUtf16(d.name));
         b->setFont(uiFont(9, true, true));
         placeAt(b, d.left, 1680, 1335, 735);

@@ -28,6 +28,8 @@ void runReport(AppContext& ctx, QWidget* owner, QPageLayout::Orientation orienta
     }
     if (!ctx.dialogs)
         return;
+    // A PDF chosen last is left out: the preview's print button asks for its own file.
+    useLastPrinter(ctx, printer, false);
     setUpA4(printer, orientation);
     bool failed = false;
     ctx.dialogs->printPreview(owner, printer, [&](QPrinter& target) {
@@ -36,6 +38,8 @@ void runReport(AppContext& ctx, QWidget* owner, QPageLayout::Orientation orienta
             setUpA4(target, orientation);
         failed = !draw(target) || failed;
     });
+    if (printer.outputFormat() == QPrinter::NativeFormat)
+        keepPrinter(ctx, printer);
     if (failed)
         reportPrintFailed(ctx, owner);
 }

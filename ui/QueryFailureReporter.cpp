@@ -26,7 +26,8 @@ QueryFailureReporter::~QueryFailureReporter() = default;
 
 void QueryFailureReporter::report(const DbError& error, QWidget* parent, FailureOrigin origin)
 {
-    if (!error.isError())
+    // A statement cut short by the shutdown is no failure to tell.
+    if (!error.isError() || (m_ctx.db && m_ctx.db->shuttingDown()))
         return;
     ++m_failures;
     if (parent && !m_failedIn.contains(parent))

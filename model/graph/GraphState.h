@@ -19,7 +19,8 @@ struct GraphView {
     friend bool operator==(const GraphView&, const GraphView&) = default;
 };
 
-// The whole state of one open graph window, owned by that window.
+// The state of one open graph window, owned by that window. Whether a zoom
+// was ever made is the application's (AppContext::graphZoomed).
 struct GraphState {
     int firstIndex = 0; // LoadedRecords index of the newest selected record
     int lastIndex = 0;  // LoadedRecords index of the oldest selected record
@@ -28,7 +29,6 @@ struct GraphState {
     float fullBottom = 0.0f;
     float fullTop = 0.0f;
     GraphView view;
-    bool zoomed = false;         // once set, the right button zooms out
     bool justZoomed = false;     // the click after a zooming release adds no marker
     bool scrollUpdating = false; // scroll-bar changes made by the program are ignored
     double scrollFactor = 1.0;   // horizontal scroll units per minute

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -53,20 +54,10 @@ bool hasText(const std::optional<QString>& s)
     return s && !s->isEmpty();
 }
 
-// Whole location numbers in numeric order, then any other text.
+// By the text of the location column ("10" before "9"); the serial settles ties.
 bool locationBefore(const Unit& a, const Unit& b)
 {
-    bool aNumber = false;
-    bool bNumber = false;
-    const qint64 na = a.location.trimmed().toLongLong(&aNumber);
-    const qint64 nb = b.location.trimmed().toLongLong(&bNumber);
-    if (aNumber != bNumber)
-        return aNumber;
-    if (aNumber && na != nb)
-        return na < nb;
-    if (!aNumber && a.location != b.location)
-        return a.location < b.location;
-    return a.serial < b.serial;
+    return std::tie(a.location, a.serial) < std::tie(b.location, b.serial);
 }
 
 qint32 clampToInt32(qint64 v)

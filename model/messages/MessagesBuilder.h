@@ -36,10 +36,9 @@ struct MessagesText {
 //   is shown as empty text; a NULL recipients mark belongs to neither list
 //   (the SQL conditions <>0 and =0 both exclude it). A unit whose serial is
 //   NULL or empty is skipped: the message check would read it as "every unit".
-// - Units are ordered by location number as a number when it is one (so 2
-//   comes before 10), other texts after them in text order, ties by serial.
-//   Messages, zones and fault rows are ordered on the client as well, so SQLite
-//   and PostgreSQL place NULLs alike.
+// - Units are ordered by the text of their location (so 10 comes before 2),
+//   ties by serial. Messages, zones and fault rows are ordered on the client
+//   as well, so SQLite and PostgreSQL place NULLs alike.
 // - Zone names and types are read once per unit (one Sensors_Info query) and
 //   power-input names once per unit, when first needed.
 [[nodiscard]] MessagesText buildMessagesText(Database& db, MessageKind kind,

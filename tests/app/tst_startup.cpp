@@ -515,7 +515,16 @@ private slots:
         QCOMPARE(QCoreApplication::exec(), 0);
         QVERIFY(ended);
         QVERIFY(innerLeft);
-        QVERIFY(!f.link.isOpen());
+        // Nothing more reaches the connection; what must still run waits for the next start.
+        bool ran = false;
+        f.link.post(
+            nullptr, [&ran](Database&) { return ran = true; }, [&ran](bool) { ran = true; });
+        QVERIFY(!f.link.call([&ran](Database&) { return ran = true; }));
+        f.failures->runWhenBack(u"DELETE FROM Terminal_Requests"_s);
+        QVERIFY(!f.failures->ensureConnection(FailureOrigin::User));
+        QCoreApplication::processEvents();
+        QVERIFY(!ran);
+        QCOMPARE(f.failures->pendingStatements(), QStringList{u"DELETE FROM Terminal_Requests"_s});
         QVERIFY(window.isVisible());
         QVERIFY(f.dialogs.shown().isEmpty());
     }

@@ -138,6 +138,10 @@ private slots:
         row("03135", u"ORA-03135: connection lost contact"_s, kCauseDisconnected);
         row("other code", u"ORA-00942: table or view does not exist"_s, kUnknownOracle);
         row("code cut short", u"ORA-121"_s, kUnknownOracle);
+        // The driver's own text comes first.
+        row("after driver text", u"Unable to logon: ORA-12541: TNS:no listener"_s,
+            u"1. "_s + kNotRunning);
+        row("inside the text", u"[Oracle][ODBC]ORA-01017: could not connect"_s, kCauseCredentials);
         // A message that also reads as unreachable keeps the code's own causes.
         row("ORA beats the message", u"ORA-01017: could not connect"_s, kCauseCredentials);
         row("lower-case ora is not oracle", u"ora-12170: timeout"_s, kUnknownProvider);

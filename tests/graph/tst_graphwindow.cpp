@@ -201,7 +201,7 @@ private slots:
         graph::GraphView zoomed{full.startSecs + 50 * 60, 100, 7.0f, 23.0f};
         QCOMPARE(g->state().view, zoomed);
         QCOMPARE(g->chartPaints(), ++paints);
-        QVERIFY(g->state().zoomed);
+        QVERIFY(m_fx->ctx.graphZoomed);
         // The click that ends a drag adds no marker; the band is gone.
         QVERIFY(g->state().markers.empty());
         QVERIFY(!g->chart()->rubberBand());
@@ -227,6 +227,11 @@ private slots:
         // Zooming out of the full view draws the same view again.
         QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
         QCOMPARE(g->state().view, full);
+        // The zoom is the application's: a graph opened again zooms out without one.
+        GraphWindow* again = openGraphOn(0, 199);
+        paints = again->chartPaints();
+        QTest::mouseClick(again->chart(), Qt::RightButton, {}, again->pixelOf({50, 10}).toPoint());
+        QCOMPARE(again->chartPaints(), paints + 1);
     }
     void scrollingMovesTheViewInWholeMinutesAndValues()
     {
@@ -345,7 +350,13 @@ private slots:
 
         // The marked points: cancelled, then on pages of their own, each entry whole on one.
         QVERIFY(!QFile::exists(printTo(g, false)));
-        const QStringList pages = pdfPages(printTo(g));
+        const QString marked = printTo(g);
+        const QStringList pages = pdfPages(marked);
+        // The next print dialog starts from the printer chosen last.
+        QString offered;
+        m_fx->dialogs.answerPrint(false, [&offered](QPrinter& p) { offered = p.outputFileName(); });
+        g->printButton()->click();
+        QCOMPARE(offered, marked);
         QVERIFY2(pages.size() >= 2, qPrintable(QString::number(pages.size())));
         for (int i = 0; i < pages.size(); ++i) {
             QVERIFY(pages[i].contains(u"SENTORAX Monitor / ΜΑΡΚΑΡΙΣΜΕΝΑ ΣΗΜΕΙΑ"_s));

@@ -132,13 +132,13 @@ private slots:
                "@ΕΓΙΝΕ ΔΙΑΚΟΠΗ ΣΤΗΝ ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ\n~"_s;
         const QString battery =
             u"\n\nΜΗΝΥΜΑΤΑ ΓΙΑ ΤΗ ΚΑΤΑΣΤΑΣΗ ΤΟΥ ΣΥΣΤΗΜΑΤΟΣ:\nΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ\n~"_s;
-        QTest::newRow("units by location number; a quote in a serial; an empty serial skipped")
+        QTest::newRow("units by location text; a quote in a serial; an empty serial skipped")
             << kNew
             << u"U A,'10','Γ',1; U B,'2','Β',1; U O'Neil,'1','Α',1; U ,'0','Κενό',1;"
                "F A,0,'3'; F B,0,'3'; F O'Neil,0,'3'; F ,0,'3'"_s
             << u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Α [1] (O'Neil)"_s + battery +
-                   u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Β [2] (B)"_s + battery +
-                   u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Γ [10] (A)"_s + battery;
+                   u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Γ [10] (A)"_s + battery +
+                   u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Β [2] (B)"_s + battery;
     }
 
     void text()

@@ -1,7 +1,5 @@
 #include "views/common/ArchiveGrid.h"
 
-#include "reports/Twips.h"
-
 #include <QFontMetricsF>
 #include <QStyle>
 
@@ -17,7 +15,7 @@ ArchiveGrid::ArchiveGrid(QWidget* parent) : QTableView(parent)
     setSelectionMode(QAbstractItemView::ContiguousSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setWordWrap(false);
-    setCornerButtonEnabled(true);
+    verticalHeader()->hide();
     setHighlight(false);
 }
 
@@ -45,9 +43,7 @@ void ArchiveGrid::setUpColumns(const QStringList& captions, int cellMargin,
     rows->setSectionResizeMode(rowMode);
     rows->setMinimumSectionSize(1);
     rows->setDefaultSectionSize(static_cast<int>(std::ceil(fm.height())) + 4);
-    rows->setFixedWidth(twips(240, this));
-    rows->setHighlightSections(false);
-    resize(rows->width() + width + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) +
+    resize(width + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) +
                2 * frameWidth(),
            height());
 }

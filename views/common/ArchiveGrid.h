@@ -7,9 +7,9 @@
 
 namespace sx {
 
-// The archive grid (MSFlexGrid1) of the records and events views: whole rows,
-// one contiguous range. Its select-all (Ctrl+A, the corner button) asks the
-// window first.
+// The archive grid (MSFlexGrid1) of the records and events views: two columns
+// under one header row and no fixed column; whole rows, one contiguous range.
+// Its select-all (Ctrl+A) asks the window first.
 class ArchiveGrid : public QTableView {
     Q_OBJECT
 public:
@@ -20,9 +20,8 @@ public:
     void setHighlight(bool on);
     [[nodiscard]] bool highlight() const { return m_highlight; }
 
-    // Blue captions on white, each column as wide as its caption, narrow row
-    // selectors without numbers (they carry the corner button), and the grid
-    // as wide as its columns, the selectors and a vertical scroll bar.
+    // Blue captions on white, each column as wide as its caption, no row
+    // selectors, and the grid as wide as its columns and a vertical scroll bar.
     void setUpColumns(const QStringList& captions, int cellMargin, QHeaderView::ResizeMode rowMode);
 
     std::function<void()> onSelectAll;

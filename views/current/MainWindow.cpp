@@ -258,11 +258,16 @@ void MainWindow::unitSelected(int)
 
 void MainWindow::refresh()
 {
+    AppContext& ctx = context();
+    // The console ends: the timer stays off.
+    if (ctx.db && ctx.db->shuttingDown()) {
+        m_timer.stop();
+        return;
+    }
     // One round at a time; a round that comes back for another unit starts the next.
     if (m_refreshing)
         return;
     m_timer.stop();
-    AppContext& ctx = context();
     if (systemSelect()->count() == 0 || unitIndex() < 0) {
         // No unit, no refresh. A list that could not be read, or was empty
         // (a database still being set up), is read again every round.

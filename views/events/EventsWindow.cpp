@@ -268,7 +268,6 @@ void EventsWindow::buildGrid(QWidget* central)
 
     m_grid->setUpColumns({EventsModel::headerText(0), EventsModel::headerText(1)}, kCellMargin,
                          QHeaderView::Interactive);
-    m_grid->verticalHeader()->setSectionsClickable(false);
     m_baseGrid = m_grid->size();
 }
 

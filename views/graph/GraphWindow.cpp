@@ -522,13 +522,13 @@ void GraphWindow::mouseUp(Qt::MouseButton button, QPointF)
     m_lastButton = button;
     m_chart->setRubberBand(std::nullopt);
     if (button == Qt::LeftButton && m_dragEnd) {
-        m_state.zoomed = true;
+        m_ctx.graphZoomed = true;
         if (const std::optional<GraphView> view = dragZoom(m_state, m_dragStart, *m_dragEnd))
             showView(*view);
         m_dragEnd.reset();
         m_state.justZoomed = true;
     } else if (button == Qt::RightButton) {
-        if (m_state.zoomed) {
+        if (m_ctx.graphZoomed) {
             showView(zoomOut(m_state));
             m_dragEnd.reset();
             m_state.justZoomed = true;

@@ -58,7 +58,7 @@ OverviewWindow* FleetWatch::overview() const
 void FleetWatch::refresh()
 {
     // One read at a time; a tick that comes while one is on its way is skipped.
-    if (m_reading || !m_ctx.db)
+    if (m_reading || !m_ctx.db || m_ctx.db->shuttingDown())
         return;
     QueryFailureReporter* failures = m_ctx.failures;
     if (failures && !failures->ensureConnection()) {
