@@ -11,6 +11,9 @@ target_compile_definitions(sx_config INTERFACE
     SX_VERSION="${PROJECT_VERSION}")
 if(SX_SANITIZE)
     list(JOIN SX_SANITIZE "," _sx_san)
-    target_compile_options(sx_config INTERFACE -fsanitize=${_sx_san} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    # -O1 -g1 after the build type's own flags: the checks stay, code and debug info
+    # shrink, so the tree builds and its tests run faster than at -O0 -g.
+    target_compile_options(sx_config INTERFACE -fsanitize=${_sx_san} -fno-omit-frame-pointer
+                           -fno-sanitize-recover=all -O1 -g1)
     target_link_options(sx_config INTERFACE -fsanitize=${_sx_san})
 endif()
