@@ -31,14 +31,10 @@ QString schemaTemplate(Database& server, const ConnectionSettings& admin, DbErro
             .toHex()
             .left(12);
     const QString name = u"sx_template_"_s + QString::fromLatin1(digest);
-    const QString exists = u"SELECT 1 FROM pg_database WHERE datname = '"_s + name + u'\'';
-    if (server.exists(exists, &e) || e.isError())
-        return e.isError() ? QString() : (made = name);
     const QString lock = u"(hashtext('"_s + name + u"'))"_s;
     e = server.exec(u"SELECT pg_advisory_lock"_s + lock);
-    if (e.isError())
-        return {};
-    if (!server.exists(exists, &e) && !e.isError()) {
+    const QString exists = u"SELECT 1 FROM pg_database WHERE datname = '"_s + name + u'\'';
+    if (!e.isError() && !server.exists(exists, &e) && !e.isError()) {
         ConnectionSettings building = admin;
         building.dataSource = name + u"_new"_s;
         e = server.exec(u"DROP DATABASE IF EXISTS "_s + building.dataSource + u" WITH (FORCE)"_s);
