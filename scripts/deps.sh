@@ -1,6 +1,6 @@
 # Sourced by the scripts: installs the Debian packages the project needs.
 SX_PACKAGES=(
-    build-essential cmake ninja-build pkg-config
+    build-essential cmake ninja-build pkg-config lld
     qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libgl-dev
     libsqlite3-dev libpq-dev libquazip1-qt6-dev
     postgresql dbus

@@ -22,7 +22,11 @@ sx_free_port() {
 pg_start() {
     local bin
     bin=$(sx_pg_bin) || return 1
-    SX_PG_DIR=$(mktemp -d /tmp/sx-pg.XXXXXX)
+    # In memory where there is a tmpfs: a database is some hundred files, and the tests
+    # make and drop one for nearly every case.
+    local base=/tmp
+    [ -d /dev/shm ] && [ -w /dev/shm ] && base=/dev/shm
+    SX_PG_DIR=$(mktemp -d "$base/sx-pg.XXXXXX")
     SX_PG_PORT=$(sx_free_port)
     chmod 755 "$SX_PG_DIR"
     echo pvlrkmzd5173 >"$SX_PG_DIR/pw"

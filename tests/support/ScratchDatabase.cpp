@@ -4,6 +4,9 @@
 
 #include <QAtomicInt>
 #include <QCoreApplication>
+#include <QCryptographicHash>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -11,7 +14,48 @@ namespace sx::test {
 
 namespace {
 QAtomicInt g_counter;
+
+// The server's database that holds the schema; copying it is cheaper than running
+// the schema's statements in every scratch database. Its name carries a digest of
+// those statements, so a server that outlives a change of schema gets a new one.
+// The first process that needs it makes it under an advisory lock, under another
+// name first, so that a copy never meets a half-made template.
+QString schemaTemplate(Database& server, const ConnectionSettings& admin, DbError& e)
+{
+    static QString made;
+    if (!made.isEmpty())
+        return made;
+    const QByteArray digest =
+        QCryptographicHash::hash(sim::schemaStatements(DbKind::PostgreSQL).join(u';').toUtf8(),
+                                 QCryptographicHash::Md5)
+            .toHex()
+            .left(12);
+    const QString name = u"sx_template_"_s + QString::fromLatin1(digest);
+    const QString lock = u"(hashtext('"_s + name + u"'))"_s;
+    e = server.exec(u"SELECT pg_advisory_lock"_s + lock);
+    const QString exists = u"SELECT 1 FROM pg_database WHERE datname = '"_s + name + u'\'';
+    if (!e.isError() && !server.exists(exists, &e) && !e.isError()) {
+        ConnectionSettings building = admin;
+        building.dataSource = name + u"_new"_s;
+        e = server.exec(u"DROP DATABASE IF EXISTS "_s + building.dataSource + u" WITH (FORCE)"_s);
+        if (!e.isError())
+            e = server.exec(u"CREATE DATABASE "_s + building.dataSource);
+        if (!e.isError()) {
+            Database db;
+            db.allowGuiThread();
+            e = db.open(building);
+            if (!e.isError())
+                e = sim::createSchema(db);
+        }
+        if (!e.isError())
+            e = server.exec(u"ALTER DATABASE "_s + building.dataSource + u" RENAME TO "_s + name);
+    }
+    const DbError unlocked = server.exec(u"SELECT pg_advisory_unlock"_s + lock);
+    if (!e.isError())
+        e = unlocked;
+    return e.isError() ? QString() : (made = name);
 }
+} // namespace
 
 QString ScratchDatabase::serverUrl()
 {
@@ -39,31 +83,53 @@ ScratchDatabase::ScratchDatabase()
     m_settings = m_admin;
     m_settings.dataSource = u"sx_t_%1_%2"_s.arg(QCoreApplication::applicationPid())
                                 .arg(g_counter.fetchAndAddRelaxed(1));
-    Database admin;
-    admin.allowGuiThread();
-    DbError e = admin.open(m_admin);
-    if (!e.isError()) {
-        e = admin.exec(u"CREATE DATABASE "_s + m_settings.dataSource);
-    }
+    // A server that does not answer shows here, where the test asks for problem().
+    m_server.allowGuiThread();
+    const DbError e = m_server.open(m_admin);
     if (e.isError())
         m_problem = u"cannot create a test database: "_s + e.description;
 }
 
 ScratchDatabase::~ScratchDatabase()
 {
-    if (isPostgres() && m_problem.isEmpty()) {
-        Database admin;
-        admin.allowGuiThread();
-        if (!admin.open(m_admin).isError())
-            (void)admin.exec(u"DROP DATABASE IF EXISTS "_s + m_settings.dataSource +
-                             u" WITH (FORCE)"_s);
+    if (!m_created)
+        return;
+    const QString drop = u"DROP DATABASE IF EXISTS "_s + m_settings.dataSource + u" WITH (FORCE)"_s;
+    // The test may have cut this connection, as it cuts others.
+    if (m_server.exec(drop).isError() && !m_server.reopen().isError())
+        (void)m_server.exec(drop);
+}
+
+void ScratchDatabase::create(bool withSchema) const
+{
+    if (!isPostgres() || m_created || !m_problem.isEmpty())
+        return;
+    DbError e;
+    QString sql = u"CREATE DATABASE "_s + m_settings.dataSource;
+    if (withSchema)
+        sql += u" TEMPLATE "_s + schemaTemplate(m_server, m_admin, e);
+    if (!e.isError())
+        e = m_server.exec(sql);
+    if (e.isError()) {
+        m_problem = u"cannot create a test database: "_s + e.description;
+        qWarning("scratch database: %s", qPrintable(m_problem));
+        return;
     }
+    m_created = true;
+    m_cloned = withSchema;
+}
+
+const ConnectionSettings& ScratchDatabase::settings() const
+{
+    create(false);
+    return m_settings;
 }
 
 QString ScratchDatabase::url() const
 {
     if (!isPostgres())
         return u"sqlite:"_s + m_settings.file;
+    create(false);
     return u"postgresql://%1:%2@%3:%4/%5"_s.arg(m_settings.user, m_settings.password,
                                                 m_settings.serverIp, m_settings.serverPort,
                                                 m_settings.dataSource);
@@ -71,12 +137,14 @@ QString ScratchDatabase::url() const
 
 bool ScratchDatabase::open(Database& db, bool withSchema)
 {
+    create(withSchema);
     if (!m_problem.isEmpty())
         return false;
     // The test's own connection: seeding and checking run on the test's thread.
     db.allowGuiThread();
     DbError e = db.open(m_settings, Database::OpenMode::CreateIfMissing);
-    if (!e.isError() && withSchema)
+    // A copy of the template has the schema already; later calls run it again, as on SQLite.
+    if (!e.isError() && withSchema && !std::exchange(m_cloned, false))
         e = sim::createSchema(db);
     if (e.isError()) {
         qWarning("scratch database: %s", qPrintable(e.description));

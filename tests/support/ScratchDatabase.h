@@ -12,7 +12,9 @@ namespace sx::test {
 
 // A fresh, empty database of the kind the test run names (SX_TEST_DB =
 // "sqlite" or "postgresql"): a file in a temporary folder, or a new database
-// on the server of SX_TEST_PG, dropped again at the end.
+// on the server of SX_TEST_PG, dropped again at the end. The server's database
+// is made on first use: a copy of a template that holds the schema when that
+// use is open() with the schema, an empty one otherwise.
 class ScratchDatabase {
 public:
     ScratchDatabase();
@@ -23,7 +25,7 @@ public:
     // Empty when the database is ready; else why it could not be made.
     [[nodiscard]] QString problem() const { return m_problem; }
     [[nodiscard]] bool isPostgres() const { return m_settings.kind == DbKind::PostgreSQL; }
-    [[nodiscard]] const ConnectionSettings& settings() const { return m_settings; }
+    [[nodiscard]] const ConnectionSettings& settings() const;
     // The --db argument of the simulator for this database.
     [[nodiscard]] QString url() const;
     // A folder that lives as long as this object.
@@ -37,10 +39,16 @@ public:
     [[nodiscard]] static QString kindName();
 
 private:
+    void create(bool withSchema) const;
+
     QTemporaryDir m_dir;
     ConnectionSettings m_settings;
     ConnectionSettings m_admin;
-    QString m_problem;
+    // The database is made on first use, which may be a const accessor.
+    mutable Database m_server;
+    mutable QString m_problem;
+    mutable bool m_created = false;
+    mutable bool m_cloned = false;
 };
 
 } // namespace sx::test

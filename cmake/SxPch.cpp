@@ -1,0 +1,1 @@
+// The source of the shared precompiled headers (cmake/SxPch.cmake); it adds no code.
