@@ -8,6 +8,7 @@
 #include "reports/ReportPainter.h"
 #include "reports/graph/GraphPainting.h"
 
+#include <QHash>
 #include <QPagedPaintDevice>
 #include <QPrinter>
 
@@ -137,7 +138,7 @@ bool drawSummaryReport(QPagedPaintDevice& device, const summary::SummaryInput& i
     };
 
     int page = -1;
-    QList<const Block*> heads(4, nullptr);
+    QHash<int, const Block*> heads; // the last head of each table
     for (qsizetype i = 0; i < blocks.size(); ++i) {
         const Block& b = blocks[i];
         const Placement& at = plan.blocks[i];
@@ -149,8 +150,8 @@ bool drawSummaryReport(QPagedPaintDevice& device, const summary::SummaryInput& i
         }
         if (b.head)
             heads[b.table] = &b;
-        if (at.headAbove && heads.value(b.table))
-            printCells(*heads[b.table], at.y - headHeight);
+        if (const Block* head = heads.value(b.table); at.headAbove && head)
+            printCells(*head, at.y - headHeight);
         switch (b.kind) {
         case Block::Kind::Line:
             painter.setCurrentX(kMarginMm);
