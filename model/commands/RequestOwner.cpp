@@ -14,19 +14,14 @@ using namespace Qt::StringLiterals;
 
 namespace sx::commands {
 
-QString requestOwnerPrefix()
+QString newRequestOwner()
 {
     // The start time keeps a reused process id on the same host apart.
     static const QString prefix = QSysInfo::machineHostName() + u'/' +
                                   QString::number(QCoreApplication::applicationPid()) + u'/' +
                                   QString::number(QDateTime::currentMSecsSinceEpoch(), 36) + u'/';
-    return prefix;
-}
-
-QString newRequestOwner()
-{
     static std::atomic<quint64> counter{0};
-    return requestOwnerPrefix() + QString::number(++counter);
+    return prefix + QString::number(++counter);
 }
 
 bool hasRequestOwnerColumn(Database& db, DbError* error)

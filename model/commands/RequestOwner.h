@@ -13,9 +13,8 @@ class Database;
 // identical rows; the owner column tells them apart where the database has it.
 namespace sx::commands {
 
-// This process: host, process id and start time, the same for all its requests.
-[[nodiscard]] QString requestOwnerPrefix();
-// A token no other request of any console carries: the prefix and a counter.
+// A token no other request of any console carries: host, process id, start
+// time and a counter.
 [[nodiscard]] QString newRequestOwner();
 
 // Whether Terminal_Requests has the owner column. A catalog read, so a missing

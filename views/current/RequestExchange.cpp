@@ -149,21 +149,18 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
             w.column.known = true;
         }
         const QString owner = w.column.present ? token : QString();
-        // A completed row like ours left from before (its removal failed, or
-        // its console ended) would pass for our answer without owners: it goes
-        // first. With owners only this console's own left-overs go; another
-        // console's row is never ours to remove.
-        QString stale =
-            u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s +
-            commands::requestRowWhere(request.serial, request.type, request.attributes, {}) +
-            u" AND TrmReq_Requestcompleted<>0"_s;
-        if (!owner.isEmpty()) {
-            const QString prefix = commands::requestOwnerPrefix();
-            stale += u" AND substr(TrmReq_Requestowner, 1, "_s + QString::number(prefix.size()) +
-                     u")="_s + sqlQuote(prefix);
+        // Without owners a completed row like ours left from before (its
+        // removal failed, or its console ended) would pass for our answer: it
+        // goes first. With owners nothing else passes for ours, and another
+        // console's row, answered or not, is never ours to remove.
+        if (owner.isEmpty()) {
+            const QString stale =
+                u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s +
+                commands::requestRowWhere(request.serial, request.type, request.attributes, {}) +
+                u" AND TrmReq_Requestcompleted<>0"_s;
+            if ((w.error = db.exec(stale)).isError())
+                return w;
         }
-        if ((w.error = db.exec(stale)).isError())
-            return w;
         QList<SqlAssignment> row{{TR::TrmReq_SyI_Serialnumber, request.serial},
                                  {TR::TrmReq_Requesttype, qint64(request.type)},
                                  {TR::TrmReq_Attributes, request.attributes},
