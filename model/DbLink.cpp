@@ -36,6 +36,7 @@ struct DbLink::Shared {
     std::deque<Item> queue;
     bool stop = false;
     std::atomic<bool> abort{false};
+    std::atomic<quint64> connection{1};
 
     void run()
     {
@@ -55,6 +56,9 @@ struct DbLink::Shared {
             if (!abort.load()) {
                 db.setDeadline(item.deadlineMs);
                 item.job(db);
+                // A reopen after this is another connection, maybe to another server.
+                if (!db.isOpen() || db.connectionLost())
+                    ++connection;
             }
             if (item.after)
                 item.after(db.connectionLost());
@@ -186,7 +190,15 @@ void DbLink::waitFor(std::function<void(Database&)> job, int deadlineMs)
 DbError DbLink::openAndWait(const ConnectionSettings& settings)
 {
     m_settings = settings;
-    return call([settings](Database& db) { return db.open(settings); });
+    return call([settings, shared = m_shared](Database& db) {
+        ++shared->connection;
+        return db.open(settings);
+    });
+}
+
+quint64 DbLink::connectionNumber() const
+{
+    return m_shared->connection.load();
 }
 
 void DbLink::close(QObject* receiver, std::function<void()> done)

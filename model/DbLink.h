@@ -90,6 +90,11 @@ public:
     void shutdown();
     [[nodiscard]] bool shuttingDown() const;
 
+    // Changes whenever the connection may be a different one (opened, closed,
+    // found lost): what a console learnt of the database holds while it stays.
+    // Safe to read from any thread, a job's included.
+    [[nodiscard]] quint64 connectionNumber() const;
+
     // Used by the tests: the connection as seen from the worker, after the queue.
     [[nodiscard]] bool isOpen();
 

@@ -127,6 +127,8 @@ inline constexpr QStringView TrmReq_Requesttype = u"TrmReq_Requesttype";
 inline constexpr QStringView TrmReq_Attributes = u"TrmReq_Attributes";
 inline constexpr QStringView TrmReq_Requestcompleted = u"TrmReq_Requestcompleted";
 inline constexpr QStringView TrmReq_Requestreply = u"TrmReq_Requestreply";
+// Which console wrote the row; the server ignores it. Older databases lack it.
+inline constexpr QStringView TrmReq_Requestowner = u"TrmReq_Requestowner";
 } // namespace TerminalRequests
 
 } // namespace sx::schema

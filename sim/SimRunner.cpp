@@ -122,6 +122,10 @@ int runLive(Database& db, const SimOptions& o, QTextStream& out, QTextStream& er
     }
     if (DbError e = ensureUnitCodeTable(db); e.isError())
         return fail(err, e.description);
+    // Consoles of this time name their request rows; a database of an older server gains the
+    // column.
+    if (DbError e = ensureRequestOwnerColumn(db); e.isError())
+        return fail(err, u"cannot add the request owner column: "_s + e.description);
 
     RequestPolicy policy;
     policy.answerDelayMs = o.answerDelayMs;

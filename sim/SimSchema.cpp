@@ -1,5 +1,7 @@
 #include "sim/SimSchema.h"
 
+#include "model/commands/RequestOwner.h"
+
 using namespace Qt::StringLiterals;
 
 namespace sx::sim {
@@ -128,7 +130,8 @@ const std::initializer_list<Table>& tables()
           {u"TrmReq_Requesttype", 's'},
           {u"TrmReq_Attributes", 't'},
           {u"TrmReq_Requestcompleted", 's'},
-          {u"TrmReq_Requestreply", 's'}},
+          {u"TrmReq_Requestreply", 's'},
+          {u"TrmReq_Requestowner", 't'}},
          nullptr,
          {u"TrmReq_SyI_Serialnumber"}},
     };
@@ -205,7 +208,16 @@ DbError createSchema(Database& db)
         if (e.isError())
             return e;
     }
-    return {};
+    return ensureRequestOwnerColumn(db);
+}
+
+DbError ensureRequestOwnerColumn(Database& db)
+{
+    DbError e;
+    if (commands::hasRequestOwnerColumn(db, &e) || e.isError())
+        return e;
+    return db.exec(u"ALTER TABLE Terminal_Requests ADD COLUMN TrmReq_Requestowner "_s +
+                   typeName(db.kind(), 't'));
 }
 
 } // namespace sx::sim

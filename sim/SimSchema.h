@@ -21,4 +21,8 @@ struct SchemaColumn {
 // Creates every table that is missing. Running it twice does no harm.
 DbError createSchema(Database& db);
 
+// Adds the column in which consoles name their request rows to a database
+// made before it existed; nothing when it is there.
+DbError ensureRequestOwnerColumn(Database& db);
+
 } // namespace sx::sim

@@ -5,6 +5,7 @@
 #include "model/Database.h"
 #include "model/DbLink.h"
 #include "model/LoadedRecords.h"
+#include "model/commands/RequestOwner.h"
 
 #include <QDateTime>
 #include <QStringList>
@@ -47,6 +48,10 @@ struct AppContext {
     // Set by the first drag zoom of any graph and kept for the run: from then
     // on the right button zooms out, in every graph opened later too.
     bool graphZoomed = false;
+
+    // Whether the request table names each row's console, as learnt on the
+    // connection of that time (views/current/RequestExchange.cpp).
+    commands::RequestOwnerColumn requestOwnerColumn;
 
     // The printer chosen last; none until the first print (ui/ChoosePrinter.h).
     std::shared_ptr<const PrinterChoice> printer;

@@ -314,9 +314,12 @@ private slots:
         // A stale, answered row of another console must not be taken for ours.
         row("other rows of the unit are left alone", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
             {relayAsk}, relay + u"1"_s, 1, {}, u"stale"_s, {u"SX100002|3|0042;1;0|1"_s});
-        // An answered row like ours, left from an earlier command (reply 2), is not our answer.
+        // An answered row like ours, left from an earlier command (reply 2), is not our
+        // answer; it is another console's to remove, unless rows name no console.
         row("a leftover answer is not ours", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, relay + u"1"_s, 1, {}, u"leftover"_s);
+            {relayAsk}, relay + u"1"_s, 1, {}, u"leftover"_s, {u"SX100002|2|0042;1|1"_s});
+        row("without owners a leftover answer goes", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
+            {relayAsk}, relay + u"1"_s, 1, {}, u"old leftover"_s);
         // Another console sends the same command while we wait: the server answers both
         // rows at once (it waits a second here, so that both are there), and that console's
         // row stays for it to read and remove.
@@ -372,10 +375,17 @@ private slots:
         std::unique_ptr<QueryFailureReporter> ending;
         const QString pendingFile = fx->settings->pendingStatementsFile();
         if (meanwhile == u"stale")
-            QVERIFY(fx->exec(insert + u"('SX100002', 3, '0042;1;0', 1, 2)"_s));
-        else if (meanwhile == u"leftover")
-            QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 1, 2)"_s));
-        else if (meanwhile == u"restart") {
+            QVERIFY(fx->exec(insert + u"('SX100002', 3, '0042;1;0', 1, 2, NULL)"_s));
+        else if (meanwhile.endsWith(u"leftover")) {
+            // A database of an older server: its rows name no console.
+            if (meanwhile == u"old leftover")
+                QVERIFY(
+                    fx->exec(u"ALTER TABLE Terminal_Requests DROP COLUMN TrmReq_Requestowner"_s));
+            fx->ctx.requestOwnerColumn = {};
+            QVERIFY(fx->exec(u"INSERT INTO Terminal_Requests (TrmReq_SyI_Serialnumber, "
+                             u"TrmReq_Requesttype, TrmReq_Attributes, TrmReq_Requestcompleted, "
+                             u"TrmReq_Requestreply) VALUES ('SX100002', 2, '0042;1', 1, 2)"_s));
+        } else if (meanwhile == u"restart") {
             ending = std::make_unique<QueryFailureReporter>(fx->ctx);
             ending->keepPendingIn(pendingFile);
             fx->ctx.failures = ending.get();
@@ -418,7 +428,7 @@ private slots:
             if (s.text != u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ")
                 return;
             if (meanwhile == u"late twin")
-                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0)"_s));
+                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
             else if (meanwhile == u"restart") // nothing there to remove after the answer
                 QVERIFY(fx->exec(u"ALTER TABLE Terminal_Requests RENAME TO Requests_away"_s));
         };
@@ -433,7 +443,7 @@ private slots:
                                                serial + u"|"_s + sent + u"|0|0"_s);
         if (meanwhile == u"twin")
             watch->onOwnRow = [&] {
-                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0)"_s));
+                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
             };
         else if (meanwhile == u"late twin" || meanwhile == u"restart")
             watch->onOwnRow = [this] { // as the server would
@@ -453,6 +463,10 @@ private slots:
             QVERIFY(fx->exec(u"ALTER TABLE Requests_away RENAME TO Terminal_Requests"_s));
         }
         const QStringList leftOver = meanwhile.startsWith(u"drop") ? QStringList() : requestsLeft();
+        if (meanwhile == u"old leftover") {
+            QVERIFY(!sim::ensureRequestOwnerColumn(fx->db).isError());
+            fx->ctx.requestOwnerColumn = {};
+        }
         if (meanwhile.startsWith(u"drop")) {
             fx->failures->clear();
             QVERIFY(!sim::createSchema(fx->db).isError());

@@ -192,9 +192,10 @@ private slots:
     {
         insertRequest(u"SX100002"_s, 2, u"0042;1"_s);
         insertRequest(u"SX100002"_s, 2, u"0042;1"_s); // identical rows are answered together
-        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100001', 2, NULL, 0, 0), "
-                           "(NULL, 2, '1234;1', 0, 0), ('SX100003', 2, '1234;0', 1, 4)"_s)
-                     .isError());
+        QVERIFY(
+            !m_db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100001', 2, NULL, 0, 0, NULL), "
+                       "(NULL, 2, '1234;1', 0, 0, NULL), ('SX100003', 2, '1234;0', 1, 4, NULL)"_s)
+                 .isError());
         QCOMPARE(answerNow(), 3);            // the identical pair counts once
         QCOMPARE(replyOf(u"SX100001"_s), 2); // missing attributes are malformed
         QCOMPARE(replyOf(u"SX100003"_s), 4); // a completed row is left alone
@@ -308,7 +309,8 @@ private slots:
         policy.answerDelayMs = 0;
         sim::RequestHandler requests(m_db, policy, [this] { return m_now; });
         QVERIFY(
-            !m_db.exec(u"INSERT INTO Terminal_Requests VALUES ('SX100001', 3, '1234;3;1', 0, 0)"_s)
+            !m_db.exec(
+                     u"INSERT INTO Terminal_Requests VALUES ('SX100001', 3, '1234;3;1', 0, 0, NULL)"_s)
                  .isError());
         QVERIFY(!requests.poll(0).isError());
 
@@ -367,7 +369,7 @@ private slots:
 private:
     void insertRequest(const QString& serial, int type, const QString& attributes)
     {
-        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES (%1, %2, %3, 0, 0)"_s
+        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES (%1, %2, %3, 0, 0, NULL)"_s
                                .arg(sqlQuote(serial))
                                .arg(type)
                                .arg(sqlQuote(attributes)))

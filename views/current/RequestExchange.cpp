@@ -3,6 +3,7 @@
 #include "model/Dialect.h"
 #include "model/Schema.h"
 #include "model/commands/CommandRules.h"
+#include "model/commands/RequestOwner.h"
 #include "ui/AppContext.h"
 #include "ui/DialogService.h"
 #include "ui/GeneralDelay.h"
@@ -82,18 +83,14 @@ void reportFailure(AppContext& ctx, const DbError& error, QWidget* window)
         ctx.failures->reportAction(error, window);
 }
 
-QString ownRowWhere(const TerminalRequest& request)
-{
-    return u"TrmReq_SyI_Serialnumber="_s + sqlQuote(request.serial) +
-           u" AND TrmReq_Requesttype="_s + QString::number(request.type) +
-           u" AND TrmReq_Attributes="_s + sqlQuote(request.attributes);
-}
-
-// Removes one row like ours, the completed ones first when `completedFirst`,
-// else the waiting ones first. Kinds without a row identity remove them all.
-QString deleteOneSql(DbKind kind, const QString& ownRow, bool completedFirst)
+// Removes our row. Without an owner: one row like ours, the completed ones
+// first when `completedFirst`, else the waiting ones first; kinds without a
+// row identity remove them all.
+QString deleteOneSql(DbKind kind, const QString& ownRow, bool owned, bool completedFirst)
 {
     const QString table = TR::table.toString();
+    if (owned)
+        return u"DELETE FROM "_s + table + u" WHERE "_s + ownRow;
     const QString order =
         completedFirst ? u"TrmReq_Requestcompleted DESC"_s : u"TrmReq_Requestcompleted ASC"_s;
     QString id;
@@ -126,30 +123,73 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
     // The whole exchange is the user's action: its box explains a refresh failing meanwhile.
     const QueryFailureReporter::UserWait waiting(ctx.failures);
     const DbKind kind = ctx.dbKind();
-    const QString ownRow = ownRowWhere(request);
     const auto keepForLater = [&ctx](const QString& sql) {
         if (ctx.failures)
             ctx.failures->runWhenBack(sql);
     };
 
-    // A completed row like ours left from before (its removal failed, or its
-    // console ended) would pass for our answer: it goes first.
-    const QString stale = u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s + ownRow +
-                          u" AND TrmReq_Requestcompleted<>0"_s;
-    const DbError written = ctx.db->call([&](Database& db) {
-        if (const DbError e = db.exec(stale); e.isError())
-            return e;
-        return db.insertRow(TR::table, {{TR::TrmReq_SyI_Serialnumber, request.serial},
-                                        {TR::TrmReq_Requesttype, qint64(request.type)},
-                                        {TR::TrmReq_Attributes, request.attributes},
-                                        {TR::TrmReq_Requestcompleted, qint64(0)},
-                                        {TR::TrmReq_Requestreply, qint64(0)}});
+    // Whether the table names the console of each row is asked once per connection.
+    DbLink* const link = ctx.db;
+    const commands::RequestOwnerColumn known = ctx.requestOwnerColumn;
+    const bool askColumn = !known.known || known.connection != link->connectionNumber();
+    const QString token = commands::newRequestOwner();
+    struct Written {
+        DbError error;
+        commands::RequestOwnerColumn column;
+        bool inserting = false;
+    };
+    const Written written = ctx.db->call([&](Database& db) {
+        Written w;
+        w.column = known;
+        if (askColumn) {
+            w.column.connection = link->connectionNumber();
+            w.column.present = commands::hasRequestOwnerColumn(db, &w.error);
+            if (w.error.isError())
+                return w;
+            w.column.known = true;
+        }
+        const QString owner = w.column.present ? token : QString();
+        // Without owners a completed row like ours left from before (its
+        // removal failed, or its console ended) would pass for our answer: it
+        // goes first. With owners nothing else passes for ours, and another
+        // console's row, answered or not, is never ours to remove.
+        if (owner.isEmpty()) {
+            const QString stale =
+                u"DELETE FROM "_s + TR::table.toString() + u" WHERE "_s +
+                commands::requestRowWhere(request.serial, request.type, request.attributes, {}) +
+                u" AND TrmReq_Requestcompleted<>0"_s;
+            if ((w.error = db.exec(stale)).isError())
+                return w;
+        }
+        QList<SqlAssignment> row{{TR::TrmReq_SyI_Serialnumber, request.serial},
+                                 {TR::TrmReq_Requesttype, qint64(request.type)},
+                                 {TR::TrmReq_Attributes, request.attributes},
+                                 {TR::TrmReq_Requestcompleted, qint64(0)},
+                                 {TR::TrmReq_Requestreply, qint64(0)}};
+        if (!owner.isEmpty())
+            row.append({TR::TrmReq_Requestowner, owner});
+        w.inserting = true;
+        w.error = db.insertRow(TR::table, row);
+        return w;
     });
-    if (written.isError()) {
-        reportFailure(ctx, written, window);
+    if (written.column.known)
+        ctx.requestOwnerColumn = written.column;
+    const bool owned = written.column.known && written.column.present;
+    if (owned)
+        outcome.owner = token;
+    const QString ownRow =
+        commands::requestRowWhere(request.serial, request.type, request.attributes, outcome.owner);
+    if (ctx.db->shuttingDown()) {
+        // The console ends: a row written is removed at the next start.
+        if (written.inserting)
+            keepForLater(deleteOneSql(kind, ownRow, owned, true));
+        return outcome;
+    }
+    if (written.error.isError()) {
+        reportFailure(ctx, written.error, window);
         // The row may have been written before the connection went.
-        if (ctx.failures && ctx.failures->connectionLost())
-            keepForLater(deleteOneSql(kind, ownRow, false));
+        if (written.inserting && ctx.failures && ctx.failures->connectionLost())
+            keepForLater(deleteOneSql(kind, ownRow, owned, false));
         return outcome;
     }
     const QDateTime writtenAt = nowOf(ctx);
@@ -165,7 +205,7 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
         if (ctx.db->shuttingDown()) {
             // The console ends: the row is removed at the next start, by when
             // it has most likely been answered.
-            keepForLater(deleteOneSql(kind, ownRow, true));
+            keepForLater(deleteOneSql(kind, ownRow, owned, true));
             outcome.end = ExchangeOutcome::End::Failed;
             return outcome;
         }
@@ -177,8 +217,8 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
             Poll p;
             Rows rows = db.read(u"SELECT TrmReq_Requestcompleted, TrmReq_Requestreply FROM "_s +
                                 TR::table.toString() + u" WHERE "_s + ownRow);
-            // Rows like ours of other consoles are answered with ours, in the
-            // same update: any completed one is the answer to our command.
+            // Without owners, rows like ours of other consoles are answered
+            // with ours, in the same update: any completed one is our answer.
             while (rows.next()) {
                 p.found = true;
                 if (rows.intOr(TR::TrmReq_Requestcompleted) != 0 && !p.completed) {
@@ -214,10 +254,10 @@ ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString&
             show(ctx, window, title, *notice);
     }
 
-    // Also after a time-out, so that a late answer finds no row. Only one row
-    // goes: another console's row like ours is its own to remove.
+    // Also after a time-out, so that a late answer finds no row. Only our row
+    // goes (one row like it without owners): another console's is its own to remove.
     const QString remove =
-        deleteOneSql(kind, ownRow, outcome.end == ExchangeOutcome::End::Answered);
+        deleteOneSql(kind, ownRow, owned, outcome.end == ExchangeOutcome::End::Answered);
     if (outcome.rowVanished)
         return outcome;
     if (ctx.db->shuttingDown()) {

@@ -24,12 +24,16 @@ struct ExchangeOutcome {
     End end = End::Failed;
     int reply = 0;
     bool rowVanished = false;
+    // The owner written into the row; empty where the table has no owner column.
+    QString owner;
 };
 
 // The request exchange: with `window` disabled and the wait window shown,
 // writes the row, polls it every 500 ms for at most 60 s (ctx.clock), shows
 // the reply or the time-out under `title`, deletes the row (also after a
 // time-out or a failed poll) and enables `window` again. The caller refreshes.
+// Where the table has an owner column the row carries this console's token and
+// every statement after the write touches that row only.
 ExchangeOutcome exchangeRequest(AppContext& ctx, QWidget* window, const QString& title,
                                 const TerminalRequest& request);
 
