@@ -198,6 +198,10 @@ QList<ConsoleIndex> consoleIndexes()
                 u"SeE_Recipients<>0"_s});
     out.append({u"ix_powermonitoring_events_new"_s, u"Powermonitoring_Events"_s,
                 u"PmE_SyI_Serialnumber"_s, u"PmE_Recipients<>0"_s});
+    // Its zones in alarm: few of the fleet's conditions, found without reading them all.
+    out.append({u"ix_sensors_current_condition_alert"_s, u"Sensors_Current_Condition"_s,
+                u"SeCC_SyI_Serialnumber, SeCC_Sensornumber"_s,
+                u"SeCC_Outofbounds>0 OR SeCC_Alarmcondition>0"_s});
     return out;
 }
 
