@@ -24,8 +24,9 @@ pg_start() {
     bin=$(sx_pg_bin) || return 1
     # In memory where there is a tmpfs: a database is some hundred files, and the tests
     # make and drop one for nearly every case.
-    local base=/tmp
-    [ -d /dev/shm ] && [ -w /dev/shm ] && base=/dev/shm
+    # SX_PG_BASE puts it on disk instead (large benchmark databases).
+    local base=${SX_PG_BASE:-/tmp}
+    [ -z "${SX_PG_BASE:-}" ] && [ -d /dev/shm ] && [ -w /dev/shm ] && base=/dev/shm
     SX_PG_DIR=$(mktemp -d "$base/sx-pg.XXXXXX")
     SX_PG_PORT=$(sx_free_port)
     chmod 755 "$SX_PG_DIR"

@@ -30,7 +30,8 @@ const QList<OptionInfo>& optionInfos()
         {u"year-point"_s, Scope::Seed, false}, {u"interval"_s, Scope::Run, true},
         {u"answer-delay"_s, Scope::Run, true}, {u"reply"_s, Scope::Run, true},
         {u"no-answer"_s, Scope::Run, false},   {u"ticks"_s, Scope::Run, true},
-        {u"record-secs"_s, Scope::Run, true},
+        {u"record-secs"_s, Scope::Run, true},  {u"records"_s, Scope::Seed, true},
+        {u"messages"_s, Scope::Seed, true},    {u"partitioned"_s, Scope::Seed, false},
     };
     return infos;
 }
@@ -98,6 +99,9 @@ QString simUsage()
            "         --units N (12)  --days D (30)  --seed S (1)  --record-minutes M (5)\n"
            "         --end \"YYYY-MM-DD HH:MM[:SS]\" (now)  --year-point (a year of one-minute\n"
            "         records for point 1 of the first unit)\n"
+           "         --records N (replace the history with N records over a year, zone 1 of\n"
+           "         the first unit every minute)  --messages N (replace the messages with N\n"
+           "         archived ones, a few new)  --partitioned (PostgreSQL: records by month)\n"
            "  run    act as the server application until stopped (Ctrl+C)\n"
            "         --interval MS (2000)  --answer-delay MS (1000)  --reply N (force a reply)\n"
            "         --no-answer  --ticks N (stop after N ticks, 0 = never)  --record-secs S (60)\n"
@@ -188,6 +192,10 @@ ParsedOptions parseSimOptions(const QStringList& args)
             o.yearPoint = true;
             continue;
         }
+        if (n == u"--partitioned") {
+            o.partitioned = true;
+            continue;
+        }
         if (n == u"--no-answer") {
             o.noAnswer = true;
             continue;
@@ -227,6 +235,10 @@ ParsedOptions parseSimOptions(const QStringList& args)
             v = number(0, std::numeric_limits<qint64>::max());
         else if (n == u"--record-secs")
             v = number(0, 86400);
+        else if (n == u"--records")
+            v = number(0, 10'000'000'000);
+        else if (n == u"--messages")
+            v = number(0, 1'000'000'000);
         if (!v)
             return out;
         if (n == u"--units")
@@ -245,6 +257,10 @@ ParsedOptions parseSimOptions(const QStringList& args)
             o.ticks = *v;
         else if (n == u"--record-secs")
             o.recordSecs = static_cast<int>(*v);
+        else if (n == u"--records")
+            o.records = *v;
+        else if (n == u"--messages")
+            o.messages = *v;
     }
 
     if (o.dbUrl.isEmpty())

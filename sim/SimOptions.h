@@ -21,6 +21,9 @@ struct SimOptions {
     std::optional<qint64> endSecs; // wall clock; empty = now
     int recordMinutes = 5;
     bool yearPoint = false;
+    qint64 records = 0;  // a large archive instead of the demo's history
+    qint64 messages = 0; // a large message archive instead of the demo's
+    bool partitioned = false;
 
     // run
     int intervalMs = 2000;

@@ -18,6 +18,20 @@ struct SchemaColumn {
 // Every column of every table, in table order.
 [[nodiscard]] QList<SchemaColumn> schemaColumns();
 
+// A secondary index the console's reads rely on (primary keys aside).
+struct ConsoleIndex {
+    QString name;
+    QString table;
+    QString columns;
+    QString condition; // empty, or the WHERE of a partial index
+};
+// Every one of them, in the order they are made.
+[[nodiscard]] QList<ConsoleIndex> consoleIndexes();
+[[nodiscard]] QString createIndexStatement(const ConsoleIndex& index);
+// Makes (drops) every index of consoleIndexes() that is missing (there).
+DbError createConsoleIndexes(Database& db);
+DbError dropConsoleIndexes(Database& db);
+
 // Creates every table that is missing. Running it twice does no harm.
 DbError createSchema(Database& db);
 
