@@ -92,9 +92,10 @@ DbError missingColumns()
             DbFailureCause::Unknown};
 }
 
-qint64 usableSecs(std::string_view text)
+// A year of one zone's rows shares few days: the reader parses each day once.
+qint64 usableSecs(SqlDateTimeReader& read, std::string_view text)
 {
-    const auto secs = parseSqlDateTime(text);
+    const auto secs = read(text);
     return secs && !isZeroDate(*secs) ? *secs : 0;
 }
 
@@ -128,12 +129,13 @@ RecordsLoad loadSqlite(sqlite3* h, const QString& sql, size_t expected)
     // A second pass, keeping the sequence numbers, only for rows out of sequence order.
     for (const bool keepSns : {false, true}) {
         Collector rows(expected, keepSns);
+        SqlDateTimeReader dates;
         int rc = SQLITE_ROW;
         while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
             const auto* when = reinterpret_cast<const char*>(sqlite3_column_text(stmt, col.date));
             const auto whenSize = static_cast<size_t>(sqlite3_column_bytes(stmt, col.date));
             rows.add(sqlite3_column_int64(stmt, col.sn),
-                     when ? usableSecs(std::string_view(when, whenSize)) : 0,
+                     when ? usableSecs(dates, std::string_view(when, whenSize)) : 0,
                      sqlite3_column_double(stmt, col.value), sqlite3_column_int64(stmt, col.type));
         }
         if (rc != SQLITE_DONE) {
@@ -169,8 +171,10 @@ RecordsLoad loadPostgres(PGconn* h, const QString& sql)
     };
     for (const bool keepSns : {false, true}) {
         Collector rows(static_cast<size_t>(count), keepSns);
+        SqlDateTimeReader dates;
         for (int r = 0; r < count; ++r) {
-            rows.add(parseIntegerText(field(r, col.sn)).value_or(0), usableSecs(field(r, col.date)),
+            rows.add(parseIntegerText(field(r, col.sn)).value_or(0),
+                     usableSecs(dates, field(r, col.date)),
                      parseRealText(field(r, col.value)).value_or(0.0),
                      parseIntegerText(field(r, col.type)).value_or(0));
         }

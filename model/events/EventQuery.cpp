@@ -48,6 +48,19 @@ QString serialEquals(QStringView column, const QString& serial)
     return column.toString() + u'=' + sqlQuote(serial);
 }
 
+QString serialIn(QStringView column, const QStringList& serials)
+{
+    if (serials.size() == 1)
+        return serialEquals(column, serials.first());
+    QString list;
+    for (const QString& s : serials) {
+        if (!list.isEmpty())
+            list += u',';
+        list += sqlQuote(s);
+    }
+    return column.toString() + u" IN ("_s + list + u')';
+}
+
 } // namespace
 
 EventPeriod eventsPeriod(int yearIndex, int monthIndex)
@@ -61,10 +74,9 @@ EventPeriod eventsPeriod(int yearIndex, int monthIndex)
     return {secsFromCivil({year, month, 1, 0, 0, 0}), secsFromCivil(next) - 1};
 }
 
-QString eventQuerySql(DbKind kind, const EventFilter& filter)
+static QString eventQuerySql(DbKind kind, const EventFilter& filter, const QStringList& serials)
 {
-    QString sql =
-        u"SELECT * FROM Events_1 WHERE "_s + serialEquals(u"Event_SyI_Serialnumber", filter.serial);
+    QString sql = u"SELECT * FROM Events_1 WHERE "_s + serialIn(u"Event_SyI_Serialnumber", serials);
     if (filter.source == kAllZonesSource)
         sql += u" AND Event_EventSource BETWEEN 1 AND "_s + num(kLastZone);
     else if (filter.source >= kFirstZone && filter.source <= kBypassSource)
@@ -77,9 +89,19 @@ QString eventQuerySql(DbKind kind, const EventFilter& filter)
     return sql;
 }
 
+QString orderedEventQuerySql(DbKind kind, const EventFilter& filter, const QStringList& serials)
+{
+    return eventQuerySql(kind, filter, serials) + u" ORDER BY Event_SystemEventSN"_s;
+}
+
+QString eventQuerySql(DbKind kind, const EventFilter& filter)
+{
+    return eventQuerySql(kind, filter, QStringList{filter.serial});
+}
+
 QString orderedEventQuerySql(DbKind kind, const EventFilter& filter)
 {
-    return eventQuerySql(kind, filter) + u" ORDER BY Event_SystemEventSN"_s;
+    return orderedEventQuerySql(kind, filter, QStringList{filter.serial});
 }
 
 QString sourceEntryText(int source, const QString& zoneName)
@@ -135,22 +157,37 @@ QString zoneNameSql(const QString& serial, int zone)
 
 QString unitLabelSql(const QString& serial)
 {
-    return u"SELECT SyI_Serialnumber, SyI_Systemname, SyI_Locationnumber FROM Systems_Info WHERE "_s +
-           serialEquals(u"SyI_Serialnumber", serial);
+    return unitLabelSql(QStringList{serial});
 }
 
 QString powerNamesSql(const QString& serial)
 {
-    return u"SELECT PmI_SyI_Serialnumber, PmI_Powernumber, PmI_Powername FROM "
-           "Powermonitoring_Info WHERE "_s +
-           serialEquals(u"PmI_SyI_Serialnumber", serial);
+    return powerNamesSql(QStringList{serial});
 }
 
 QString zoneNamesSql(const QString& serial)
 {
+    return zoneNamesSql(QStringList{serial});
+}
+
+QString unitLabelSql(const QStringList& serials)
+{
+    return u"SELECT SyI_Serialnumber, SyI_Systemname, SyI_Locationnumber FROM Systems_Info WHERE "_s +
+           serialIn(u"SyI_Serialnumber", serials);
+}
+
+QString powerNamesSql(const QStringList& serials)
+{
+    return u"SELECT PmI_SyI_Serialnumber, PmI_Powernumber, PmI_Powername FROM "
+           "Powermonitoring_Info WHERE "_s +
+           serialIn(u"PmI_SyI_Serialnumber", serials);
+}
+
+QString zoneNamesSql(const QStringList& serials)
+{
     return u"SELECT SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname FROM Sensors_Info "
            "WHERE "_s +
-           serialEquals(u"SeI_SyI_Serialnumber", serial);
+           serialIn(u"SeI_SyI_Serialnumber", serials);
 }
 
 } // namespace sx::events

@@ -3,6 +3,7 @@
 #include "model/ConnectionSettings.h"
 
 #include <QString>
+#include <QStringList>
 
 // The queries of the events archive. Access and Oracle get exactly the texts
 // their drivers were written against; SQLite and PostgreSQL the same SQL, with
@@ -46,6 +47,9 @@ struct EventFilter {
 [[nodiscard]] QString eventQuerySql(DbKind kind, const EventFilter& filter);
 // The same, sorted by Event_SystemEventSN ascending; the view walks it backwards.
 [[nodiscard]] QString orderedEventQuerySql(DbKind kind, const EventFilter& filter);
+// The ordered query for several units at once, in place of the filter's own.
+[[nodiscard]] QString orderedEventQuerySql(DbKind kind, const EventFilter& filter,
+                                           const QStringList& serials);
 
 // The alarm/restoration options apply to sources -1 to 21 only.
 [[nodiscard]] constexpr bool kindOptionsApply(int source)
@@ -68,6 +72,10 @@ struct EventFilter {
 // The name caches of one unit.
 [[nodiscard]] QString powerNamesSql(const QString& serial);
 [[nodiscard]] QString zoneNamesSql(const QString& serial);
+// The same for several units in one query each.
+[[nodiscard]] QString unitLabelSql(const QStringList& serials);
+[[nodiscard]] QString powerNamesSql(const QStringList& serials);
+[[nodiscard]] QString zoneNamesSql(const QStringList& serials);
 
 // Marking writes 1 (read) from the list of new events and 0 (new) from the list of all.
 [[nodiscard]] constexpr int markValue(bool newOnly)

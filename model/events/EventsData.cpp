@@ -3,6 +3,9 @@
 #include "model/Dialect.h"
 #include "model/ReadAside.h"
 
+#include <QHash>
+#include <QSet>
+
 #include <algorithm>
 #include <memory>
 
@@ -89,40 +92,67 @@ QString cellText(const EventsUnit& unit, const EventLine& line, const QLocale& l
 
 namespace {
 
-DbError readUnit(Database& db, EventsUnit& unit, bool withPrefix)
+// Units are read in groups of this many: a few queries for a whole fleet
+// rather than four a unit, each a round trip to the server.
+constexpr qsizetype kUnitSlice = 500;
+
+template <size_t N> void fillNames(std::array<QString, N>& names, Rows& r, int cNumber, int cName)
 {
+    const qint64 n = r.integer(cNumber).value_or(0);
+    if (n >= 1 && n <= qint64(N))
+        names[size_t(n - 1)] = r.text(cName).value_or(QString());
+}
+
+// The prefixes and name caches of the units from `first` on, one each serial.
+DbError readUnits(Database& db, EventsLoad& out, size_t first, const QStringList& serials,
+                  const QHash<QString, size_t>& unitOf, bool withPrefix)
+{
+    const auto unitsOf = [&](const std::optional<QString>& serial, auto&& apply) {
+        const auto it = unitOf.constFind(serial.value_or(QString()));
+        if (it != unitOf.cend())
+            apply(out.units[*it]);
+    };
     if (withPrefix) {
-        Rows r = db.read(unitLabelSql(unit.serial));
-        QString name;
-        QString location;
-        if (r.next()) {
-            name = r.textOr(u"SyI_Systemname");
-            location = r.textOr(u"SyI_Locationnumber");
+        QSet<QString> labelled;
+        Rows r = db.read(unitLabelSql(serials));
+        const int cSerial = r.column(u"SyI_Serialnumber");
+        const int cName = r.column(u"SyI_Systemname");
+        const int cLocation = r.column(u"SyI_Locationnumber");
+        while (r.next()) {
+            const QString serial = r.text(cSerial).value_or(QString());
+            if (labelled.contains(serial))
+                continue; // the first row of a unit is its label
+            labelled.insert(serial);
+            unitsOf(serial, [&](EventsUnit& u) {
+                u.prefix = unitPrefix(u.serial, r.text(cName).value_or(QString()),
+                                      r.text(cLocation).value_or(QString()));
+            });
         }
         if (!r.ok())
             return r.error();
-        unit.prefix = unitPrefix(unit.serial, name, location);
+        for (size_t i = first; i < out.units.size(); ++i) {
+            if (!labelled.contains(out.units[i].serial))
+                out.units[i].prefix = unitPrefix(out.units[i].serial, {}, {});
+        }
     }
     {
-        Rows r = db.read(powerNamesSql(unit.serial));
+        Rows r = db.read(powerNamesSql(serials));
+        const int cSerial = r.column(u"PmI_SyI_Serialnumber");
         const int cNumber = r.column(u"PmI_Powernumber");
         const int cName = r.column(u"PmI_Powername");
-        while (r.next()) {
-            const qint64 n = r.integer(cNumber).value_or(0);
-            if (n >= 1 && n <= qint64(unit.names.powers.size()))
-                unit.names.powers[size_t(n - 1)] = r.text(cName).value_or(QString());
-        }
+        while (r.next())
+            unitsOf(r.text(cSerial),
+                    [&](EventsUnit& u) { fillNames(u.names.powers, r, cNumber, cName); });
         if (!r.ok())
             return r.error();
     }
-    Rows r = db.read(zoneNamesSql(unit.serial));
+    Rows r = db.read(zoneNamesSql(serials));
+    const int cSerial = r.column(u"SeI_SyI_Serialnumber");
     const int cNumber = r.column(u"SeI_Sensornumber");
     const int cName = r.column(u"SeI_Sensorname");
-    while (r.next()) {
-        const qint64 n = r.integer(cNumber).value_or(0);
-        if (n >= 1 && n <= qint64(unit.names.zones.size()))
-            unit.names.zones[size_t(n - 1)] = r.text(cName).value_or(QString());
-    }
+    while (r.next())
+        unitsOf(r.text(cSerial),
+                [&](EventsUnit& u) { fillNames(u.names.zones, r, cNumber, cName); });
     return r.ok() ? DbError{} : r.error();
 }
 
@@ -133,25 +163,41 @@ EventsLoad loadEvents(Database& db, const EventsRequest& request, const LineCoun
     EventsLoad out;
     const QLocale locale;
     out.units.reserve(size_t(request.units.size()));
-    for (const UnitRequest& u : request.units) {
-        EventsUnit unit;
-        unit.unitIndex = u.unitIndex;
-        unit.serial = u.serial;
-        if (DbError e = readUnit(db, unit, request.withPrefix); e.isError()) {
+    for (qsizetype from = 0; from < request.units.size(); from += kUnitSlice) {
+        const size_t first = out.units.size();
+        QStringList serials;
+        QHash<QString, size_t> unitOf; // a serial's first unit in this slice
+        for (const UnitRequest& u : request.units.mid(from, kUnitSlice)) {
+            EventsUnit unit;
+            unit.unitIndex = u.unitIndex;
+            unit.serial = u.serial;
+            if (!unitOf.contains(u.serial)) {
+                unitOf.insert(u.serial, out.units.size());
+                serials.append(u.serial);
+            }
+            out.units.push_back(std::move(unit));
+        }
+        if (DbError e = readUnits(db, out, first, serials, unitOf, request.withPrefix);
+            e.isError()) {
             out.error = e;
             return out;
         }
-        const auto unitNumber = quint32(out.units.size());
-        out.units.push_back(std::move(unit));
-        const EventsUnit& shown = out.units.back();
+        // A serial listed twice names two units with the same rows.
+        for (size_t i = first; i < out.units.size(); ++i) {
+            const EventsUnit& same = out.units[unitOf.value(out.units[i].serial)];
+            if (&same != &out.units[i]) {
+                out.units[i].prefix = same.prefix;
+                out.units[i].names = same.names;
+            }
+        }
 
         EventFilter filter;
-        filter.serial = u.serial;
         filter.source = request.source;
         filter.kind = request.kind;
         filter.newOnly = request.newOnly;
         filter.period = request.period;
-        Rows r = db.read(orderedEventQuerySql(db.kind(), filter));
+        Rows r = db.read(orderedEventQuerySql(db.kind(), filter, serials));
+        const int cSerial = r.column(u"Event_SyI_Serialnumber");
         const int cSn = r.column(u"Event_SystemEventSN");
         const int cDate = r.column(u"Event_Datetime");
         const int cSource = r.column(u"Event_EventSource");
@@ -159,8 +205,13 @@ EventsLoad loadEvents(Database& db, const EventsRequest& request, const LineCoun
         const int cType = r.column(u"Event_SeI_Sensortype");
         const int cValue = r.column(u"Event_Value");
         const int cInfo = r.column(u"Event_Info1");
-        const size_t first = out.rows.size();
+        // Rows come by sequence number; each unit's own run is kept apart.
+        std::vector<std::vector<EventLine>> byUnit(out.units.size() - first);
         while (r.next()) {
+            const auto it = unitOf.constFind(r.text(cSerial).value_or(QString()));
+            if (it == unitOf.cend())
+                continue;
+            const EventsUnit& shown = out.units[*it];
             EventLine line;
             line.secs = r.dateTime(cDate).value_or(0);
             line.sn = r.integer(cSn).value_or(0);
@@ -170,7 +221,7 @@ EventsLoad loadEvents(Database& db, const EventsRequest& request, const LineCoun
             line.row.value = r.real(cValue).value_or(0.0);
             if (line.row.source > kMainsSource)
                 line.row.info1 = r.text(cInfo).value_or(QString());
-            line.unit = unitNumber;
+            line.unit = quint32(*it);
             // The colour and the height need the text; the grid rebuilds it
             // when the row is shown rather than keeping every text in memory.
             const EventText text = describeEvent(line.row, shown.names, locale);
@@ -178,14 +229,21 @@ EventsLoad loadEvents(Database& db, const EventsRequest& request, const LineCoun
             if (lineCounter) {
                 line.lines = quint16(std::clamp(lineCounter(shown.prefix + text.text), 1, 0xffff));
             }
-            out.rows.push_back(std::move(line));
+            byUnit[*it - first].push_back(std::move(line));
         }
         if (!r.ok()) {
             out.error = r.error();
             return out;
         }
-        // Ascending by sequence number, shown from the last row to the first.
-        std::reverse(out.rows.begin() + std::ptrdiff_t(first), out.rows.end());
+        // Each unit from its newest event to its oldest, the units in list order.
+        for (size_t i = first; i < out.units.size(); ++i) {
+            const size_t source = unitOf.value(out.units[i].serial);
+            const std::vector<EventLine>& lines = byUnit[source - first];
+            for (auto it = lines.rbegin(); it != lines.rend(); ++it) {
+                out.rows.push_back(*it);
+                out.rows.back().unit = quint32(i);
+            }
+        }
     }
     return out;
 }

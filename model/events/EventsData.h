@@ -75,8 +75,9 @@ struct EventsLoad {
 [[nodiscard]] QString cellText(const EventsUnit& unit, const EventLine& line,
                                const QLocale& locale = QLocale());
 
-// Runs the event query of every unit in order and walks each result from its
-// last row to its first. A counter that is empty gives every row one line.
+// The events of every unit, in list order, each unit's from its newest to its
+// oldest; units are asked for in groups, a few queries a group. A counter that
+// is empty gives every row one line.
 [[nodiscard]] EventsLoad loadEvents(Database& db, const EventsRequest& request,
                                     const LineCounter& lineCounter = {});
 

@@ -24,6 +24,9 @@ QString newestEventColumn(DbKind kind)
     case DbKind::Oracle:
         return u"(SELECT MAX(Event_Datetime) KEEP (DENSE_RANK LAST ORDER BY Event_SystemEventSN) FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber)"_s;
     case DbKind::SQLite:
+        // Asked for its highest sequence number first, SQLite reads it off the
+        // key's own index whatever other index of the table its statistics favour.
+        return u"(SELECT Event_Datetime FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber AND Event_SystemEventSN=(SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber))"_s;
     case DbKind::PostgreSQL:
         break;
     }

@@ -83,9 +83,10 @@ DbError lostConnection()
             DbFailureCause::Unreachable};
 }
 
-// Text lines of a description in the grid's column, on the loading thread:
-// widths summed from a table of character advances, measured exactly only
-// near or beyond the column's width.
+// Text lines of a description in the grid's column, on the loading thread.
+// Words are laid out greedily from a table of character advances; only a text
+// whose break falls near the column's edge, where kerning could move it, is
+// laid out exactly.
 class LineMeasure {
 public:
     LineMeasure(const QFont& font, double columnWidth)
@@ -97,15 +98,8 @@ public:
     {
         if (!m_metrics)
             m_metrics = std::make_unique<QFontMetricsF>(m_font);
-        double sum = 0;
-        for (const QChar c : text) {
-            float& a = m_advance[c.unicode()];
-            if (a < 0)
-                a = float(m_metrics->horizontalAdvance(c));
-            sum += a;
-        }
-        if (sum < m_width * 0.97)
-            return 1;
+        if (const int lines = estimate(text); lines > 0)
+            return lines;
         // Wide texts repeat (a unit's faults, deliveries, bypasses): measured once each.
         const auto known = m_exact.constFind(text);
         if (known != m_exact.constEnd())
@@ -116,6 +110,60 @@ public:
     }
 
 private:
+    float advance(QChar c)
+    {
+        float& a = m_advance[c.unicode()];
+        if (a < 0)
+            a = float(m_metrics->horizontalAdvance(c));
+        return a;
+    }
+
+    // The lines of a greedy word wrap, or 0 when a decision is too close to call.
+    int estimate(const QString& text)
+    {
+        const double edge = m_width * 0.01;
+        int lines = 1;
+        double line = 0; // the current line up to its last word, trailing blanks left out
+        double blanks = 0;
+        double word = 0;
+        double sum = 0;
+        const auto place = [&]() {
+            if (word == 0)
+                return true;
+            const double wide = line + blanks + word;
+            if (std::abs(wide - m_width) < edge || word > m_width - edge)
+                return false;
+            if (wide > m_width && line > 0) {
+                ++lines;
+                line = word;
+            } else {
+                line = wide;
+            }
+            blanks = word = 0;
+            return true;
+        };
+        for (const QChar c : text) {
+            const float a = advance(c);
+            sum += a;
+            if (c == u' ') {
+                if (!place())
+                    return 0;
+                blanks += a;
+            } else if (c.unicode() < 0x20 || c.isSpace() || c.isSurrogate()) {
+                return 0; // line breaks, tabs, pairs: exact layout
+            } else {
+                word += a;
+            }
+        }
+        if (!place())
+            return 0;
+        // As the exact measure: never fewer lines than the whole width takes.
+        const double rounds = sum / m_width;
+        if (rounds > 0.5 && std::abs(rounds - std::round(rounds)) * m_width < edge)
+            return 0;
+        return std::max(lines, int(std::ceil(rounds)));
+    }
+
     int measure(const QString& text) const
     {
         const double width = m_metrics->horizontalAdvance(text);
