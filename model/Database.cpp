@@ -27,6 +27,13 @@ bool onGuiThread()
     return app && app->thread() == QThread::currentThread();
 }
 
+// A libpq keyword value; the driver turns every ';' of its options into a blank.
+QString pgQuoted(QString value)
+{
+    value.replace(u'\\', u"\\\\"_s).replace(u'\'', u"\\'"_s);
+    return u'\'' + value + u'\'';
+}
+
 DbError fileError(const QString& description)
 {
     DbError e;
@@ -116,20 +123,28 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
                              QString::number(m_deadlineMs < 0 ? 5000 : kSqliteBusyTimeoutMs));
         break;
     }
-    case DbKind::PostgreSQL:
+    case DbKind::PostgreSQL: {
         db = QSqlDatabase::addDatabase(u"QPSQL"_s, m_name);
-        db.setHostName(settings.serverIp.isEmpty() ? u"localhost"_s : settings.serverIp);
-        if (!settings.serverPort.isEmpty())
+        // Keep-alives and a user time-out notice a peer that went silent.
+        QString options =
+            u"connect_timeout=3;keepalives=1;keepalives_idle=10;keepalives_interval=3;"
+            u"keepalives_count=3;tcp_user_timeout=15000"_s;
+        // The driver takes one port number only; a list goes in as a keyword.
+        for (const auto& [key, value] : pgServerKeywords(settings, true)) {
+            if (key == u"host")
+                db.setHostName(value);
+            else
+                options += u';' + key + u'=' + pgQuoted(value);
+        }
+        if (!settings.serverPort.isEmpty() && !settings.serverPort.contains(u','))
             db.setPort(settings.serverPort.toInt());
         db.setDatabaseName(settings.dataSource);
         db.setUserName(settings.user.isEmpty() ? QString::fromUtf16(kDbUser) : settings.user);
         db.setPassword(settings.password.isEmpty() ? QString::fromUtf16(kDbPassword)
                                                    : settings.password);
-        // Keep-alives and a user time-out notice a peer that went silent.
-        db.setConnectOptions(
-            u"connect_timeout=3;keepalives=1;keepalives_idle=10;keepalives_interval=3;"
-            u"keepalives_count=3;tcp_user_timeout=15000"_s);
+        db.setConnectOptions(options);
         break;
+    }
     case DbKind::Access:
         db = QSqlDatabase::addDatabase(u"QODBC"_s, m_name);
         db.setDatabaseName(u"DRIVER={Microsoft Access Driver (*.mdb, *.accdb)};DBQ="_s +
@@ -199,9 +214,19 @@ bool Database::reachable(const ConnectionSettings& settings)
         const QFileInfo info(settings.file);
         return info.isFile() && info.isReadable();
     }
-    case DbKind::PostgreSQL:
-        return detail::pgReachable(settings.serverIp.isEmpty() ? u"localhost"_s : settings.serverIp,
-                                   settings.serverPort, settings.dataSource);
+    case DbKind::PostgreSQL: {
+        // Only whether some server answers: which one takes writes, and
+        // whether its certificate holds, the reopen finds out.
+        QString host;
+        QString port;
+        for (const auto& [key, value] : pgServerKeywords(settings)) {
+            if (key == u"host")
+                host = value;
+            else if (key == u"port")
+                port = value;
+        }
+        return detail::pgReachable(host, port, settings.dataSource);
+    }
     default:
         return true;
     }
@@ -258,6 +283,8 @@ Rows Database::read(const QString& sql)
         return Rows(gone);
     startStatement(sql);
     const QSqlDatabase db = qtDatabase();
+    // Outside a transaction a read may simply run again on the server that took over.
+    const bool mayFailOver = canFailOver() && detail::pgIdle(detail::pgHandle(db));
     DbError failure;
     std::unique_ptr<CursorBackend> backend;
     if (m_native && m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
@@ -266,9 +293,22 @@ Rows Database::read(const QString& sql)
         backend = detail::pgCursor(detail::pgHandle(db), sql, failure, m_deadlineMs, m_abort);
     } else
         backend = detail::qtCursor(db, sql, failure);
-    if (!backend)
-        return Rows(noteFailure(failure));
+    if (!backend) {
+        DbError e = noteFailure(failure);
+        if (mayFailOver && m_lost && !(m_abort && m_abort->load()) &&
+            !detail::consoleEnding().load()) {
+            if (!reopen().isError())
+                return read(sql);
+            m_lost = true;
+        }
+        return Rows(e);
+    }
     return Rows(std::move(backend));
+}
+
+bool Database::canFailOver() const
+{
+    return m_settings.kind == DbKind::PostgreSQL && serverList(m_settings.serverIp).size() > 1;
 }
 
 Rows Database::readFirst(const QString& sql)

@@ -112,6 +112,8 @@ private:
     DbError noteFailure(DbError e);
     void startStatement(const QString& sql);
     DbError fileGone();
+    // Several servers are named: a lost one may have handed over to another.
+    [[nodiscard]] bool canFailOver() const;
 
     QString m_name;
     ConnectionSettings m_settings;
