@@ -69,6 +69,7 @@ void Database::startStatement(const QString& sql)
 {
     if (g_guiThreadGuard && !m_guiThreadAllowed && onGuiThread())
         qFatal("A statement was started on the GUI thread: %s", qPrintable(sql.left(200)));
+    m_wasIdle = m_failOver && detail::pgIdle(detail::pgHandle(qtDatabase()));
     m_watch->abort = m_abort;
     m_watch->deadline =
         m_deadlineMs < 0 ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(m_deadlineMs);
@@ -106,6 +107,10 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
     m_settings = settings;
     m_mode = mode;
     m_lost = false;
+    m_lostIdle = false;
+    m_wasIdle = false;
+    // Several servers are named: a lost one may have handed over to another.
+    m_failOver = settings.kind == DbKind::PostgreSQL && serverList(settings.serverIp).size() > 1;
 
     QSqlDatabase db;
     switch (settings.kind) {
@@ -257,6 +262,8 @@ DbError Database::noteFailure(DbError e)
     }
     if (m_settings.kind == DbKind::PostgreSQL) {
         if (!isOpen() || !detail::pgConnectionOk(detail::pgHandle(qtDatabase()))) {
+            if (!m_lost)
+                m_lostIdle = m_wasIdle;
             m_lost = true;
             e.cause = DbFailureCause::Unreachable;
         }
@@ -277,14 +284,34 @@ DbError Database::fileGone()
 
 Rows Database::read(const QString& sql)
 {
+    Rows rows = readOnce(sql);
+    if (!rows.ok() && failOver())
+        rows = readOnce(sql);
+    return rows;
+}
+
+bool Database::failOver()
+{
+    // Only a connection lost between transactions: a statement of an open one
+    // fails with it, and a server that does not answer is the health watch's.
+    if (!m_failOver || !m_lost || !m_lostIdle || (m_abort && m_abort->load()) ||
+        detail::consoleEnding().load())
+        return false;
+    if (!reopen().isError())
+        return true;
+    m_lost = true;
+    m_lostIdle = false;
+    return false;
+}
+
+Rows Database::readOnce(const QString& sql)
+{
     if (!isOpen())
         return Rows(noteFailure(fileError(u"The connection to the database is closed."_s)));
     if (DbError gone = fileGone(); gone.isError())
         return Rows(gone);
     startStatement(sql);
     const QSqlDatabase db = qtDatabase();
-    // Outside a transaction a read may simply run again on the server that took over.
-    const bool mayFailOver = canFailOver() && detail::pgIdle(detail::pgHandle(db));
     DbError failure;
     std::unique_ptr<CursorBackend> backend;
     if (m_native && m_settings.kind == DbKind::SQLite && detail::sqliteHandle(db))
@@ -293,22 +320,9 @@ Rows Database::read(const QString& sql)
         backend = detail::pgCursor(detail::pgHandle(db), sql, failure, m_deadlineMs, m_abort);
     } else
         backend = detail::qtCursor(db, sql, failure);
-    if (!backend) {
-        DbError e = noteFailure(failure);
-        if (mayFailOver && m_lost && !(m_abort && m_abort->load()) &&
-            !detail::consoleEnding().load()) {
-            if (!reopen().isError())
-                return read(sql);
-            m_lost = true;
-        }
-        return Rows(e);
-    }
+    if (!backend)
+        return Rows(noteFailure(failure));
     return Rows(std::move(backend));
-}
-
-bool Database::canFailOver() const
-{
-    return m_settings.kind == DbKind::PostgreSQL && serverList(m_settings.serverIp).size() > 1;
 }
 
 Rows Database::readFirst(const QString& sql)
