@@ -29,10 +29,10 @@ QString PgCluster::binDir()
 {
     QString bin = qEnvironmentVariable("SX_PG_BIN");
     if (bin.isEmpty()) {
-        QStringList all = QDir(u"/usr/lib/postgresql"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-        std::sort(all.begin(), all.end(), [](const QString& a, const QString& b) {
-            return a.toInt() < b.toInt();
-        });
+        QStringList all =
+            QDir(u"/usr/lib/postgresql"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        std::sort(all.begin(), all.end(),
+                  [](const QString& a, const QString& b) { return a.toInt() < b.toInt(); });
         if (!all.isEmpty())
             bin = u"/usr/lib/postgresql/"_s + all.last() + u"/bin"_s;
     }
@@ -71,14 +71,16 @@ bool PgCluster::run(const QString& program, const QStringList& args)
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(u"PGPASSWORD"_s, QString::fromUtf16(kDbPassword));
     const QString path = binDir() + u'/' + program;
-    const ToolRun r = geteuid() == 0
-                          ? runTool(u"runuser"_s, QStringList{u"-u"_s, u"postgres"_s, u"--"_s, path} + args, env)
-                          : runTool(path, args, env);
+    const ToolRun r =
+        geteuid() == 0
+            ? runTool(u"runuser"_s, QStringList{u"-u"_s, u"postgres"_s, u"--"_s, path} + args, env)
+            : runTool(path, args, env);
     if (r.code == 0)
         return true;
     QFile log(m_dir.path() + u"/server.log"_s);
-    m_problem = m_name + u": "_s + program + u" failed: "_s + r.out + r.err +
-                (log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll().right(2000)) : QString());
+    m_problem =
+        m_name + u": "_s + program + u" failed: "_s + r.out + r.err +
+        (log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll().right(2000)) : QString());
     return false;
 }
 
@@ -114,8 +116,9 @@ bool PgCluster::start(const QString& address, int port, const QStringList& setti
     m_address = address;
     m_port = port;
     // A socket folder of its own: two servers may share a port on two addresses.
-    QString options = u"-p %1 -k %2 -c listen_addresses=%3 -c fsync=off -c synchronous_commit=off "
-                      u"-c full_page_writes=off"_s.arg(QString::number(port), m_dir.path(), address);
+    QString options =
+        u"-p %1 -k %2 -c listen_addresses=%3 -c fsync=off -c synchronous_commit=off "
+        u"-c full_page_writes=off"_s.arg(QString::number(port), m_dir.path(), address);
     for (const QString& s : settings)
         options += u" -c "_s + s;
     m_running = run(u"pg_ctl"_s, {u"-D"_s, dataDir(), u"-l"_s, m_dir.path() + u"/server.log"_s,
@@ -140,7 +143,8 @@ bool PgCluster::give(const QString& from, const QString& name) const
 {
     const QString to = dataDir() + u'/' + name;
     QFile::remove(to);
-    if (!QFile::copy(from, to) || !QFile::setPermissions(to, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+    if (!QFile::copy(from, to) ||
+        !QFile::setPermissions(to, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
         return false;
     return geteuid() != 0 || runTool(u"chown"_s, {u"postgres:"_s, to}).code == 0;
 }
