@@ -2,6 +2,8 @@
 
 #include "ToolRun.h"
 #include "model/ConnectionSettings.h"
+#include "model/Database.h"
+#include "sim/SimRunner.h"
 
 #include <QDir>
 #include <QFile>
@@ -147,6 +149,57 @@ bool PgCluster::give(const QString& from, const QString& name) const
         !QFile::setPermissions(to, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
         return false;
     return geteuid() != 0 || runTool(u"chown"_s, {u"postgres:"_s, to}).code == 0;
+}
+
+QString pairUrl(const PgCluster& primary, const PgCluster& standby, const QString& name)
+{
+    return u"postgresql://%1:%2@%3:%4,%5:%6/%7"_s.arg(
+        QString::fromUtf16(kDbUser), QString::fromUtf16(kDbPassword), primary.address(),
+        QString::number(primary.port()), standby.address(), QString::number(standby.port()), name);
+}
+
+bool makeReplicatedPair(PgCluster& primary, PgCluster& standby, const QString& name, int units,
+                        QString& problem)
+{
+    const int port = PgCluster::freePort();
+    if (!primary.init() || !primary.start(u"127.0.0.1"_s, port)) {
+        problem = primary.problem();
+        return false;
+    }
+    Database admin;
+    admin.allowGuiThread();
+    ConnectionSettings where;
+    where.kind = DbKind::PostgreSQL;
+    where.serverIp = primary.address();
+    where.serverPort = QString::number(port);
+    where.dataSource = u"postgres"_s;
+    DbError e = admin.open(where);
+    if (!e.isError())
+        e = admin.exec(u"CREATE DATABASE "_s + name);
+    if (e.isError()) {
+        problem = e.description;
+        return false;
+    }
+    sim::SimOptions seed;
+    seed.command = sim::SimCommand::Seed;
+    seed.dbUrl = u"postgresql://%1:%2@127.0.0.1:%3/%4"_s.arg(
+        QString::fromUtf16(kDbUser), QString::fromUtf16(kDbPassword), QString::number(port), name);
+    seed.units = units;
+    seed.days = 1;
+    QString out;
+    QString err;
+    QTextStream o(&out);
+    QTextStream r(&err);
+    const std::atomic<bool> stop{false};
+    if (sim::runSimCommand(seed, o, r, stop) != sim::kExitOk) {
+        problem = err;
+        return false;
+    }
+    if (!standby.cloneOf(primary) || !standby.start(u"127.0.0.2"_s, port)) {
+        problem = standby.problem();
+        return false;
+    }
+    return true;
 }
 
 } // namespace sx::test

@@ -45,4 +45,12 @@ private:
     QString m_problem;
 };
 
+// A primary on 127.0.0.1 and its streaming standby on 127.0.0.2, one port,
+// with a database `name` that the simulator seeded with `units` units; on
+// failure `problem` says why. The pair's URL is pairUrl().
+[[nodiscard]] bool makeReplicatedPair(PgCluster& primary, PgCluster& standby, const QString& name,
+                                      int units, QString& problem);
+[[nodiscard]] QString pairUrl(const PgCluster& primary, const PgCluster& standby,
+                              const QString& name);
+
 } // namespace sx::test
