@@ -27,6 +27,13 @@ bool onGuiThread()
     return app && app->thread() == QThread::currentThread();
 }
 
+// A libpq keyword value; the driver turns every ';' of its options into a blank.
+QString pgQuoted(QString value)
+{
+    value.replace(u'\\', u"\\\\"_s).replace(u'\'', u"\\'"_s);
+    return u'\'' + value + u'\'';
+}
+
 DbError fileError(const QString& description)
 {
     DbError e;
@@ -62,6 +69,7 @@ void Database::startStatement(const QString& sql)
 {
     if (g_guiThreadGuard && !m_guiThreadAllowed && onGuiThread())
         qFatal("A statement was started on the GUI thread: %s", qPrintable(sql.left(200)));
+    m_wasIdle = m_failOver && detail::pgIdle(detail::pgHandle(qtDatabase()));
     m_watch->abort = m_abort;
     m_watch->deadline =
         m_deadlineMs < 0 ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(m_deadlineMs);
@@ -99,6 +107,10 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
     m_settings = settings;
     m_mode = mode;
     m_lost = false;
+    m_lostIdle = false;
+    m_wasIdle = false;
+    // Several servers are named: a lost one may have handed over to another.
+    m_failOver = settings.kind == DbKind::PostgreSQL && serverList(settings.serverIp).size() > 1;
 
     QSqlDatabase db;
     switch (settings.kind) {
@@ -116,20 +128,28 @@ DbError Database::open(const ConnectionSettings& settings, OpenMode mode)
                              QString::number(m_deadlineMs < 0 ? 5000 : kSqliteBusyTimeoutMs));
         break;
     }
-    case DbKind::PostgreSQL:
+    case DbKind::PostgreSQL: {
         db = QSqlDatabase::addDatabase(u"QPSQL"_s, m_name);
-        db.setHostName(settings.serverIp.isEmpty() ? u"localhost"_s : settings.serverIp);
-        if (!settings.serverPort.isEmpty())
+        // Keep-alives and a user time-out notice a peer that went silent.
+        QString options =
+            u"connect_timeout=3;keepalives=1;keepalives_idle=10;keepalives_interval=3;"
+            u"keepalives_count=3;tcp_user_timeout=15000"_s;
+        // The driver takes one port number only; a list goes in as a keyword.
+        for (const auto& [key, value] : pgServerKeywords(settings, true)) {
+            if (key == u"host")
+                db.setHostName(value);
+            else
+                options += u';' + key + u'=' + pgQuoted(value);
+        }
+        if (!settings.serverPort.isEmpty() && !settings.serverPort.contains(u','))
             db.setPort(settings.serverPort.toInt());
         db.setDatabaseName(settings.dataSource);
         db.setUserName(settings.user.isEmpty() ? QString::fromUtf16(kDbUser) : settings.user);
         db.setPassword(settings.password.isEmpty() ? QString::fromUtf16(kDbPassword)
                                                    : settings.password);
-        // Keep-alives and a user time-out notice a peer that went silent.
-        db.setConnectOptions(
-            u"connect_timeout=3;keepalives=1;keepalives_idle=10;keepalives_interval=3;"
-            u"keepalives_count=3;tcp_user_timeout=15000"_s);
+        db.setConnectOptions(options);
         break;
+    }
     case DbKind::Access:
         db = QSqlDatabase::addDatabase(u"QODBC"_s, m_name);
         db.setDatabaseName(u"DRIVER={Microsoft Access Driver (*.mdb, *.accdb)};DBQ="_s +
@@ -199,9 +219,19 @@ bool Database::reachable(const ConnectionSettings& settings)
         const QFileInfo info(settings.file);
         return info.isFile() && info.isReadable();
     }
-    case DbKind::PostgreSQL:
-        return detail::pgReachable(settings.serverIp.isEmpty() ? u"localhost"_s : settings.serverIp,
-                                   settings.serverPort, settings.dataSource);
+    case DbKind::PostgreSQL: {
+        // Only whether some server answers: which one takes writes, and
+        // whether its certificate holds, the reopen finds out.
+        QString host;
+        QString port;
+        for (const auto& [key, value] : pgServerKeywords(settings)) {
+            if (key == u"host")
+                host = value;
+            else if (key == u"port")
+                port = value;
+        }
+        return detail::pgReachable(host, port, settings.dataSource);
+    }
     default:
         return true;
     }
@@ -232,6 +262,8 @@ DbError Database::noteFailure(DbError e)
     }
     if (m_settings.kind == DbKind::PostgreSQL) {
         if (!isOpen() || !detail::pgConnectionOk(detail::pgHandle(qtDatabase()))) {
+            if (!m_lost)
+                m_lostIdle = m_wasIdle;
             m_lost = true;
             e.cause = DbFailureCause::Unreachable;
         }
@@ -251,6 +283,28 @@ DbError Database::fileGone()
 }
 
 Rows Database::read(const QString& sql)
+{
+    Rows rows = readOnce(sql);
+    if (!rows.ok() && failOver())
+        rows = readOnce(sql);
+    return rows;
+}
+
+bool Database::failOver()
+{
+    // Only a connection lost between transactions: a statement of an open one
+    // fails with it, and a server that does not answer is the health watch's.
+    if (!m_failOver || !m_lost || !m_lostIdle || (m_abort && m_abort->load()) ||
+        detail::consoleEnding().load())
+        return false;
+    if (!reopen().isError())
+        return true;
+    m_lost = true;
+    m_lostIdle = false;
+    return false;
+}
+
+Rows Database::readOnce(const QString& sql)
 {
     if (!isOpen())
         return Rows(noteFailure(fileError(u"The connection to the database is closed."_s)));

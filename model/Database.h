@@ -112,12 +112,19 @@ private:
     DbError noteFailure(DbError e);
     void startStatement(const QString& sql);
     DbError fileGone();
+    [[nodiscard]] Rows readOnce(const QString& sql);
+    // Reopens a connection lost outside a transaction when another server may
+    // have taken over; true when it worked.
+    [[nodiscard]] bool failOver();
 
     QString m_name;
     ConnectionSettings m_settings;
     OpenMode m_mode = OpenMode::Existing;
     bool m_native = true;
     bool m_lost = false;
+    bool m_failOver = false;
+    bool m_wasIdle = false;  // outside a transaction when the last statement began
+    bool m_lostIdle = false; // ... when the connection was lost
     bool m_guiThreadAllowed = false;
     int m_deadlineMs = kDefaultDeadlineMs;
     const std::atomic<bool>* m_abort = nullptr;

@@ -35,6 +35,8 @@ const QString kDisconnected =
     u"1. Ο διακομιστής ή/και ο Η/Υ σας αποσυνδέθηκε από το δίκτυο. Τερματίστε την εφαρμογή και επαναφέρεται τη σύνδεση του διακομιστή ή/και του Η/Υ σας με το δίκτυο πριν εκτελέσετε και πάλι την εφαρμογή."_s;
 const QString kSlowServer =
     u"1. Ο διακομιστής δεν απάντησε έγκαιρα, επειδή είναι φορτωμένος ή κάποια άλλη εργασία κρατά τα δεδομένα. Η σύνδεση διατηρείται και η εφαρμογή θα ξαναδοκιμάσει μόνη της. Εάν το πρόβλημα παραμένει, επικοινωνήστε με τον υπεύθυνο διαχείρισης της βάσης δεδομένων."_s;
+const QString kCertificateRejected =
+    u"1. Το πιστοποιητικό ασφαλείας του διακομιστή δεν μπόρεσε να επαληθευτεί και η σύνδεση απορρίφθηκε για λόγους ασφαλείας. Ενδέχεται ο διακομιστής να μην είναι αυτός που ορίζουν οι παράμετροι της εφαρμογής ή το πιστοποιητικό του να έχει αλλάξει. Τερματίστε την εφαρμογή και επικοινωνήστε με τον υπεύθυνο διαχείρισης της βάσης δεδομένων."_s;
 const QString kUnknownOracle =
     u"- Άγνωστο σφάλμα. Επικοινωνήστε με τους υπεύθυνους διαχείρισης δικτύου και βάσης δεδομένων."_s;
 const QString kUnknownProvider =
@@ -97,6 +99,8 @@ QString causesFor(DbFailureCause cause)
         return oracleCauses(u"01089");
     case DbFailureCause::Slow:
         return kSlowServer;
+    case DbFailureCause::CertificateRejected:
+        return kCertificateRejected;
     case DbFailureCause::Unknown:
         break;
     }
@@ -127,6 +131,12 @@ DbFailureCause classifyFailure(const QString& message, const QString& sqlState)
         return DbFailureCause::Authentication;
     if (sqlState == u"3D000")
         return DbFailureCause::NoSuchDatabase;
+    // libpq's own words when TLS verification fails; they also say "connection to server".
+    if (m.contains(u"certificate verify failed") || m.contains(u"ssl error: certificate") ||
+        (m.contains(u"server certificate for") && m.contains(u"does not match host name")) ||
+        m.contains(u"root certificate file") ||
+        m.contains(u"could not get server's host name from server certificate"))
+        return DbFailureCause::CertificateRejected;
     if (m.contains(u"starting up") || m.contains(u"not yet accepting connections") ||
         m.contains(u"in recovery mode"))
         return DbFailureCause::StartingUp;

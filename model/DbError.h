@@ -15,7 +15,8 @@ enum class DbFailureCause {
     NoSuchDatabase,
     StartingUp,
     ShuttingDown,
-    Slow, // the server did not answer in time; the statement was cancelled
+    Slow,                // the server did not answer in time; the statement was cancelled
+    CertificateRejected, // TLS: the server's certificate could not be verified
 };
 
 struct DbError {

@@ -353,6 +353,11 @@ bool pgReachable(const QString& host, const QString& port, const QString& dbName
     return PQping(info.toUtf8().constData()) == PQPING_OK;
 }
 
+bool pgIdle(pg_conn* conn)
+{
+    return conn && PQstatus(conn) == CONNECTION_OK && PQtransactionStatus(conn) == PQTRANS_IDLE;
+}
+
 bool pgConnectionOk(pg_conn* conn)
 {
     return conn && PQstatus(conn) == CONNECTION_OK;

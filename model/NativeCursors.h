@@ -58,6 +58,9 @@ inline constexpr char16_t kAborted[] = u"The statement was abandoned.";
 // true when a PostgreSQL server answers at that address (accepting or not).
 [[nodiscard]] bool pgReachable(const QString& host, const QString& port, const QString& dbName);
 
+// true when the connection is open and outside a transaction.
+[[nodiscard]] bool pgIdle(pg_conn* conn);
+
 // false when the server connection has been lost.
 [[nodiscard]] bool pgConnectionOk(pg_conn* conn);
 

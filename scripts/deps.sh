@@ -3,7 +3,7 @@ SX_PACKAGES=(
     build-essential cmake ninja-build pkg-config lld
     qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libgl-dev
     libsqlite3-dev libpq-dev libquazip1-qt6-dev
-    postgresql dbus
+    postgresql dbus openssl
     poppler-utils python3 python3-openpyxl
     fonts-liberation2 fontconfig
     dpkg-dev file lintian desktop-file-utils appstream

@@ -29,7 +29,15 @@ QString safeUrl(const ConnectionSettings& s)
 {
     if (s.kind == DbKind::SQLite)
         return u"sqlite:"_s + s.file;
-    return u"postgresql://%1@%2:%3/%4"_s.arg(s.user, s.serverIp, s.serverPort, s.dataSource);
+    // In the URL's own form: every server with its port.
+    const QStringList hosts = serverList(s.serverIp);
+    const QStringList ports = serverList(s.serverPort);
+    QStringList servers;
+    for (qsizetype i = 0; i < hosts.size(); ++i) {
+        const QString port = ports.value(i, ports.value(0));
+        servers.append(port.isEmpty() ? hosts.at(i) : hosts.at(i) + u':' + port);
+    }
+    return u"postgresql://%1@%2/%3"_s.arg(s.user, servers.join(u','), s.dataSource);
 }
 
 QString oneLine(QString text)

@@ -100,6 +100,9 @@ ConnectionSettings SettingsStore::connection() const
     s.dataSource = app(u"DBDataSource"_s);
     s.serverIp = app(u"DBServerIP"_s);
     s.serverPort = app(u"DBServerPORT"_s);
+    // Kept in the file only: who runs the server sets them, not the dialog.
+    s.sslMode = app(u"DBSslMode"_s).trimmed();
+    s.sslRootCert = app(u"DBSslRootCert"_s);
     return s;
 }
 

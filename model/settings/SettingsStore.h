@@ -13,8 +13,9 @@ class QSettings;
 namespace sx {
 
 // The per-user settings: section AppSettings (Init, DBType, DBFile,
-// DBDataSource, DBServerIP, DBServerPORT) and section SPS (SP1, the code that
-// protects them). Every value is text. The file is readable by its owner only.
+// DBDataSource, DBServerIP, DBServerPORT; DBSslMode and DBSslRootCert, set in
+// the file by hand) and section SPS (SP1, the code that protects them). Every value is text. The
+// file is readable by its owner only.
 class SettingsStore {
 public:
     // The user's own store.

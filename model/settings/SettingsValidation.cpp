@@ -16,6 +16,9 @@ bool allDecimalDigits(const QString& text)
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
+const QString kPortList =
+    u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να έχει έναν αριθμό ή τόσους αριθμούς, χωρισμένους με κόμμα, όσες είναι και οι διευθύνσεις του πεδίου 'IP διακομιστή (server IP)'."_s;
+
 } // namespace
 
 std::optional<QString> settingsProblem(const SettingsForm& form)
@@ -31,8 +34,17 @@ std::optional<QString> settingsProblem(const SettingsForm& form)
             portUsed || (form.kind == DbKind::PostgreSQL && !form.serverPort.isEmpty());
         if (portUsed && form.serverPort.isEmpty())
             return u"Δεν έχετε συμπληρώσει τo πεδίo 'Port διακομιστή (server Port)'"_s;
-        if (portChecked && !allDecimalDigits(form.serverPort))
+        // A list of servers (PostgreSQL only) takes one port for all or one for each.
+        if (form.kind == DbKind::PostgreSQL && form.serverPort.contains(u',')) {
+            const QStringList ports = form.serverPort.split(u',');
+            const auto servers = std::max<qsizetype>(1, serverList(form.serverIp).size());
+            if (ports.size() != servers ||
+                !std::all_of(ports.begin(), ports.end(),
+                             [](const QString& p) { return !p.isEmpty() && allDecimalDigits(p); }))
+                return kPortList;
+        } else if (portChecked && !allDecimalDigits(form.serverPort)) {
             return u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να είναι αριθμός."_s;
+        }
     } else if (form.file.isEmpty()) {
         return u"Δεν έχετε συμπληρώσει τo πεδίo 'Αρχείο βάσης δεδομένων (sxdb.mdb)'"_s;
     }

@@ -31,6 +31,8 @@ const QString kNoDataSource =
 const QString kNoPort = u"Δεν έχετε συμπληρώσει τo πεδίo 'Port διακομιστή (server Port)'"_s;
 const QString kPortNotNumber =
     u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να είναι αριθμός."_s;
+const QString kPortList =
+    u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να έχει έναν αριθμό ή τόσους αριθμούς, χωρισμένους με κόμμα, όσες είναι και οι διευθύνσεις του πεδίου 'IP διακομιστή (server IP)'."_s;
 const QString kNoFile = u"Δεν έχετε συμπληρώσει τo πεδίo 'Αρχείο βάσης δεδομένων (sxdb.mdb)'"_s;
 const QString kNoCodes =
     u"Δεν έχετε συμπληρώσει τα πεδία 'Κωδικός προστασίας παραμέτρων' και 'Επιβεβαίωση κωδικού'"_s;
@@ -121,6 +123,16 @@ private slots:
         row("PostgreSQL here, default port", {K::PostgreSQL, {}, u"sx"_s, {}, {}, c, c}, {});
         // Here the port is used even without an IP, so it must be a number.
         row("PostgreSQL here, port abc", {K::PostgreSQL, {}, u"sx"_s, {}, u"abc"_s, c, c},
+            kPortNotNumber);
+        const QString pair = u"10.0.0.5,10.0.0.6"_s;
+        row("pair, one port", {K::PostgreSQL, {}, u"sx"_s, pair, u"5432"_s, c, c}, {});
+        row("pair, two ports", {K::PostgreSQL, {}, u"sx"_s, pair, u"5432,5433"_s, c, c}, {});
+        row("pair, three ports", {K::PostgreSQL, {}, u"sx"_s, pair, u"1,2,3"_s, c, c}, kPortList);
+        row("pair, a port of letters", {K::PostgreSQL, {}, u"sx"_s, pair, u"1,x"_s, c, c},
+            kPortList);
+        row("pair, one port of letters", {K::PostgreSQL, {}, u"sx"_s, pair, u"x"_s, c, c},
+            kPortNotNumber);
+        row("Oracle keeps its own check", {K::Oracle, {}, u"SX"_s, ip, u"1,2"_s, c, c},
             kPortNotNumber);
         row("Access without file, server fields filled",
             {K::Access, {}, u"SX"_s, ip, u"1521"_s, c, c}, kNoFile);

@@ -115,6 +115,32 @@ private slots:
         QVERIFY(!parseDbUrl(u"postgresql://host:5432/"_s, s));
     }
 
+    void replicatedUrls_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<QString>(
+            "parsed"); // hosts|ports|name|tls mode|root|target; empty: refused
+        QTest::newRow("pair") << u"postgresql://u:p@10.0.0.1:5433,10.0.0.2:5434/fleet"_s
+                              << u"10.0.0.1,10.0.0.2|5433,5434|fleet|||"_s;
+        QTest::newRow("one port named") << u"postgres://u@a,[::1]:6000/f?sslmode=verify-full"_s
+                                        << u"a,::1|5432,6000|f|verify-full||"_s;
+        QTest::newRow("parameters")
+            << u"postgresql://u@h/f?target_session_attrs=any&sslrootcert=/c%20a.crt"_s
+            << u"h||f||/c a.crt|any"_s;
+        QTest::newRow("unknown parameter") << u"postgresql://u@h/f?sslmod=require"_s << QString();
+        QTest::newRow("port not a number") << u"postgresql://u@a:1,b:x/f"_s << QString();
+    }
+    void replicatedUrls()
+    {
+        QFETCH(QString, url);
+        ConnectionSettings s;
+        const bool ok = parseDbUrl(url, s);
+        const QStringList fields = {s.serverIp, s.serverPort,  s.dataSource,
+                                    s.sslMode,  s.sslRootCert, s.targetSessionAttrs};
+        const QString parsed = ok ? fields.join(u'|') : QString();
+        QTEST(parsed, "parsed");
+    }
+
     // Oracle's codes pick their own causes; the server's messages and states are classified.
     void explain_data()
     {
