@@ -205,6 +205,12 @@ QList<ConsoleIndex> consoleIndexes()
     out.append({u"ix_sensors_current_condition_alert"_s, u"Sensors_Current_Condition"_s,
                 u"SeCC_SyI_Serialnumber, SeCC_Sensornumber"_s,
                 u"SeCC_Outofbounds>0 OR SeCC_Alarmcondition>0"_s});
+    // The newest event of every unit, read off the index alone (the table's
+    // pages stay out of the round).
+    out.append({u"ix_events_1_newest"_s,
+                u"Events_1"_s,
+                u"Event_SyI_Serialnumber, Event_SystemEventSN, Event_Datetime"_s,
+                {}});
     return out;
 }
 
