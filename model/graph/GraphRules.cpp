@@ -219,16 +219,6 @@ bool insideView(const GraphView& view, QPointF chart)
            chart.y() <= view.top;
 }
 
-bool segmentDrawn(qint64 olderX, qint64 newerX)
-{
-    return olderX > 0 || newerX > 0;
-}
-
-bool segmentStopsWalk(qint64 olderX, qint64 newerX, int spanMinutes)
-{
-    return olderX >= spanMinutes && newerX >= spanMinutes;
-}
-
 // ---- Scroll bars -------------------------------------------------------------
 
 HScrollBar horizontalScrollBar(const GraphState& state)

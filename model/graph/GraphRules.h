@@ -122,11 +122,6 @@ struct PictureScale {
 // The cursor readout and the rubber band only react inside the view.
 [[nodiscard]] bool insideView(const GraphView& view, QPointF chart);
 
-// The data line: a segment is drawn when one of its ends lies after minute 0;
-// the walk ends at the first segment with both ends at or after the span.
-[[nodiscard]] bool segmentDrawn(qint64 olderX, qint64 newerX);
-[[nodiscard]] bool segmentStopsWalk(qint64 olderX, qint64 newerX, int spanMinutes);
-
 // ---- Scroll bars -------------------------------------------------------------
 
 struct HScrollBar {

@@ -65,6 +65,18 @@ Records gridOf(const std::vector<std::pair<qint64, float>>& oldestFirst)
     return out;
 }
 
+// The data line as first written: a segment is drawn when one of its ends lies after
+// minute 0; the walk ends at the first segment with both ends at or after the span.
+bool segmentDrawn(qint64 olderX, qint64 newerX)
+{
+    return olderX > 0 || newerX > 0;
+}
+
+bool segmentStopsWalk(qint64 olderX, qint64 newerX, int spanMinutes)
+{
+    return olderX >= spanMinutes && newerX >= spanMinutes;
+}
+
 // The chart's walk as written: every drawn point in time order.
 std::vector<QPointF> drawnPoints(const Records& newestFirst, const GraphView& view)
 {
@@ -146,6 +158,7 @@ Records randomRecords(QRandomGenerator& rng, int count)
 } // namespace
 
 Q_DECLARE_METATYPE(Records)
+Q_DECLARE_METATYPE(sx::graph::ValueRange)
 
 // The graph's rules, its decimation and its readout search.
 class TestGraphRules : public QObject {
@@ -197,27 +210,30 @@ private slots:
         QCOMPARE(check.rowIndex, row);
     }
 
+    void valueRangeContainsZero_data()
+    {
+        QTest::addColumn<Records>("records");
+        QTest::addColumn<ValueRange>("range");
+        const auto row = [](const char* name, Records r, ValueRange range) {
+            QTest::newRow(name) << r << range;
+        };
+        row("positive", {rec(0, 5), rec(1, 23.5f), rec(2, 12)}, {0, 30});
+        row("top on a step", {rec(0, 30), rec(1, 2)}, {0, 40});
+        row("both signs", {rec(0, 8), rec(1, -12)}, {-20, 10});
+        row("all zero", {rec(0, 0), rec(1, 0)}, {-10, 0});
+        row("small negative", {rec(0, -5), rec(1, -0.5f)}, {-10, 0});
+        row("negative", {rec(0, -30), rec(1, -1)}, {-40, 0});
+        row("zero and small positive", {rec(0, 0), rec(1, 0.2f)}, {0, 10});
+        row("extremes inside", {rec(0, 1), rec(1, 47), rec(2, -3), rec(3, 2)}, {-10, 50});
+        // Non-finite values leave the scale finite; huge ones keep it.
+        row("nan and inf", {rec(0, kNan), rec(1, 7), rec(2, kInf)}, {0, 10});
+        row("nan and -inf", {rec(0, kNan), rec(1, -kInf)}, {-10, 0});
+        row("huge", {rec(0, 1e30f), rec(1, -1e30f)}, {-1e30f, 1e30f});
+    }
     void valueRangeContainsZero()
     {
-        const struct {
-            Records records;
-            ValueRange range;
-        } cases[] = {
-            {{rec(0, 5), rec(1, 23.5f), rec(2, 12)}, {0, 30}},
-            {{rec(0, 30), rec(1, 2)}, {0, 40}},
-            {{rec(0, 8), rec(1, -12)}, {-20, 10}},
-            {{rec(0, 0), rec(1, 0)}, {-10, 0}},
-            {{rec(0, -5), rec(1, -0.5f)}, {-10, 0}},
-            {{rec(0, -30), rec(1, -1)}, {-40, 0}},
-            {{rec(0, 0), rec(1, 0.2f)}, {0, 10}},
-            {{rec(0, 1), rec(1, 47), rec(2, -3), rec(3, 2)}, {-10, 50}}, // extremes inside
-            // Non-finite values leave the scale finite; huge ones keep it.
-            {{rec(0, kNan), rec(1, 7), rec(2, kInf)}, {0, 10}},
-            {{rec(0, kNan), rec(1, -kInf)}, {-10, 0}},
-            {{rec(0, 1e30f), rec(1, -1e30f)}, {-1e30f, 1e30f}},
-        };
-        for (const auto& c : cases)
-            QCOMPARE(valueRange(c.records, 0, int(c.records.size()) - 1), c.range);
+        QFETCH(Records, records);
+        QTEST(valueRange(records, 0, int(records.size()) - 1), "range");
     }
 
     void initialStateShowsTheFullRange()
@@ -234,25 +250,44 @@ private slots:
         QCOMPARE(QPointF(s.fullBottom, s.fullTop), QPointF(0, 30));
     }
 
-    void valueAndTimeSteps()
+    void valueStepsBySpan_data()
     {
-        const struct {
-            float span;
-            double major, minor;
-        } values[] = {{5, 1, 0.1},          {10, 1, 0.1},    {10.5f, 2, 0.2}, {20, 2, 0.2},
-                      {30, 4, 0.4},         {40, 4, 0.4},    {41, 6, 0.6},    {40000, 4000, 400},
-                      {40010, 4002, 400.2}, {1e6f, 1e5, 1e4}};
-        for (const auto& c : values) {
-            const ValueSteps s = graph::valueSteps(c.span);
-            QCOMPARE(s.major, c.major);
-            QCOMPARE(s.minor, c.minor);
-        }
-        // Span / 20 rounded halves to even, at least 1.
-        const struct {
-            int span, step;
-        } times[] = {{10, 1}, {25, 1}, {30, 2}, {50, 2}, {70, 4}, {1440, 72}};
-        for (const auto& c : times)
-            QCOMPARE(graph::timeStep(c.span), c.step);
+        QTest::addColumn<float>("span");
+        QTest::addColumn<double>("major");
+        QTest::addColumn<double>("minor");
+        for (const auto& [span, major, minor] : {std::tuple{5.0f, 1.0, 0.1},
+                                                 {10.0f, 1.0, 0.1},
+                                                 {10.5f, 2.0, 0.2},
+                                                 {20.0f, 2.0, 0.2},
+                                                 {30.0f, 4.0, 0.4},
+                                                 {40.0f, 4.0, 0.4},
+                                                 {41.0f, 6.0, 0.6},
+                                                 {40000.0f, 4000.0, 400.0},
+                                                 {40010.0f, 4002.0, 400.2},
+                                                 {1e6f, 1e5, 1e4}})
+            QTest::addRow("%g", double(span)) << span << major << minor;
+    }
+    void valueStepsBySpan()
+    {
+        QFETCH(float, span);
+        const ValueSteps s = graph::valueSteps(span);
+        QTEST(s.major, "major");
+        QTEST(s.minor, "minor");
+    }
+
+    // Span / 20 rounded halves to even, at least 1.
+    void timeStepBySpan_data()
+    {
+        QTest::addColumn<int>("span");
+        QTest::addColumn<int>("step");
+        for (const auto& [span, step] :
+             {std::pair{10, 1}, {25, 1}, {30, 2}, {50, 2}, {70, 4}, {1440, 72}})
+            QTest::addRow("%d", span) << span << step;
+    }
+    void timeStepBySpan()
+    {
+        QFETCH(int, span);
+        QTEST(graph::timeStep(span), "step");
     }
 
     void valueTicksReachTheTop()
@@ -286,31 +321,15 @@ private slots:
 
         // Nine-pixel margins, equal at both ends.
         const double mv = valueMargin(view, 301);
-        QCOMPARE(mv, 9.0 * 30 / 300);
+        QCOMPARE(mv, 0.9);
         const PictureScale u = unitScale(view, 301, 40);
         QCOMPARE(u.toPixel({0, 10}).y(), 301 - u.toPixel({0, -20}).y());
         QCOMPARE(u.toPixel({0, 10 + mv}).y(), 0.0);
         const double mt = timeMargin(100, 501);
-        QCOMPARE(mt, 9.0 * 100 / 500);
+        QCOMPARE(mt, 1.8);
         const PictureScale t = timeScale(100, 501, 519, 80);
         QCOMPARE(t.toPixel({-mt, 1}), QPointF(0, 0));
         QCOMPARE(t.toPixel({100 + mt, 0}), QPointF(519, 80));
-    }
-
-    void segmentRules()
-    {
-        const struct {
-            qint64 older, newer;
-            bool drawn, stops;
-        } cases[] = {{-3, 0, false, false},
-                     {-3, 2, true, false},
-                     {0, 0, false, false},
-                     {99, 120, true, false}, // crossing the span end
-                     {100, 100, true, true}};
-        for (const auto& c : cases) {
-            QCOMPARE(segmentDrawn(c.older, c.newer), c.drawn);
-            QCOMPARE(segmentStopsWalk(c.older, c.newer, 100), c.stops);
-        }
     }
 
     void scrollBars()
