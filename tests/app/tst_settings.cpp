@@ -1,6 +1,7 @@
 // The settings: the checks of OK with their messages, and the dialog against
 // a real settings file.
 #include "ScriptedDialogs.h"
+#include "UserTexts.h"
 #include "model/settings/SettingsStore.h"
 #include "model/settings/SettingsValidation.h"
 #include "ui/AppActions.h"
@@ -23,21 +24,9 @@
 using namespace Qt::StringLiterals;
 using namespace sx;
 using test::ScriptedDialogs;
+using namespace sx::test::texts;
 
 namespace {
-
-const QString kNoDataSource =
-    u"Δεν έχετε συμπληρώσει τo πεδίo 'Όνομα βάσης δεδομένων (data source)'"_s;
-const QString kNoPort = u"Δεν έχετε συμπληρώσει τo πεδίo 'Port διακομιστή (server Port)'"_s;
-const QString kPortNotNumber =
-    u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να είναι αριθμός."_s;
-const QString kPortList =
-    u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να έχει έναν αριθμό ή τόσους αριθμούς, χωρισμένους με κόμμα, όσες είναι και οι διευθύνσεις του πεδίου 'IP διακομιστή (server IP)'."_s;
-const QString kNoFile = u"Δεν έχετε συμπληρώσει τo πεδίo 'Αρχείο βάσης δεδομένων (sxdb.mdb)'"_s;
-const QString kNoCodes =
-    u"Δεν έχετε συμπληρώσει τα πεδία 'Κωδικός προστασίας παραμέτρων' και 'Επιβεβαίωση κωδικού'"_s;
-const QString kCodesDiffer =
-    u"Tα πεδία 'Κωδικός προστασίας παραμέτρων' και 'Επιβεβαίωση κωδικού' δεν συμφωνούν"_s;
 
 // A settings file of its own and scripted answers, per test.
 struct Bench {
@@ -267,7 +256,7 @@ private slots:
         const auto shown = b.dialogs.messages();
         QCOMPARE(shown.size(), 1);
         QCOMPARE(shown[0].icon, DialogService::Icon::Exclamation);
-        QCOMPARE(shown[0].title, u"SENTORAX Monitor"_s);
+        QCOMPARE(shown[0].title, kApp);
         QCOMPARE(shown[0].text, kCodesDiffer);
         QCOMPARE(child<QLineEdit>(d, u"AppSetting_4"_s)->text(), u"new "_s);
 
@@ -359,9 +348,7 @@ private slots:
                      u"Δεν είναι δυνατή η εγγραφή στο αρχείο παραμέτρων:\r\n"_s +
                          path + u"\r\nΙσχύουν οι προηγούμενες παράμετροι."_s;
         if (saved)
-            texts << u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\n"
-                     u"Οι αλλαγές θα ισχύσουν απο την επόμενη φορά που θα εκτελεστεί η εφαρμογή "
-                     u"SENTORAX Monitor"_s;
+            texts << kChanged;
         const auto shown = dialogs.messages();
         QStringList shownTexts;
         for (const auto& m : shown)
@@ -369,7 +356,7 @@ private slots:
         QCOMPARE(shownTexts, texts);
         if (!broken.isEmpty()) {
             QCOMPARE(shown[0].icon, DialogService::Icon::Critical);
-            QCOMPARE(shown[0].title, u"SENTORAX Monitor"_s);
+            QCOMPARE(shown[0].title, kApp);
         }
         QVERIFY(!dialogs.anyUnexpected());
         QCOMPARE(ended, saved);

@@ -5,6 +5,7 @@
 #include "ChooseItem.h"
 #include "FaultProxy.h"
 #include "GuiFixture.h"
+#include "UserTexts.h"
 #include "model/settings/SettingsValidation.h"
 #include "shell/Startup.h"
 #include "ui/AppActions.h"
@@ -28,34 +29,13 @@ using namespace Qt::StringLiterals;
 using namespace sx;
 using test::GuiFixture;
 using test::ScriptedDialogs;
+using namespace sx::test::texts;
 
 namespace {
 
 using Answer = DialogService::Answer;
 using Icon = DialogService::Icon;
 using Buttons = DialogService::Buttons;
-
-const QString kWelcome =
-    u"Καλωσορίσατε στην εφαρμογή SENTORAX Monitor.\r\nΠαρακαλώ πατήστε 'ΟΚ' για να καθορίσετε τις παραμέτρους λειτουργίας της εφαρμογής."_s;
-const QString kSetupRefused =
-    u"H εφαρμογή SENTORAX Monitor δεν μπορεί να ξεκινήσει εάν δεν καθοριστούν οι παράμετροι λειτουργίας της.\r\nΠατήστε 'ΟΚ' για καθορισμό ή 'Άκυρο' για να τερματίσετε την εφαρμογή."_s;
-const QString kQuestion =
-    u"\r\n\r\nΠατήστε 'Ναι' για να αλλάξετε τις παραμέτρους της εφαρμογής ή 'Όχι' για να τερματίσετε την εφαρμογή."_s;
-const QString kHeaderStart = u"Παρουσιάστηκε το παρακάτω σφάλμα:\r\nError number: "_s;
-const QString kCausesHeading = u"\r\n\r\nΠιθανά αίτια και προτεινόμενες λύσεις:\r\n"_s;
-const QString kUnknown =
-    u"- Άγνωστο σφάλμα. Επικοινωνήστε με την εταιρία που σας προμήθευσε την εφαρμογή."_s;
-const QString kUnreachable =
-    u"1. Η σύνδεση του διακομιστή με το δίκτυο δεν είναι διαθέσιμη ή ο διακομιστής δεν λειτουργεί. "
-    u"Βεβαιωθείτε ότι ο διακομιστής βρίσκεται σε λειτουργία και η σύνδεση του με το δίκτυο είναι "
-    u"διαθέσιμη.\r\n"
-    u"2. Έχετε καθορίσει λανθασμένη IP διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής.\r\n"
-    u"3. Έχετε καθορίσει λανθασμένο PORT διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
-const QString kPressOk = u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή."_s;
-const QString kChangeTitle = u"SENTORAX Monitor / Αλλαγή παραμέτρων εφαρμογής"_s;
-const QString kChanged =
-    u"Πατήστε 'ΟΚ' για να τερματίσετε την εφαρμογή.\r\nΟι αλλαγές θα ισχύσουν απο την επόμενη φορά που θα εκτελεστεί η εφαρμογή SENTORAX Monitor"_s;
-const QString kFileWait = u"Άνοιγμα αρχείου βάσης δεδομένων."_s;
 
 // A main window with nothing but the frame: it records its selection events.
 class ProbeMain : public ViewWindow {
@@ -78,7 +58,6 @@ public:
 // What a shown dialog was, by its exact texts; "?" when nothing matches.
 QString classify(const ScriptedDialogs::Shown& s)
 {
-    const QString app = u"SENTORAX Monitor"_s;
     const struct {
         const char* name;
         QString title;
@@ -86,19 +65,19 @@ QString classify(const ScriptedDialogs::Shown& s)
         Buttons buttons;
         QString text;
     } known[] = {
-        {"code", kChangeTitle, Icon::None, Buttons::Ok,
-         u"Παρακαλώ εισάγετε τον κωδικό προστασίας παραμέτρων"_s},
-        {"welcome", app, Icon::Information, Buttons::Ok, kWelcome},
-        {"setup refused", app, Icon::Critical, Buttons::OkCancel, kSetupRefused},
-        {"explain unknown", app, Icon::Critical, Buttons::YesNo, kUnknown + kQuestion},
-        {"explain unreachable", app, Icon::Critical, Buttons::YesNo, kUnreachable + kQuestion},
-        {"wrong code", kChangeTitle, Icon::Critical, Buttons::Ok, u"Λάθος κωδικός !"_s},
-        {"press ok", app, Icon::Information, Buttons::Ok, kPressOk},
+        {"code", kChangeTitle, Icon::None, Buttons::Ok, kCodePrompt},
+        {"welcome", kApp, Icon::Information, Buttons::Ok, kWelcome},
+        {"setup refused", kApp, Icon::Critical, Buttons::OkCancel, kSetupRefused},
+        {"explain unknown", kApp, Icon::Critical, Buttons::YesNo, kUnknownProvider + kChangeOrEnd},
+        {"explain unreachable", kApp, Icon::Critical, Buttons::YesNo,
+         kCausesNetwork + kChangeOrEnd},
+        {"wrong code", kChangeTitle, Icon::Critical, Buttons::Ok, kWrongCode},
+        {"press ok", kApp, Icon::Information, Buttons::Ok, kPressOk},
         {"changed", kChangeTitle, Icon::Information, Buttons::Ok, kChanged}};
     if (s.kind == u"settings")
         return s.kind;
     // An explanation: the error's number and words, then the causes that are compared.
-    const bool explains = s.text.startsWith(kHeaderStart) && s.text.contains(kCausesHeading);
+    const bool explains = s.text.startsWith(kErrorHeader) && s.text.contains(kCausesHeading);
     const QString text = explains ? s.text.section(kCausesHeading, 1) : s.text;
     const bool code = s.kind == u"code"; // a prompt: no icon or buttons of its own
     if (!code && s.kind != u"message")
@@ -131,33 +110,105 @@ Target targetFor(const QString& name, GuiFixture& f)
         t.where.dataSource = u"sentorax"_s;
         t.where.serverIp = u"127.0.0.1"_s;
         t.where.serverPort = u"1"_s;
-        t.waitMessage = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:127.0.0.1  PORT:1"_s;
+        t.waitMessage = kServerWait + u"IP:127.0.0.1  PORT:1"_s;
     } else if (name.startsWith(u"type")) {
         t.where.kind = DbKind::Access;
         t.where.file = f.scratch.folder() + u"/nosuch.mdb"_s;
         t.waitMessage = kFileWait;
     } else {
         t.where = f.scratch.settings();
-        t.waitMessage = f.scratch.isPostgres()
-                            ? u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:"_s +
-                                  t.where.serverIp + u"  PORT:"_s + t.where.serverPort
-                            : kFileWait;
+        t.waitMessage = f.scratch.isPostgres() ? kServerWait + u"IP:"_s + t.where.serverIp +
+                                                     u"  PORT:"_s + t.where.serverPort
+                                               : kFileWait;
     }
     return t;
 }
 
-void store(SettingsStore& s, const ConnectionSettings& where, const QString& code)
+// Stores the settings that reach `where` with the code 1234, and Init unless empty.
+bool store(SettingsStore& s, const ConnectionSettings& where, const QString& init = {})
 {
-    SettingsForm form;
-    form.kind = where.kind;
-    form.file = where.file;
-    form.dataSource = where.dataSource;
-    form.serverIp = where.serverIp;
-    form.serverPort = where.serverPort;
-    form.code = code;
-    form.confirmation = code;
-    QVERIFY(writeSettingsForm(s, form));
+    const SettingsForm form{where.kind,       where.file, where.dataSource, where.serverIp,
+                            where.serverPort, u"1234"_s,  u"1234"_s};
+    if (!init.isEmpty())
+        s.setApp(u"Init"_s, init);
+    return writeSettingsForm(s, form) && s.sync();
 }
+
+// The boxes shown, by what they are, in order.
+QString seen(const ScriptedDialogs& d)
+{
+    QStringList out;
+    for (const auto& s : d.shown())
+        out << classify(s);
+    return out.join(u'|');
+}
+
+// One start of the console against the scratch database, which holds two units
+// in use; what was shown and stored while it ran.
+struct StartRun {
+    GuiFixture f;
+    ProbeMain* main = nullptr;
+    std::optional<Startup> startup;
+    std::optional<int> code;
+    QString waitShown;
+    bool waitVisible = false;
+    bool waitLeft = false;       // a wait window still up once the attempt was over
+    QStringList valuesWhenAsked; // the stored settings when the settings dialog opened
+    QString lock;
+
+    bool seedUnits()
+    {
+        return f.exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
+                      u"SyI_Systemname, SyI_Used) VALUES ('S2', '2', 'Beta', 1);\n"
+                      u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
+                      u"SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s);
+    }
+    // Ok/Cancel/Yes/No answer boxes, accept/refuse the settings dialog (accept
+    // points the settings at the scratch database), "code" cancels the prompt, code=X.
+    void answer(const QString& script)
+    {
+        const QHash<QString, Answer> answers{{u"Ok"_s, Answer::Ok},
+                                             {u"Cancel"_s, Answer::Cancel},
+                                             {u"Yes"_s, Answer::Yes},
+                                             {u"No"_s, Answer::No}};
+        for (const QString& step : script.split(u' ', Qt::SkipEmptyParts)) {
+            if (answers.contains(step))
+                f.dialogs.answerMessage(answers[step]);
+            else if (step == u"code")
+                f.dialogs.answerCode(std::nullopt);
+            else if (step.startsWith(u"code="))
+                f.dialogs.answerCode(step.mid(5));
+            else
+                f.dialogs.answerSettings([this, step] {
+                    SettingsStore& s = *f.settings;
+                    valuesWhenAsked = {s.protectionCode(),
+                                       s.app(u"DBType"_s, u"-"_s),
+                                       s.app(u"DBFile"_s, u"-"_s),
+                                       s.app(u"DBDataSource"_s, u"-"_s),
+                                       s.app(u"DBServerIP"_s, u"-"_s),
+                                       s.app(u"DBServerPORT"_s, u"-"_s)};
+                    return step == u"accept" && store(s, f.scratch.settings());
+                });
+        }
+    }
+    void run()
+    {
+        startup.emplace(f.ctx, [this](AppContext& ctx) -> ViewWindow* {
+            main = new ProbeMain(ctx);
+            return main;
+        });
+        lock = f.scratch.folder() + u"/console.lock"_s;
+        startup->setLockFile(lock);
+        startup->setConnectingHook([this](QWidget* w) {
+            auto* wait = qobject_cast<WaitWindow*>(w);
+            waitShown = wait ? wait->message() : u"not a wait window"_s;
+            waitVisible = wait && wait->isVisible();
+        });
+        code = startup->run();
+        for (QWidget* w : QApplication::topLevelWidgets())
+            waitLeft |= qobject_cast<WaitWindow*>(w) && w->isVisible();
+    }
+};
 
 } // namespace
 
@@ -167,181 +218,163 @@ class TestStartup : public QObject {
 private slots:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
 
-    void startupPaths_data()
+    // Without settings (Init absent or 0) the console asks for them first.
+    void firstRun_data()
     {
-        QTest::addColumn<QString>("init");     // Init before the start; "-" absent
-        QTest::addColumn<QString>("database"); // what the stored settings reach
-        QTest::addColumn<QStringList>("script");
-        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<QString>("init"); // "-": absent
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("expected");
         QTest::addColumn<int>("exitCode"); // -1: the console runs
-        // Script: Ok/Cancel/Yes/No answer boxes, accept/refuse the settings
-        // dialog (accept points the settings at the row's database), code=X.
-        const auto row = [](const char* name, const QString& init, const QString& database,
-                            const QString& script, const QString& expected, int exitCode) {
-            QTest::newRow(name) << init << database << script.split(u' ', Qt::SkipEmptyParts)
-                                << expected.split(u'|', Qt::SkipEmptyParts) << exitCode;
-        };
-        const QString scratch = u"scratch"_s;
-        const QString missing = u"missing"_s;
-        row("first run accepted", u"-"_s, scratch, u"accept"_s, u"welcome|settings"_s, -1);
-        row("first run refused", u"0"_s, scratch, u"refuse Cancel"_s,
-            u"welcome|settings|setup refused"_s, kExitNormal);
-        row("refused, OK, accepted", u"0"_s, scratch, u"refuse Ok accept"_s,
-            u"welcome|settings|setup refused|settings"_s, -1);
-        row("refused twice, then gave up", u"0"_s, scratch, u"refuse Ok refuse Cancel"_s,
-            u"welcome|settings|setup refused|settings|setup refused"_s, kExitNormal);
-        row("missing file, No", u"1"_s, missing, u"No"_s, u"explain unknown"_s, kExitNoConnection);
-        row("missing file, Yes, wrong code", u"1"_s, missing, u"Yes code=9999"_s,
-            u"explain unknown|code|wrong code|press ok"_s, kExitNoConnection);
-        row("missing file, Yes, prompt cancelled", u"1"_s, missing, u"Yes code"_s,
-            u"explain unknown|code|press ok"_s, kExitNoConnection);
-        row("missing file, Yes, settings cancelled", u"1"_s, missing, u"Yes code=1234 refuse"_s,
-            u"explain unknown|code|settings|press ok"_s, kExitNoConnection);
-        row("missing file, Yes, settings changed", u"1"_s, missing, u"Yes code=1234 accept"_s,
-            u"explain unknown|code|settings|changed"_s, kExitNoConnection);
-        row("refused port, No", u"1"_s, u"refused"_s, u"No"_s, u"explain unreachable"_s,
-            kExitNoConnection);
-        row("working database", u"1"_s, scratch, {}, {}, -1);
-        row("no unit in use: an empty list", u"1"_s, u"idle"_s, {}, {}, -1);
-        // An old install's DBType that is no number means an Access file.
-        for (const char* type : {"type absent", "type=x", "type="})
-            row(type, u"1"_s, QString::fromLatin1(type), u"No"_s, u"explain unknown"_s,
-                kExitNoConnection);
+        QTest::newRow("first run accepted") << u"-"_s << u"accept"_s << u"welcome|settings"_s << -1;
+        QTest::newRow("first run refused")
+            << u"0"_s << u"refuse Cancel"_s << u"welcome|settings|setup refused"_s << kExitNormal;
+        QTest::newRow("refused, OK, accepted")
+            << u"0"_s << u"refuse Ok accept"_s << u"welcome|settings|setup refused|settings"_s
+            << -1;
+        QTest::newRow("refused twice, then gave up")
+            << u"0"_s << u"refuse Ok refuse Cancel"_s
+            << u"welcome|settings|setup refused|settings|setup refused"_s << kExitNormal;
     }
-    void startupPaths()
+    void firstRun()
     {
         QFETCH(QString, init);
-        QFETCH(QString, database);
-        QFETCH(QStringList, script);
-        QFETCH(QStringList, expected);
+        QFETCH(QString, script);
         QFETCH(int, exitCode);
-        const bool connected = exitCode == -1;
-        // Init is set once the settings were accepted; a failed connection ends via terminate.
-        const QString initAfter = connected || init == u"1" ? u"1"_s : u"0"_s;
-        const int terminated = exitCode == kExitNoConnection ? 1 : 0;
-
-        GuiFixture f;
-
-        SX_REQUIRE_FIXTURE(f);
-        QVERIFY(f.exec(
-            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, "
-            u"SyI_Used) VALUES ('S2', '2', 'Beta', 1);\n"
-            u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s));
-
-        if (database == u"idle")
-            QVERIFY(f.exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
-        f.ctx.systemSerials = {u"kept"_s};
-        const Target target = targetFor(database, f);
-        const Target working = targetFor(u"scratch"_s, f);
-        if (database.startsWith(u"type")) {
-            f.settings->setApp(u"DBFile"_s, target.where.file);
-            if (database.contains(u'='))
-                f.settings->setApp(u"DBType"_s, database.section(u'=', 1));
-            f.settings->setApp(u"Init"_s, init);
-        } else if (init != u"-") {
-            store(*f.settings, target.where, u"1234"_s);
-            f.settings->setApp(u"Init"_s, init);
-        } else {
+        StartRun r;
+        SX_REQUIRE_FIXTURE(r.f);
+        QVERIFY(r.seedUnits());
+        if (init == u"-") {
             // Left by some earlier install: the first run must clear it.
-            f.settings->setProtectionCode(u"old"_s);
-            f.settings->setApp(u"DBFile"_s, u"/old/sxdb.mdb"_s);
-        }
-        QVERIFY(f.settings->sync());
-
-        QStringList valuesWhenAsked;
-        for (const QString& step : script) {
-            const QHash<QString, Answer> answers{{u"Ok"_s, Answer::Ok},
-                                                 {u"Cancel"_s, Answer::Cancel},
-                                                 {u"Yes"_s, Answer::Yes},
-                                                 {u"No"_s, Answer::No}};
-            if (answers.contains(step))
-                f.dialogs.answerMessage(answers[step]);
-            else if (step == u"code")
-                f.dialogs.answerCode(std::nullopt);
-            else if (step.startsWith(u"code="))
-                f.dialogs.answerCode(step.mid(5));
-            else
-                f.dialogs.answerSettings([&f, &valuesWhenAsked, working, step] {
-                    SettingsStore& s = *f.settings;
-                    valuesWhenAsked = {s.protectionCode(),
-                                       s.app(u"DBType"_s, u"-"_s),
-                                       s.app(u"DBFile"_s, u"-"_s),
-                                       s.app(u"DBDataSource"_s, u"-"_s),
-                                       s.app(u"DBServerIP"_s, u"-"_s),
-                                       s.app(u"DBServerPORT"_s, u"-"_s)};
-                    if (step != u"accept")
-                        return false;
-                    store(s, working.where, u"1234"_s);
-                    return true;
-                });
-        }
-
-        QString waitShown;
-        bool waitVisible = false;
-        ProbeMain* main = nullptr;
-        std::optional<Startup> startup;
-        startup.emplace(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
-            main = new ProbeMain(ctx);
-            return main;
-        });
-        const QString lock = f.scratch.folder() + u"/console.lock"_s;
-        startup->setLockFile(lock);
-        startup->setConnectingHook([&](QWidget* w) {
-            auto* wait = qobject_cast<WaitWindow*>(w);
-            QVERIFY(wait);
-            waitShown = wait->message();
-            waitVisible = wait->isVisible();
-        });
-        const std::optional<int> code = startup->run();
-
-        QStringList seen;
-        for (const auto& s : f.dialogs.shown())
-            seen << classify(s);
-        QCOMPARE(seen, expected);
-        QVERIFY(!f.dialogs.anyUnexpected());
-        QCOMPARE(f.dialogs.pendingAnswers(), 0);
-        QCOMPARE(code.value_or(-1), exitCode);
-        QCOMPARE(f.settings->app(u"Init"_s), initAfter);
-        QCOMPARE(f.terminated, terminated);
-
-        if (init == u"-" || init == u"0") {
-            // The first run wrote its blank settings before the dialog.
-            QCOMPARE(valuesWhenAsked, (QStringList{{}, u"0"_s, {}, {}, {}, {}}));
-        }
-        if (connected || exitCode == kExitNoConnection) {
-            QVERIFY(waitVisible);
-            QCOMPARE(waitShown, connected ? working.waitMessage : target.waitMessage);
+            r.f.settings->setProtectionCode(u"old"_s);
+            r.f.settings->setApp(u"DBFile"_s, u"/old/sxdb.mdb"_s);
         } else {
-            QVERIFY(waitShown.isEmpty());
+            QVERIFY(store(*r.f.settings, r.f.scratch.settings(), init));
         }
-        // The wait window is gone once the attempt is over.
-        for (QWidget* w : QApplication::topLevelWidgets())
-            QVERIFY(!qobject_cast<WaitWindow*>(w) || !w->isVisible());
+        QVERIFY(r.f.settings->sync());
+        r.answer(script);
+        r.run();
 
-        QCOMPARE(startup->mainWindow() != nullptr, connected);
-        if (exitCode != kExitNormal)
-            QCOMPARE(f.link.isOpen(), connected);
-        if (exitCode == kExitNoConnection)
-            QCOMPARE(f.link.kind(), target.where.kind);
-        if (!connected)
-            return;
-        QCOMPARE(main, startup->mainWindow());
+        const bool connected = exitCode == -1;
+        QTEST(seen(r.f.dialogs), "expected");
+        QVERIFY(!r.f.dialogs.anyUnexpected());
+        QCOMPARE(r.f.dialogs.pendingAnswers(), 0);
+        QCOMPARE(r.code.value_or(-1), exitCode);
+        // Init is set once the settings were accepted.
+        QCOMPARE(r.f.settings->app(u"Init"_s), connected ? u"1"_s : u"0"_s);
+        QCOMPARE(r.f.terminated, 0);
+        // The first run wrote its blank settings before the dialog.
+        QCOMPARE(r.valuesWhenAsked, (QStringList{{}, u"0"_s, {}, {}, {}, {}}));
+        QCOMPARE(r.waitVisible, connected);
+        QCOMPARE(r.waitShown, connected ? targetFor(u"scratch"_s, r.f).waitMessage : QString());
+        QVERIFY(!r.waitLeft);
+        QCOMPARE(r.startup->mainWindow() != nullptr, connected);
+        if (connected)
+            QVERIFY(r.f.link.isOpen() && r.main->isVisible());
+    }
+
+    // The stored settings reach no database: the box explains, then the user may
+    // change the settings behind the code, and the console ends either way.
+    void failedConnection_data()
+    {
+        QTest::addColumn<QString>("database"); // what the stored settings reach
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* name, const QString& database, const QString& script,
+                            const QString& expected) {
+            QTest::newRow(name) << database << script << expected;
+        };
+        const QString missing = u"missing"_s;
+        row("missing file, No", missing, u"No"_s, u"explain unknown"_s);
+        row("missing file, Yes, wrong code", missing, u"Yes code=9999"_s,
+            u"explain unknown|code|wrong code|press ok"_s);
+        row("missing file, Yes, prompt cancelled", missing, u"Yes code"_s,
+            u"explain unknown|code|press ok"_s);
+        row("missing file, Yes, settings cancelled", missing, u"Yes code=1234 refuse"_s,
+            u"explain unknown|code|settings|press ok"_s);
+        row("missing file, Yes, settings changed", missing, u"Yes code=1234 accept"_s,
+            u"explain unknown|code|settings|changed"_s);
+        row("refused port, No", u"refused"_s, u"No"_s, u"explain unreachable"_s);
+        // An old install's DBType that is no number means an Access file.
+        row("type absent", u"type absent"_s, u"No"_s, u"explain unknown"_s);
+        row("type=x", u"type=x"_s, u"No"_s, u"explain unknown"_s);
+        row("type=", u"type="_s, u"No"_s, u"explain unknown"_s);
+    }
+    void failedConnection()
+    {
+        QFETCH(QString, database);
+        QFETCH(QString, script);
+        StartRun r;
+        SX_REQUIRE_FIXTURE(r.f);
+        const Target target = targetFor(database, r.f);
+        if (database.startsWith(u"type")) {
+            r.f.settings->setApp(u"DBFile"_s, target.where.file);
+            if (database.contains(u'='))
+                r.f.settings->setApp(u"DBType"_s, database.section(u'=', 1));
+        } else {
+            QVERIFY(store(*r.f.settings, target.where));
+        }
+        r.f.settings->setApp(u"Init"_s, u"1"_s);
+        QVERIFY(r.f.settings->sync());
+        r.answer(script);
+        r.run();
+
+        QTEST(seen(r.f.dialogs), "expected");
+        QVERIFY(!r.f.dialogs.anyUnexpected());
+        QCOMPARE(r.f.dialogs.pendingAnswers(), 0);
+        QCOMPARE(r.code, std::optional<int>(kExitNoConnection));
+        QCOMPARE(r.f.settings->app(u"Init"_s), u"1"_s);
+        QCOMPARE(r.f.terminated, 1);
+        QVERIFY(r.waitVisible);
+        QCOMPARE(r.waitShown, target.waitMessage);
+        QVERIFY(!r.waitLeft);
+        QVERIFY(!r.startup->mainWindow());
+        QVERIFY(!r.f.link.isOpen());
+        QCOMPARE(r.f.link.kind(), target.where.kind);
+    }
+
+    // The stored settings work: the main window opens on the units in use and
+    // the lock is held while the console runs.
+    void connects_data()
+    {
+        QTest::addColumn<bool>("idle"); // no unit in use
+        QTest::newRow("working database") << false;
+        QTest::newRow("no unit in use: an empty list") << true;
+    }
+    void connects()
+    {
+        QFETCH(bool, idle);
+        StartRun r;
+        SX_REQUIRE_FIXTURE(r.f);
+        QVERIFY(r.seedUnits());
+        if (idle)
+            QVERIFY(r.f.exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
+        r.f.ctx.systemSerials = {u"kept"_s};
+        QVERIFY(store(*r.f.settings, r.f.scratch.settings(), u"1"_s));
+        r.run();
+
+        QVERIFY(r.f.dialogs.shown().isEmpty());
+        QVERIFY(!r.code);
+        QCOMPARE(r.f.terminated, 0);
+        QVERIFY(r.waitVisible);
+        QCOMPARE(r.waitShown, targetFor(u"scratch"_s, r.f).waitMessage);
+        QVERIFY(!r.waitLeft);
+        QVERIFY(r.f.link.isOpen());
+        ProbeMain* main = r.main;
+        QVERIFY(main && main == r.startup->mainWindow());
         QVERIFY(main->isVisible());
         QCOMPARE(main->windowTitle(), u"SENTORAX Monitor / Τρέχουσα κατάσταση"_s);
         QCOMPARE(main->findChild<QTimer*>(u"UpdateMainfrm"_s)->interval(), 10000);
-        QCOMPARE(f.navigator->mainView(), main);
+        QCOMPARE(r.f.navigator->mainView(), main);
         // Without a unit in use the list is empty and the serials stay as they were.
-        const bool idle = database == u"idle";
         QCOMPARE(test::comboTexts(main->systemSelect()),
                  (idle ? QStringList() : QStringList{u"Alpha [1] (S1)"_s, u"Beta [2] (S2)"_s}));
         QCOMPARE(main->selected, idle ? QList<int>() : QList<int>{0});
         QCOMPARE(main->serials, idle ? QStringList() : QStringList{u"S1"_s});
-        QCOMPARE(f.ctx.systemSerials,
+        QCOMPARE(r.f.ctx.systemSerials,
                  (idle ? QStringList{u"kept"_s} : QStringList{u"S1"_s, u"S2"_s}));
-        // The lock is held while the console runs and freed at its end.
-        QLockFile other(lock);
+        QLockFile other(r.lock);
         QVERIFY(!other.tryLock(0));
-        startup.reset();
+        r.startup.reset();
         QVERIFY(other.tryLock(0));
     }
 
@@ -391,9 +424,7 @@ private slots:
         }
         QVERIFY(f.exec(u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, "
                        u"SyI_Systemname, SyI_Used) VALUES ('S1', '1', 'Alpha', 1)"_s));
-        store(*f.settings, where, u"1234"_s);
-        f.settings->setApp(u"Init"_s, u"1"_s);
-        QVERIFY(f.settings->sync());
+        QVERIFY(store(*f.settings, where, u"1"_s));
         f.dialogs.answerMessage(Answer::No);
 
         MainWindow* main = nullptr;
@@ -417,10 +448,7 @@ private slots:
         // A connect that took long was waited for with the event loop running.
         if (fault == u"black hole" || fault == u"slow")
             QVERIFY2(ticks > 10, qPrintable(QString::number(ticks)));
-        QStringList seen;
-        for (const auto& s : f.dialogs.shown())
-            seen << classify(s);
-        QCOMPARE(seen, expected);
+        QCOMPARE(seen(f.dialogs), expected.join(u'|'));
         QCOMPARE(code.value_or(-1), exitCode);
         if (exitCode != -1)
             return;
@@ -456,9 +484,7 @@ private slots:
         GuiFixture f;
 
         SX_REQUIRE_FIXTURE(f);
-        store(*f.settings, f.scratch.settings(), u"1234"_s);
-        f.settings->setApp(u"Init"_s, u"0"_s);
-        QVERIFY(f.settings->sync());
+        QVERIFY(store(*f.settings, f.scratch.settings(), u"0"_s));
         f.dialogs.answerSettings([] { return false; });
         f.dialogs.answerMessage(Answer::Cancel);
 
@@ -529,38 +555,55 @@ private slots:
         QVERIFY(f.dialogs.shown().isEmpty());
     }
 
+    void waitMessage_data()
+    {
+        QTest::addColumn<int>("dbType");
+        QTest::addColumn<QString>("ip");
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("expected");
+        const QString ip = u"10.0.0.1"_s;
+        QTest::newRow("a file: no address shown") << 2 << ip << u"1521"_s << kFileWait;
+        QTest::newRow("Oracle") << 1 << ip << u"1521"_s
+                                << kServerWait + u"IP:10.0.0.1  PORT:1521"_s;
+        QTest::newRow("Oracle, empty")
+            << 1 << QString() << QString() << kServerWait + u"IP:  PORT:"_s;
+        QTest::newRow("an unknown number is Oracle")
+            << 7 << u"h"_s << u"p"_s << kServerWait + u"IP:h  PORT:p"_s;
+        QTest::newRow("PostgreSQL on this computer")
+            << 3 << QString() << QString() << kServerWait + u"IP:  PORT:"_s;
+    }
     void waitMessage()
     {
-        const QString server = u"Επιχειρείται σύνδεση με τον διακομιστή.\r\n"_s;
-        const struct {
-            int dbType;
-            QString ip, port, expected;
-        } cases[] = {
-            {2, u"10.0.0.1"_s, u"1521"_s, kFileWait}, // a file: no address shown
-            {1, u"10.0.0.1"_s, u"1521"_s, server + u"IP:10.0.0.1  PORT:1521"_s},
-            {1, {}, {}, server + u"IP:  PORT:"_s},
-            {7, u"h"_s, u"p"_s, server + u"IP:h  PORT:p"_s}, // an unknown number is Oracle
-            {3, {}, {}, server + u"IP:  PORT:"_s},           // PostgreSQL on this computer
-        };
-        for (const auto& c : cases) {
-            ConnectionSettings s;
-            s.kind = dbKindFromSetting(c.dbType);
-            s.serverIp = c.ip;
-            s.serverPort = c.port;
-            QCOMPARE(waitMessageFor(s), c.expected);
-        }
+        QFETCH(int, dbType);
+        ConnectionSettings s;
+        s.kind = dbKindFromSetting(dbType);
+        QFETCH(QString, ip);
+        QFETCH(QString, port);
+        s.serverIp = ip;
+        s.serverPort = port;
+        QTEST(waitMessageFor(s), "expected");
     }
 
-    void versionTextAndBox()
+    // Major "." minor, then the revision (the last part) with no separator.
+    void versionText_data()
     {
-        // Major "." minor, then the revision (the last part) with no separator.
-        for (const auto& [version, expected] : {std::pair{u"1.1.5.9"_s, u"V1.19"_s},
-                                                {u"1.0.0"_s, u"V1.00"_s},
-                                                {u"2.10.13"_s, u"V2.1013"_s},
-                                                {u"01.02.03"_s, u"V1.23"_s},
-                                                {u"3"_s, u"V3.00"_s},
-                                                {u""_s, u"V0.00"_s}})
-            QCOMPARE(softwareVersionText(version), expected);
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("four parts") << u"1.1.5.9"_s << u"V1.19"_s;
+        QTest::newRow("zeros") << u"1.0.0"_s << u"V1.00"_s;
+        QTest::newRow("two digits") << u"2.10.13"_s << u"V2.1013"_s;
+        QTest::newRow("leading zeros") << u"01.02.03"_s << u"V1.23"_s;
+        QTest::newRow("major only") << u"3"_s << u"V3.00"_s;
+        QTest::newRow("empty") << u""_s << u"V0.00"_s;
+    }
+    void versionText()
+    {
+        QFETCH(QString, version);
+        QTEST(softwareVersionText(version), "expected");
+    }
+
+    void iconAndVersionBox()
+    {
         // The pictures are resources of a static library: lost unless linked in.
         for (const int size : {16, 22, 24, 32, 48, 64, 128, 256})
             QCOMPARE(appIcon().pixmap(QSize(size, size)).size(), QSize(size, size));
@@ -609,10 +652,7 @@ private slots:
             f.dialogs.answerSettings([dialogAccepts] { return dialogAccepts; });
         changeAppSettings(f.ctx, nullptr);
 
-        QStringList seen;
-        for (const auto& s : f.dialogs.shown())
-            seen << classify(s);
-        QCOMPARE(seen.join(u'|'), expected);
+        QCOMPARE(seen(f.dialogs), expected);
         const bool saved = expected.endsWith(u"changed"_s);
         QCOMPARE(f.settings->app(u"Init"_s), saved ? u"1"_s : u"0"_s);
         QCOMPARE(f.terminated, saved ? 1 : 0);

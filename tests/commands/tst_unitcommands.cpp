@@ -1,4 +1,5 @@
 #include "GuiFixture.h"
+#include "UserTexts.h"
 #include "model/Dialect.h"
 #include "model/commands/CommandRules.h"
 #include "sim/Seeder.h"
@@ -18,6 +19,7 @@
 using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
+using namespace sx::test::texts;
 using Icon = DialogService::Icon;
 using Selection = DialogService::Selection;
 
@@ -27,7 +29,7 @@ namespace {
 class TestHost : public QWidget, public CommandHost {
 public:
     QString serial;
-    QString caption = u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
+    QString caption = kRelayOff;
     int refreshes = 0;
 
     QWidget* commandWindow() override { return this; }
@@ -248,9 +250,6 @@ private slots:
                 u"[1] Ανώνυμη ζώνη;[3] Εξωτερικός χώρος;[4] Πίεση δικτύου;"
                 u"[5] Αποθήκη φαρμάκων;[6] Δεξαμενή;|;ΕΝΕΡΓΟΠΟΙΗΜΕΝΟ;ΠΑΡΑΚΑΜΨΗ"_s.split(u';'));
         const QString relay = u"SyCC_RelayBcondition="_s, alarm = u"SyCC_Alarmcondition="_s;
-        const QString offline = u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s;
-        const QString range =
-            u"Η καθυστέρηση τηλεφωνικής ειδοποίησης πρέπει να είναι μεταξύ 0 και 24 ΩΡΕΣ"_s;
 
         // The caption shown follows the stored relay; the leading zero of the code is kept.
         row("relay shown off is switched on", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
@@ -259,17 +258,14 @@ private slots:
             {relayAsk}, relay + u"0"_s, 1);
         // Replies that carry nothing out.
         row("reply 2, wrong code", "relay", a1, {0, 0}, u"c9999"_s, u"2|9999;1"_s,
-            {relayAsk, say(Icon::Critical, relayTitle(), u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ"_s)}, relay + u"0"_s, 1);
+            {relayAsk, say(Icon::Critical, relayTitle(), kBadCode)}, relay + u"0"_s, 1);
         row("reply 3, unit offline", "relay", u"SX100004"_s, {0, 0}, u"c1234"_s, u"2|1234;1"_s,
-            {relayAsk, say(Icon::Critical, relayTitle(), offline)}, relay + u"0"_s, 1);
+            {relayAsk, say(Icon::Critical, relayTitle(), kUnitOffline)}, relay + u"0"_s, 1);
         row("reply 4, unit programming", "relay", u"SX100005"_s, {0, 0}, u"c1234"_s, u"2|1234;1"_s,
-            {relayAsk,
-             say(Icon::Exclamation, relayTitle(), u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s)},
-            relay + u"0"_s, 1);
+            {relayAsk, say(Icon::Exclamation, relayTitle(), kUnitProgramming)}, relay + u"0"_s, 1);
         row("reply 6 forced, as 5", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk, say(Icon::Exclamation, relayTitle(),
-                           u"Η συγκεκριμένη λειτουργία δέν είναι διαθέσιμη στο σύστημα"_s)},
-            relay + u"0"_s, 1, {u"--reply"_s, u"6"_s});
+            {relayAsk, say(Icon::Exclamation, relayTitle(), kNotAvailable)}, relay + u"0"_s, 1,
+            {u"--reply"_s, u"6"_s});
         // Automatic flips between off (2) and on (3) by the unit's own timetable; no delay asked.
         row("extended unit, automatic", "notification", c1, {0, 0}, u"c1234 s2,-1"_s, u"1|1234;2"_s,
             {ask(notificationTitle(), securityCodePrompt()),
@@ -285,32 +281,27 @@ private slots:
         // Refused before anything is written.
         const QString delayRefused = u"c0042 s1,-1 i"_s;
         row("delay 25", "notification", a1, {}, delayRefused + u"25"_s, {},
-            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), range)}, {}, 0);
+            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), kDelayRange)}, {},
+            0);
         row("delay cancelled", "notification", a1, {}, delayRefused + u"-"_s, {},
-            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), range)}, {}, 0);
+            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), kDelayRange)}, {},
+            0);
         row("delay 1.5", "notification", a1, {}, delayRefused + u"1.5"_s, {},
-            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), u"ΛΑΘΟΣ ΕΠΙΛΟΓΗ"_s)},
-            {}, 0);
+            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), kBadChoice)}, {}, 0);
         // One code check per command: they share the prompt and its checks.
         row("relay, code of 3 digits", "relay", a1, {}, u"c123"_s, {},
-            {relayAsk, say(Icon::Exclamation, relayTitle(),
-                           u"Ο κωδικός πρέπει να έχει μήκος απο 4 εώς 8 νούμερα"_s)},
-            {}, 0);
+            {relayAsk, say(Icon::Exclamation, relayTitle(), kCodeLength)}, {}, 0);
         row("notification, code 12a4", "notification", a1, {}, u"c12a4"_s, {},
-            {entryAsk, say(Icon::Exclamation, notificationTitle(),
-                           u"Ο κωδικός πρέπει να αποτελείται μόνο απο αριθμούς"_s)},
-            {}, 0);
+            {entryAsk, say(Icon::Exclamation, notificationTitle(), kCodeDigits)}, {}, 0);
         row("bypass, code cancelled, silent", "bypass", a1, {}, u"c-"_s, {}, {bypassAsk}, {}, 0);
         row("notification, selection cancelled", "notification", a1, {}, u"c0042 s-"_s, {},
             {entryAsk, twoStates}, {}, 0);
         row("bypass, selection cancelled", "bypass", a1, {}, u"c0042 s-"_s, {}, {bypassAsk, points},
             {}, 0);
         row("bypass without points in use, no code asked", "bypass", u"SX100006"_s, {}, {}, {},
-            {say(Icon::Exclamation, bypassTitle(),
-                 u"Δεν υπάρχουν ενεργοποιημένα σημεία προς παρακολούθηση στο σύστημα !"_s)},
-            {}, 0);
+            {say(Icon::Exclamation, bypassTitle(), kNoPointsInUse)}, {}, 0);
         row("missing unit is unreachable", "relay", u"NO-SUCH"_s, {}, {}, {},
-            {say(Icon::Critical, relayTitle(), offline)}, {}, 1);
+            {say(Icon::Critical, relayTitle(), kUnitOffline)}, {}, 1);
         // A stale, answered row of another console must not be taken for ours.
         row("other rows of the unit are left alone", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
             {relayAsk}, relay + u"1"_s, 1, {}, u"stale"_s, {u"SX100002|3|0042;1;0|1"_s});
@@ -333,8 +324,7 @@ private slots:
             {relayAsk}, {}, 1, stopped, u"delete later"_s);
         // The test answers 2 itself. Another console's row like ours comes after the answer:
         // ours goes, the one still waiting stays.
-        const QStringList wrongCode{relayAsk,
-                                    say(Icon::Critical, relayTitle(), u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ"_s)};
+        const QStringList wrongCode{relayAsk, say(Icon::Critical, relayTitle(), kBadCode)};
         row("the same command from another console, after our answer", "relay", a1, {}, u"c0042"_s,
             u"2|0042;1"_s, wrongCode, {}, 1, stopped, u"late twin"_s, {u"SX100002|2|0042;1|0"_s});
         // The row cannot be removed after the answer and the console ends: the next start
@@ -348,10 +338,8 @@ private slots:
             {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop"_s);
         // Nobody answers: a minute on, whole seconds by the clock, the row is taken back.
         row("silent server times out", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk, say(Icon::Critical, relayTitle(),
-                           u"Η εκτέλεση της εντολής είναι αδύνατη.\r\nΒεβαιωθείτε ότι η εφαρμογή "
-                           u"SENTORAX Server βρίσκεται σε λειτουργία και είναι συνδεδεμένη"_s)},
-            {}, 1, {u"--no-answer"_s}, u"silent"_s);
+            {relayAsk, say(Icon::Critical, relayTitle(), kNoAnswer)}, {}, 1, {u"--no-answer"_s},
+            u"silent"_s);
     }
 
     void commands()
@@ -403,7 +391,7 @@ private slots:
                          u"SyCC_RelayBcondition=%2 WHERE SyCC_SyI_Serialnumber=%3"_s.arg(before[0])
                              .arg(before[1])
                              .arg(sqlQuote(serial))));
-            host->caption = before[1] ? u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s : u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
+            host->caption = before[1] ? kRelayOn : kRelayOff;
         }
         for (const QString& a : answers.split(u' ', Qt::SkipEmptyParts)) {
             const QString v = a.mid(1);
@@ -425,7 +413,7 @@ private slots:
             disabledAtSelection &= s.kind != u"selection" || !host->isEnabled();
             if (s.kind == u"message")
                 messageAt = fx->clock.now();
-            if (s.text != u"ΛΑΘΟΣ ΚΩΔΙΚΟΣ")
+            if (s.text != kBadCode)
                 return;
             if (meanwhile == u"late twin")
                 QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));

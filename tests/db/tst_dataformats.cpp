@@ -1,3 +1,4 @@
+#include "UserTexts.h"
 #include "model/ConnectionSettings.h"
 #include "model/DbError.h"
 #include "model/Dialect.h"
@@ -10,43 +11,9 @@
 
 using namespace Qt::StringLiterals;
 using namespace sx;
+using namespace sx::test::texts;
 
 namespace {
-
-const QString kHeaderStart = u"Παρουσιάστηκε το παρακάτω σφάλμα:\r\nError number: "_s;
-const QString kCausesTitle = u"\r\n\r\nΠιθανά αίτια και προτεινόμενες λύσεις:\r\n"_s;
-
-QString expectedHeader(qint32 number, const QString& description)
-{
-    return kHeaderStart + QString::number(number) + u"\r\nError description: "_s + description +
-           kCausesTitle;
-}
-
-const QString kCauseServer =
-    u"1. Η σύνδεση του διακομιστή με το δίκτυο δεν είναι διαθέσιμη ή ο διακομιστής δεν λειτουργεί. Βεβαιωθείτε ότι ο διακομιστής βρίσκεται σε λειτουργία και η σύνδεση του με το δίκτυο είναι διαθέσιμη."_s;
-const QString kCauseIp =
-    u"2. Έχετε καθορίσει λανθασμένη IP διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
-const QString kCausePort =
-    u"3. Έχετε καθορίσει λανθασμένο PORT διακομιστή. Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
-const QString kCausesNetwork = kCauseServer + u"\r\n"_s + kCauseIp + u"\r\n"_s + kCausePort;
-const QString kCauseLocal =
-    u"1. Η σύνδεση του Η/Υ σας με το δίκτυο δεν είναι διαθέσιμη. Τερματίστε την εφαρμογή, επαναφέρετε τη σύνδεση του Η/Υ με το δίκτυο και στη συνέχεια εκτελέσετε και πάλι την εφαρμογή."_s;
-const QString kCauseDataSource =
-    u"1. Έχετε καθορίσει λανθασμένο όνομα βάσης δεδομένων διακομιστή (data source). Ελέγξτε τις παραμέτρους τις εφαρμογής."_s;
-const QString kStarting =
-    u"Η βάση δεδομένων του διακομιστή βρίσκεται σε διαδικασία εκκίνησης. Τερματίστε την εφαρμογή και περιμένετε μερικά λεπτά πριν εκτελέσετε και πάλι την εφαρμογή."_s;
-const QString kNotRunning =
-    u"Η βάση δεδομένων του διακομιστή δεν λειτουργεί. Τερματίστε την εφαρμογή και περιμένετε μερικά λεπτά πριν εκτελέσετε και πάλι την εφαρμογή. Εάν το πρόβλημα παραμένει, ενδέχεται ο διακομιστής να χρειάζεται επανεκκίνηση."_s;
-const QString kCauseCredentials =
-    u"1. Το όνομα ή/και ο κωδικός χρήστη για τη βάση δεδομένων του διακομιστή δεν είναι σωστά. Τερματίστε την εφαρμογή και επικοινωνήστε με το υπεύθυνο διαχείρισης της βάσης δεδομένων."_s;
-const QString kCauseShutdown =
-    u"1. Η βάση δεδομένων του διακομιστή βρίσκεται σε διαδικασία τερματισμού. Τερματίστε την εφαρμογή και περιμένετε μερικά λεπτά πριν εκτελέσετε και πάλι την εφαρμογή."_s;
-const QString kCauseDisconnected =
-    u"1. Ο διακομιστής ή/και ο Η/Υ σας αποσυνδέθηκε από το δίκτυο. Τερματίστε την εφαρμογή και επαναφέρεται τη σύνδεση του διακομιστή ή/και του Η/Υ σας με το δίκτυο πριν εκτελέσετε και πάλι την εφαρμογή."_s;
-const QString kUnknownOracle =
-    u"- Άγνωστο σφάλμα. Επικοινωνήστε με τους υπεύθυνους διαχείρισης δικτύου και βάσης δεδομένων."_s;
-const QString kUnknownProvider =
-    u"- Άγνωστο σφάλμα. Επικοινωνήστε με την εταιρία που σας προμήθευσε την εφαρμογή."_s;
 
 QDateTime at(int y, int mo, int d, int h, int mi, int s)
 {
@@ -197,7 +164,7 @@ private slots:
         QFETCH(QString, sqlState);
         QFETCH(QString, causes);
         DbError e{kProviderErrorNumber, message, classifyFailure(message, sqlState)};
-        QCOMPARE(explainDbError(e), expectedHeader(kProviderErrorNumber, message) + causes);
+        QCOMPARE(explainDbError(e), errorHeader(kProviderErrorNumber, message) + causes);
     }
 
     void dateRanges_data()

@@ -1,5 +1,6 @@
 #include "MessagesSeed.h"
 #include "ScratchDatabase.h"
+#include "UserTexts.h"
 #include "model/messages/MessagesBuilder.h"
 #include "sim/Seeder.h"
 #include "sim/SimSchema.h"
@@ -54,10 +55,10 @@ private slots:
             << kNew
             << kUnitA + u"E S1,1,1,1,5,NULL,60,0; P S1,1,1,NULL,60,0; U S2,'2','Β',0;"
                         "E S2,1,1,1,5,NULL,60,1; F S2,0,'3'; E S9,1,1,1,5,NULL,60,1"_s
-            << u"ΔΕΝ ΥΠΑΡΧΟΥΝ ΝΕΑ ΜΗΝΥΜΑΤΑ"_s;
+            << texts::kNoNewMessages;
         QTest::newRow("archive: new messages and faults do not count")
             << kArchive << kUnitA + u"E S1,1,1,1,5,NULL,60,2; P S1,1,1,NULL,60,2; F S1,0,'0'"_s
-            << u"ΤΟ ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ ΕΙΝΑΙ ΚΕΝΟ"_s;
+            << texts::kArchiveEmpty;
         QTest::newRow("new: faults only, codes 3 and 4 without service line")
             << kNew << kUnitA + u"F S1,0,'4'; F S1,0,'3'"_s
             << unitA(u"\nΜΗΝΥΜΑΤΑ ΓΙΑ ΤΗ ΚΑΤΑΣΤΑΣΗ ΤΟΥ ΣΥΣΤΗΜΑΤΟΣ:\nΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ\n"

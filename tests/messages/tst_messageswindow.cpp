@@ -1,6 +1,7 @@
 #include "GuiFixture.h"
 #include "MessagesSeed.h"
 #include "PdfText.h"
+#include "UserTexts.h"
 #include "model/Formatting.h"
 #include "model/messages/MessagesBuilder.h"
 #include "reports/Colors.h"
@@ -132,10 +133,10 @@ private slots:
         // Emptied lists are centred; the indicator is set on opening only.
         QVERIFY(!sim::clearAllData(m_fx->db).isError());
         QTest::mouseClick(w.newButton(), Qt::LeftButton);
-        QCOMPARE(shownText(w), u"ΔΕΝ ΥΠΑΡΧΟΥΝ ΝΕΑ ΜΗΝΥΜΑΤΑ"_s);
+        QCOMPARE(shownText(w), texts::kNoNewMessages);
         QCOMPARE(alignment(w), Qt::AlignHCenter);
         QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
-        QCOMPARE(shownText(w), u"ΤΟ ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ ΕΙΝΑΙ ΚΕΝΟ"_s);
+        QCOMPARE(shownText(w), texts::kArchiveEmpty);
         QCOMPARE(indicator(w), colors::kLightRed);
         QCOMPARE(MessagesWindow(m_fx->ctx).navigation()->newMessagesShown(), false);
         QVERIFY(m_fx->dialogs.shown().isEmpty());

@@ -3,6 +3,7 @@
 #include "ChooseItem.h"
 #include "FaultProxy.h"
 #include "GuiFixture.h"
+#include "UserTexts.h"
 #include "reports/events/EventsModel.h"
 #include "reports/records/RecordsModel.h"
 #include "shell/SecondaryViews.h"
@@ -115,7 +116,7 @@ class TestFaults : public QObject {
     {
         int n = 0;
         for (const auto& m : d.messages())
-            n += m.text.startsWith(u"Παρουσιάστηκε το παρακάτω σφάλμα"_s) ? 1 : 0;
+            n += m.text.startsWith(texts::kErrorHeader) ? 1 : 0;
         return n;
     }
 

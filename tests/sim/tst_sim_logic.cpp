@@ -185,13 +185,34 @@ private slots:
         QCOMPARE(serials.size(), a.size());
     }
 
-    void storeCountersAreZeroOnlyWhenEmpty()
+    // Both counters are 0 exactly when the store is empty; pages hold 2048 bytes.
+    void storeCounters_data()
     {
-        for (qint64 n : {0, 1, 255, 256, 257, 4096, 525600}) {
-            const StoreCounters c = storeCounters(n, kRecordEntryBytes);
-            QCOMPARE(c.pageBytes > 0 || c.lastPage > 0, n > 0);
-            QCOMPARE(c.lastPage * kStorePageBytes + c.pageBytes, n * kRecordEntryBytes);
-        }
+        QTest::addColumn<qint64>("entries");
+        QTest::addColumn<qint64>("entryBytes");
+        QTest::addColumn<qint64>("pageBytes");
+        QTest::addColumn<qint64>("lastPage");
+        const auto row = [](const char* name, qint64 n, qint64 bytes, qint64 page, qint64 last) {
+            QTest::newRow(name) << n << bytes << page << last;
+        };
+        row("empty", 0, kRecordEntryBytes, 0, 0);
+        row("below empty", -1, kRecordEntryBytes, 0, 0);
+        row("one record", 1, kRecordEntryBytes, 8, 0);
+        row("page nearly full", 255, kRecordEntryBytes, 2040, 0);
+        row("page exactly full", 256, kRecordEntryBytes, 0, 1);
+        row("one past a page", 257, kRecordEntryBytes, 8, 1);
+        row("sixteen pages", 4096, kRecordEntryBytes, 0, 16);
+        row("a year of minutes", 525600, kRecordEntryBytes, 256, 2053);
+        row("one event", 1, kEventEntryBytes, 16, 0);
+        row("a page of events", 128, kEventEntryBytes, 0, 1);
+    }
+    void storeCounters()
+    {
+        QFETCH(qint64, entries);
+        QFETCH(qint64, entryBytes);
+        const StoreCounters c = sim::storeCounters(entries, entryBytes);
+        QTEST(c.pageBytes, "pageBytes");
+        QTEST(c.lastPage, "lastPage");
     }
 
     void forcedExcursionCrossesALimitInForce()
