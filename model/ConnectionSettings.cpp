@@ -50,6 +50,12 @@ QString connectionString(const ConnectionSettings& s)
     return {};
 }
 
+bool isDecimalNumber(QStringView text)
+{
+    return !text.isEmpty() &&
+           std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
 QStringList serverList(const QString& text)
 {
     QStringList out;
@@ -92,12 +98,6 @@ QString decoded(QStringView text)
     return QUrl::fromPercentEncoding(text.toUtf8());
 }
 
-bool allDigits(QStringView text)
-{
-    return !text.isEmpty() &&
-           std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
-}
-
 // "h1:p1,[::1]:p2,h3": QUrl takes one host only, libpq's URLs a list.
 bool parseServers(QStringView authority, QStringList& hosts, QStringList& ports)
 {
@@ -116,7 +116,7 @@ bool parseServers(QStringView authority, QStringList& hosts, QStringList& ports)
             host = part.left(colon);
             port = part.mid(colon + 1);
         }
-        if (host.isEmpty() || (!port.isEmpty() && !allDigits(port)))
+        if (host.isEmpty() || (!port.isEmpty() && !isDecimalNumber(port)))
             return false;
         hosts.append(decoded(host));
         ports.append(port.toString());

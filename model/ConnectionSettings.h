@@ -39,6 +39,10 @@ struct ConnectionSettings {
     QString targetSessionAttrs;
 };
 
+// At least one digit and nothing but 0-9: other scripts' digits mean nothing
+// to a port number.
+[[nodiscard]] bool isDecimalNumber(QStringView text);
+
 // The entries of a comma list, blanks around each and empty ones left out.
 [[nodiscard]] QStringList serverList(const QString& text);
 

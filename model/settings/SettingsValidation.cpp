@@ -10,12 +10,6 @@ namespace sx {
 
 namespace {
 
-bool allDecimalDigits(const QString& text)
-{
-    // Only 0-9: other scripts' digits mean nothing to a port number.
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
-}
-
 const QString kPortList =
     u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να έχει έναν αριθμό ή τόσους αριθμούς, χωρισμένους με κόμμα, όσες είναι και οι διευθύνσεις του πεδίου 'IP διακομιστή (server IP)'."_s;
 
@@ -39,10 +33,9 @@ std::optional<QString> settingsProblem(const SettingsForm& form)
             const QStringList ports = form.serverPort.split(u',');
             const auto servers = std::max<qsizetype>(1, serverList(form.serverIp).size());
             if (ports.size() != servers ||
-                !std::all_of(ports.begin(), ports.end(),
-                             [](const QString& p) { return !p.isEmpty() && allDecimalDigits(p); }))
+                !std::all_of(ports.begin(), ports.end(), isDecimalNumber))
                 return kPortList;
-        } else if (portChecked && !allDecimalDigits(form.serverPort)) {
+        } else if (portChecked && !isDecimalNumber(form.serverPort)) {
             return u"To πεδίo 'Port διακομιστή (server Port)' πρέπει να είναι αριθμός."_s;
         }
     } else if (form.file.isEmpty()) {
