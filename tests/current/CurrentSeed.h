@@ -2,6 +2,7 @@
 
 #include "model/Database.h"
 #include "model/Dialect.h"
+#include "reports/Colors.h"
 
 #include <QString>
 #include <QtTest>
@@ -11,6 +12,21 @@
 namespace sx::test {
 
 using namespace Qt::StringLiterals;
+
+// The colours of the current-condition view by name; "none" when unset.
+inline QString tone(const QColor& c)
+{
+    const std::pair<QColor, QString> names[] = {{colors::kLightGrey, u"grey"_s},
+                                                {colors::kLightRed, u"pink"_s},
+                                                {colors::kLightBlue, u"lilac"_s},
+                                                {colors::kGreen, u"green"_s},
+                                                {colors::kRed, u"red"_s}};
+    for (const auto& [color, name] : names) {
+        if (c == color)
+            return name;
+    }
+    return c.isValid() ? c.name() : u"none"_s;
+}
 
 class CurrentSeed {
 public:

@@ -19,15 +19,15 @@ QString rowsOf(const CurrentCondition& cc)
 {
     QStringList out;
     for (const PointRow& p : cc.points)
-        out << p.label + u'|' + p.reading + u'|' + p.color.name();
+        out << p.label + u'|' + p.reading + u'|' + tone(p.color);
     for (const PowerRow& p : cc.powers)
-        out << p.label + u'|' + p.state + u'|' + p.color.name();
+        out << p.label + u'|' + p.state + u'|' + tone(p.color);
     return out.join(u'\n');
 }
 
 QString one(const QString& label, const QString& text, const QColor& color)
 {
-    return label + u'|' + text + u'|' + color.name();
+    return label + u'|' + text + u'|' + tone(color);
 }
 } // namespace
 
@@ -161,100 +161,82 @@ private slots:
         QTEST(rowsOf(read(s)), "expected");
     }
 
-    void notificationAndRelay_data()
-    {
-        QTest::addColumn<QString>("condition"); // Alarmcondition RelayBcondition; empty: no row
-        QTest::addColumn<QString>("notification");
-        QTest::addColumn<QColor>("notificationColor");
-        QTest::addColumn<bool>("relayOn");
-        const auto row = [](const char* name, const char* condition, const QString& text,
-                            const QColor& color, bool relayOn) {
-            QTest::newRow(name) << QString::fromLatin1(condition) << text << color << relayOn;
-        };
-        const QString automatic = u"ΑΥΤΟΜΑΤΗ"_s;
-        row("disabled, relay off", "0 0", u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, kGrey, false);
-        row("enabled, relay on", "1 1", u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, kRed, true);
-        row("automatic off, relay 2", "2 2", automatic, kGrey, false);
-        row("automatic on (3)", "3 -1", automatic, kRed, false);
-        row("automatic on (-1)", "-1 0", automatic, kRed, false);
-        row("missing values", "NULL NULL", automatic, kRed, false);
-        row("missing row", "", automatic, kRed, false);
-    }
-
-    void notificationAndRelay()
-    {
-        QFETCH(QString, condition);
-        QFETCH(bool, relayOn);
-        const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s));
-        const QStringList c = condition.split(u' ');
-        if (!condition.isEmpty())
-            QVERIFY(seed.condition(s, c[0], c[1]));
-        const CurrentCondition cc = read(s);
-        QVERIFY(cc.connected);
-        QTEST(cc.notification.text, "notification");
-        QTEST(cc.notification.color, "notificationColor");
-        QCOMPARE(cc.relay.text, relayOn ? u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s : u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s);
-        QCOMPARE(cc.relay.color, relayOn ? kRed : kGrey);
-        QCOMPARE(cc.clock, QString());
-    }
-
-    void connection_data()
+    // A unit's own lines from Online, its condition row (Alarmcondition
+    // RelayBcondition, none when empty), the row's Rtc and a fault: connection,
+    // notification, relay, clock and status, each text with its colour.
+    void unitRule_data()
     {
         QTest::addColumn<QString>("online");
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QColor>("textColor");
-
-        const QString programming = u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ"_s;
-        QTest::newRow("0") << u"0"_s << false << u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ"_s
-                           << colors::kRed;
-        QTest::newRow("1") << u"1"_s << true << u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ"_s << colors::kGreen;
-        for (const QString& v : {u"2"_s, u"-1"_s, u"NULL"_s})
-            QTest::newRow(qPrintable(v)) << v << false << programming << colors::kRed;
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<QString>("rtc");
+        QTest::addColumn<bool>("fault");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* name, const QString& online, const QString& condition,
+                            const QString& rtc, bool fault, const QString& expected) {
+            QTest::newRow(name) << online << condition << rtc << fault << expected;
+        };
+        const QString on = u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ green|"_s;
+        const QString ok = u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ ΟΚ grey"_s;
+        const QString relayOff = u"|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey||"_s + ok; // no clock
+        const QString null = u"NULL"_s;
+        row("disabled, relay off", u"1"_s, u"0 0"_s, null, false,
+            on + u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey"_s + relayOff);
+        row("enabled, relay on", u"1"_s, u"1 1"_s, null, false,
+            on + u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ pink|ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ pink||"_s + ok);
+        row("automatic off, relay 2", u"1"_s, u"2 2"_s, null, false,
+            on + u"ΑΥΤΟΜΑΤΗ grey"_s + relayOff);
+        row("automatic on (3)", u"1"_s, u"3 -1"_s, null, false, on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
+        row("automatic on (-1)", u"1"_s, u"-1 0"_s, null, false,
+            on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
+        row("missing values", u"1"_s, u"NULL NULL"_s, null, false,
+            on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
+        row("missing row", u"1"_s, QString(), null, false, on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
+        // The clock: date on the first line, time on the second.
+        row("clock set", u"1"_s, u"0 0"_s, u"'2024-03-05 14:07:00'"_s, false,
+            on +
+                u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey|Τρίτη 5 Μαρτίου 2024\r\n2:07 μμ|"_s +
+                ok);
+        row("clock past midnight", u"1"_s, u"0 0"_s, u"'2031-12-31 00:05:59'"_s, false,
+            on +
+                u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey|Τετάρτη 31 Δεκεμβρίου 2031\r\n12:05 πμ|"_s +
+                ok);
+        row("clock at the zero date", u"1"_s, u"0 0"_s, u"'1899-12-30 00:00:00'"_s, false,
+            on + u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey"_s + relayOff);
+        row("a fault", u"1"_s, u"0 0"_s, null, true,
+            on +
+                u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey||ΥΠΑΡΧΟΥΝ ΠΡΟΒΛΗΜΑΤΑ ΣΤΟ ΣΥΣΤΗΜΑ\r\nΔΕΙΤΕ ΝΕΑ ΜΗΝΥΜΑΤΑ ΓΙΑ ΛΕΠΤΟΜΕΡΕΙΕΣ pink"_s);
+        // Only a connected unit reads its condition, clock and faults.
+        const QString rest = u"| none| none|| grey"_s;
+        row("offline", u"0"_s, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true,
+            u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ red"_s + rest);
+        const QString programming = u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ red"_s + rest;
+        row("online 2", u"2"_s, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true, programming);
+        row("online -1", u"-1"_s, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true, programming);
+        row("online missing", null, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true, programming);
     }
 
-    void connection()
+    void unitRule()
     {
         QFETCH(QString, online);
-        QFETCH(bool, connected);
+        QFETCH(QString, condition);
+        QFETCH(QString, rtc);
+        QFETCH(bool, fault);
         const QString s = nextSerial();
+        const QStringList c = condition.split(u' ');
         QVERIFY(seed.unit(s, u"Μονάδα"_s, online) && seed.point(s, 1, u"'Σημείο'"_s) &&
                 seed.pointCondition(s, 1, u"1"_s) && seed.power(s, 1, u"NULL"_s) &&
                 seed.powerCondition(s, 1, u"0"_s, u"0"_s) &&
-                seed.condition(s, u"1"_s, u"1"_s, u"'2024-03-05 14:07:00'"_s) &&
-                seed.fault(s, 0, u"3"_s));
+                (condition.isEmpty() || seed.condition(s, c[0], c[1], rtc)) &&
+                (!fault || seed.fault(s, 0, u"3"_s)));
         const CurrentCondition cc = read(s);
         QVERIFY(cc.unitFound);
-        QCOMPARE(cc.connected, connected);
-        QTEST(cc.connection.text, "text");
-        QTEST(cc.connection.color, "textColor");
-        // Only a connected unit fills the grids, the clock and the fault summary.
-        QCOMPARE(cc.points.size(), connected ? 1 : 0);
-        QCOMPARE(cc.powers.size(), connected ? 1 : 0);
-        QCOMPARE(cc.clock.isEmpty(), !connected);
-        QCOMPARE(cc.status.text.isEmpty(), !connected);
-        if (!connected)
-            QCOMPARE(cc.status.color, kGrey);
-    }
-
-    void clock_data()
-    {
-        QTest::addColumn<QString>("rtc");
-        QTest::addColumn<QString>("shown"); // date on the first line, time on the second
-        QTest::newRow("set") << u"'2024-03-05 14:07:00'"_s << u"Τρίτη 5 Μαρτίου 2024\r\n2:07 μμ"_s;
-        QTest::newRow("past midnight")
-            << u"'2031-12-31 00:05:59'"_s << u"Τετάρτη 31 Δεκεμβρίου 2031\r\n12:05 πμ"_s;
-        QTest::newRow("missing") << u"NULL"_s << QString();
-        QTest::newRow("zero date") << u"'1899-12-30 00:00:00'"_s << QString();
-    }
-
-    void clock()
-    {
-        QFETCH(QString, rtc);
-        const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s) && seed.condition(s, u"0"_s, u"0"_s, rtc));
-        QTEST(read(s).clock, "shown");
+        const auto look = [](const Look& l) { return l.text + u' ' + tone(l.color); };
+        QTEST(QStringList({look(cc.connection), look(cc.notification), look(cc.relay), cc.clock,
+                           look(cc.status)})
+                  .join(u'|'),
+              "expected");
+        // Only a connected unit fills the grids.
+        QCOMPARE(cc.points.size() + cc.powers.size(), cc.connected ? 2 : 0);
     }
 
     // Any unit's message or fault lights every view's indicator (the main window's
@@ -282,12 +264,8 @@ private slots:
             QVERIFY(seed.power(s, n, u"'Π%1'"_s.arg(n), n == 3 ? u"NULL"_s : u"1"_s));
             QVERIFY(seed.powerCondition(s, n, u"0"_s, u"0"_s));
         }
-        QCOMPARE(
-            rowsOf(read(s)).split(u'\n'),
-            (QStringList{one(u"[2] Ζ2"_s, u"2.0 °C"_s, kGrey), one(u"[7] Ζ7"_s, u"7.0 °C"_s, kGrey),
-                         one(u"[15] Ζ15"_s, u"15.0 °C"_s, kGrey),
-                         one(u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s, u"OK"_s, kGrey),
-                         one(u"[3] Π4"_s, u"OK"_s, kGrey)}));
+        QCOMPARE(rowsOf(read(s)), u"[2] Ζ2|2.0 °C|grey\n[7] Ζ7|7.0 °C|grey\n[15] Ζ15|15.0 °C|grey\n"
+                                  "ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ|OK|grey\n[3] Π4|OK|grey"_s);
     }
 
     void failingQueryStopsWithItsError()
@@ -297,9 +275,7 @@ private slots:
         Database db;
         QVERIFY(bare.open(db, false));
         const CurrentCondition cc = readCurrentCondition(db, u"U1"_s);
-        QVERIFY(cc.error.isError());
-        QVERIFY(!cc.unitFound);
-        QVERIFY(cc.points.isEmpty());
+        QVERIFY(cc.error.isError() && !cc.unitFound && cc.points.isEmpty());
     }
 
     void labelRowHeight_data()
