@@ -118,12 +118,10 @@ for row in ws.iter_rows():
         if c.value is not None:
             cells[c.coordinate] = [c.value if isinstance(c.value, str) else repr(c.value), c.data_type]
 a, b = zipfile.ZipFile(path), zipfile.ZipFile(template)
-print(json.dumps({
-    "cells": cells, "e2Bold": bool(ws["E2"].font.b),
-    "e5Border": ws["E5"].border.left.style, "freeze": ws.freeze_panes,
-    "sameParts": all(a.read(n) == b.read(n) for n in b.namelist() if n != "xl/worksheets/sheet1.xml"),
-    "sameNames": a.namelist() == b.namelist(), "crcOk": a.testzip() is None,
-}, ensure_ascii=False))
+look = [bool(ws["E2"].font.b), ws["E5"].border.left.style, ws.freeze_panes, a.namelist() == b.namelist(),
+        all(a.read(n) == b.read(n) for n in b.namelist() if n != "xl/worksheets/sheet1.xml"),
+        a.testzip() is None]
+print(json.dumps({"cells": cells, "look": " ".join(map(str, look))}, ensure_ascii=False))
 )";
 
 } // namespace
@@ -137,7 +135,8 @@ private slots:
         QTest::addColumn<QString>("prefix");
         QTest::addColumn<QString>("rows");
         QTest::addColumn<int>("rowCount");
-        QTest::addColumn<QStringList>("expected"); // "ref=text|style" in document order
+        // "ref=text|style" of the first cells, in document order.
+        QTest::addColumn<QString>("expected");
         QTest::addColumn<QString>("dimension");
         const QString tpl =
             u"<row r=\"1\" spans=\"1:4\"><c r=\"A1\" s=\"1\" t=\"s\"><v>0</v></c><c r=\"D1\" "
@@ -148,25 +147,22 @@ private slots:
             "<row r=\"9\"><c r=\"F9\"><f>1+1</f><v>2</v></c></row>"_s;
         QTest::newRow("default namespace")
             << QString() << tpl << 3
-            << QStringList{u"A1=0|1"_s, u"D1=2|"_s,  u"A2=d0|"_s,  u"B2=r0|"_s,      u"D2=3|2"_s,
-                           u"E2=U|3"_s, u"A3=d1|"_s, u"B3=r1|"_s,  u"C3=42|"_s,      u"E3=Z|3"_s,
-                           u"A4=d2|"_s, u"B4=r2|"_s, u"E4=M/Y|"_s, u"E6= 5.0 °C|"_s, u"F9=2|"_s}
+            << u"A1=0|1;D1=2|;A2=d0|;B2=r0|;D2=3|2;E2=U|3;A3=d1|;B3=r1|;C3=42|;E3=Z|3;A4=d2|;B4=r2|;E4=M/Y|;E6= 5.0 °C|;F9=2|"_s
             << u"A1:F9"_s;
         QTest::newRow("prefixed namespace")
             << u"x"_s << tpl << 1
-            << QStringList{u"A1=0|1"_s,  u"D1=2|"_s,       u"A2=d0|"_s, u"B2=r0|"_s,
-                           u"D2=3|2"_s,  u"E2=U|3"_s,      u"C3=42|"_s, u"E3=Z|3"_s,
-                           u"E4=M/Y|"_s, u"E6= 5.0 °C|"_s, u"F9=2|"_s}
+            << u"A1=0|1;D1=2|;A2=d0|;B2=r0|;D2=3|2;E2=U|3;C3=42|;E3=Z|3;E4=M/Y|;E6= 5.0 °C|;F9=2|"_s
             << u"A1:F9"_s;
         QTest::newRow("rows and cells without references")
             << QString()
             << u"<row><c t=\"s\"><v>0</v></c></row><row><c/><c/><c/><c/><c s=\"3\"/></row>"_s << 2
-            << QStringList{u"A1=0|"_s, u"A2=d0|"_s,  u"B2=r0|"_s,     u"C2=|"_s,
-                           u"D2=|"_s,  u"E2=U|3"_s,  u"A3=d1|"_s,     u"B3=r1|"_s,
-                           u"E3=Z|"_s, u"E4=M/Y|"_s, u"E6= 5.0 °C|"_s}
+            << u"A1=0|;A2=d0|;B2=r0|;C2=|;D2=|;E2=U|3;A3=d1|;B3=r1|;E3=Z|;E4=M/Y|;E6= 5.0 °C|"_s
             << u"A1:E6"_s;
+        // Dates and readings, each row's heading cell after them.
         QTest::newRow("empty sheet data, many rows")
-            << QString() << QString() << 1000 << QStringList{} << u"A1:E1001"_s;
+            << QString() << QString() << 1000
+            << u"A2=d0|;B2=r0|;E2=U|;A3=d1|;B3=r1|;E3=Z|;A4=d2|;B4=r2|;E4=M/Y|;A5=d3|;B5=r3|;A6=d4|;B6=r4|;E6= 5.0 °C|;A7=d5|"_s
+            << u"A1:E1001"_s;
     }
 
     void sheetMergeKeepsTheTemplate()
@@ -174,7 +170,7 @@ private slots:
         QFETCH(QString, prefix);
         QFETCH(QString, rows);
         QFETCH(int, rowCount);
-        QFETCH(QStringList, expected);
+        QFETCH(QString, expected);
         QFETCH(QString, dimension);
         const QByteArray in = sheetXml(prefix, rows).toUtf8();
         QBuffer out;
@@ -185,22 +181,12 @@ private slots:
             in, out, fill(rowCount, {u"U\u0001"_s, u"Z"_s, u"M/Y"_s, QString(), u" 5.0 °C"_s})));
         const Sheet sheet = readSheet(out.data());
         QCOMPARE(sheet.dimension, dimension);
-        if (!expected.isEmpty()) {
-            QStringList got;
-            for (const QString& ref : sheet.order)
-                got << ref + u'=' + sheet.cells[ref].text + u'|' + sheet.cells[ref].style;
-            QCOMPARE(got, expected);
-        } else {
-            // Dates and readings, each row's heading cell after them.
-            QStringList order;
-            for (int r = 2; r <= rowCount + 1; ++r) {
-                order << u"A%1"_s.arg(r) << u"B%1"_s.arg(r);
-                if (r <= 6 && r != 5)
-                    order << u"E%1"_s.arg(r);
-            }
-            QCOMPARE(sheet.order, order);
-            QCOMPARE(sheet.cells[u"A1001"_s].text, u"d999"_s);
-        }
+        QStringList got;
+        for (const QString& ref : sheet.order)
+            got << ref + u'=' + sheet.cells[ref].text + u'|' + sheet.cells[ref].style;
+        QCOMPARE(got.size(), rowCount == 1000 ? 2004 : expected.count(u';') + 1);
+        QCOMPARE(got.join(u';').left(expected.size()), expected);
+        QCOMPARE(got.last(), rowCount == 1000 ? u"B1001=r999|"_s : expected.section(u';', -1));
         // All in the sheet's namespace.
         for (const Cell& c : sheet.cells)
             QCOMPARE(c.nsUri, QString::fromUtf16(kMain));
@@ -295,7 +281,6 @@ private slots:
         QTest::newRow("four rows left out") << 3 << 0 << 2;
         QTest::newRow("one left out") << 6 << 0 << 5;
         QTest::newRow("all fit exactly") << 7 << 0 << 6;
-        QTest::newRow("a real sheet") << xlsx::kSheetRows << 0 << 6;
     }
 
     void exportWritesHeadingAndSelectedRows()
@@ -314,15 +299,14 @@ private slots:
         m_w->saveAction()->trigger();
 
         const auto& save = m_fx->dialogs.shown().first();
-        QCOMPARE(save.text, u"Excel Files (*.xlsx)"_s);
-        QCOMPARE(save.items, QStringList{u"records output"_s});
+        QCOMPARE(save.text + u'|' + save.items.join(u'|'),
+                 u"Excel Files (*.xlsx)|records output"_s);
         QVERIFY(m_w->isEnabled());
         const auto boxes = m_fx->dialogs.messages();
         QCOMPARE(boxes.size(), written < selected ? 1 : 0);
-        if (written < selected) {
-            QCOMPARE(boxes[0].icon, DialogService::Icon::Exclamation);
-            QVERIFY(boxes[0].text.contains(u"οι υπόλοιπες %1 δεν"_s.arg(selected - written)));
-        }
+        if (written < selected)
+            QVERIFY(boxes[0].icon == DialogService::Icon::Exclamation &&
+                    boxes[0].text.contains(u"οι υπόλοιπες %1 δεν"_s.arg(selected - written)));
 
         const QJsonObject got = readBack(dir + u"/records output.xlsx"_s);
         QVERIFY(!got.isEmpty());
@@ -342,14 +326,10 @@ private slots:
         }
         QCOMPARE(text(u"A2"_s), top == 1 ? u"02/03/2026 - 12:00"_s : u"02/03/2026 - 13:00"_s);
         QVERIFY(!cells.contains(u"A%1"_s.arg(written + 2)));
-        // The template's own look is kept.
-        QVERIFY(got[u"e2Bold"].toBool());
-        QCOMPARE(got[u"e5Border"].toString(), u"thin"_s);
-        QCOMPARE(got[u"freeze"].toString(), u"A2"_s);
-        QVERIFY(got[u"sameParts"].toBool() && got[u"sameNames"].toBool() && got[u"crcOk"].toBool());
+        // The template's look (E2 bold, E5 framed, frozen under the header), its
+        // other parts unchanged and the zip sound; the template itself untouched.
+        QCOMPARE(got[u"look"].toString(), u"True thin A2 True True True"_s);
         QCOMPARE(fileHash(templateFile()), templateBefore);
-        // The real sheet: one more than its rows less the heading does not fit.
-        QCOMPARE(xlsx::recordsThatFit(1'048'576), 1'048'575);
         if (top == 0)
             return;
 
@@ -416,11 +396,10 @@ private slots:
                  python.isEmpty() ? QStringList() : QStringList{u"TEMPLATEv2.xlsx"_s});
         const auto boxes = m_fx->dialogs.messages();
         QCOMPARE(boxes.size(), words.isEmpty() ? 0 : 1);
-        if (!words.isEmpty()) {
-            QVERIFY2(boxes[0].text.contains(QDir::toNativeSeparators(tpl)),
+        if (!words.isEmpty())
+            QVERIFY2(boxes[0].text.contains(QDir::toNativeSeparators(tpl)) &&
+                         boxes[0].text.contains(words),
                      qPrintable(boxes[0].text));
-            QVERIFY2(boxes[0].text.contains(words), qPrintable(boxes[0].text));
-        }
         QVERIFY(m_w->isEnabled());
     }
 

@@ -39,6 +39,8 @@ private slots:
             << 2024 << 1 << u"2024-02-01 00:00:00"_s << u"2024-02-29 23:59:59"_s;
         QTest::newRow("plain february")
             << 2026 << 1 << u"2026-02-01 00:00:00"_s << u"2026-02-28 23:59:59"_s;
+        QTest::newRow("december ends with the year")
+            << 2025 << 11 << u"2025-12-01 00:00:00"_s << u"2025-12-31 23:59:59"_s;
         QTest::newRow("last listed year")
             << 2255 << 12 << u"2255-01-01 00:00:00"_s << u"2255-12-31 23:59:59"_s;
     }
@@ -141,16 +143,14 @@ private slots:
         QVERIFY(scratch.open(db));
         RecordsSeed s(db);
         const QString serial = u"Q'1"_s;
-        QVERIFY(
-            s.zone(serial, {.number = 9, .name = u"'Θάλαμος'"_s, .pageBytes = 0, .lastPage = 3}));
-        QVERIFY(s.zone(serial, {.number = 2, .name = u"NULL"_s, .type = 2, .pageBytes = 10}));
-        QVERIFY(s.zone(serial, {.number = 4, .name = u"'Κενή'"_s, .pageBytes = 0, .lastPage = 0}));
-        QVERIFY(s.zone(serial, {.number = 7,
-                                .name = u"''"_s,
-                                .maxLimit = 30.25,
-                                .minLimit = -4,
-                                .maxUsed = 1,
-                                .minUsed = 2}));
+        // Offered: a zone with records written (bytes or an earlier page), never an empty one.
+        for (const ZoneRow& z :
+             {ZoneRow{.number = 9, .name = u"'Θάλαμος'"_s, .pageBytes = 0, .lastPage = 3},
+              ZoneRow{.number = 2, .name = u"NULL"_s, .type = 2, .pageBytes = 10},
+              ZoneRow{.number = 4, .name = u"'Κενή'"_s, .pageBytes = 0},
+              ZoneRow{
+                  .number = 7, .name = u"''"_s, .maxLimit = 30.25, .minLimit = -4, .minUsed = 2}})
+            QVERIFY(s.zone(serial, z));
         QVERIFY(s.zone(u"OTHER"_s, {.number = 1, .name = u"'Ξένη'"_s}));
 
         DbError e;
@@ -162,18 +162,19 @@ private slots:
         QCOMPARE(texts,
                  (QStringList{u"[2] Ανώνυμη ζώνη"_s, u"[7] Ανώνυμη ζώνη"_s, u"[9] Θάλαμος"_s}));
         QCOMPARE(zones[0].sensorType, 2);
-        QCOMPARE(zones[1].serial, serial);
-        QCOMPARE(zones[1].maxLimit, 30.25f);
-        QCOMPARE(zones[1].minLimit, -4.0f);
-        QVERIFY(zones[1].maxUsed);
         // Only exactly 1 puts a limit in force.
-        QVERIFY(!zones[1].minUsed);
+        QCOMPARE(u"%1 %2 %3 %4 %5"_s.arg(zones[1].serial)
+                     .arg(zones[1].maxLimit)
+                     .arg(zones[1].minLimit)
+                     .arg(zones[1].maxUsed)
+                     .arg(zones[1].minUsed),
+                 u"Q'1 30.25 -4 1 0"_s);
 
         // A unit whose clock was set back: sequence 3 carries an older time than 2.
-        QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:00:00"_s, 1.5, 0, 1));
-        QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:02:00"_s, 2.5, 3, 2));
-        QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:01:00"_s, 0.5, 2, 3));
-        QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 09:00:00"_s, -7.25, 0, 10));
+        QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:00:00"_s, 1.5, 0, 1) &&
+                s.record(u"U1"_s, 1, u"2026-05-01 10:02:00"_s, 2.5, 3, 2) &&
+                s.record(u"U1"_s, 1, u"2026-05-01 10:01:00"_s, 0.5, 2, 3) &&
+                s.record(u"U1"_s, 1, u"2026-05-01 09:00:00"_s, -7.25, 0, 10));
         const records::RecordsLoad got = records::loadRecords(
             db, records::recordsSql(db.kind(), zone(u"U1"_s, 1), records::recordsPeriod(26, 4)));
         QVERIFY2(!got.error.isError(), qPrintable(got.error.description));
@@ -189,12 +190,12 @@ private slots:
         QVERIFY(!db.exec(u"ALTER TABLE Records RENAME TO Records_away"_s).isError());
         const QString sql =
             records::recordsSql(db.kind(), zone(u"U1"_s, 1), records::recordsPeriod(25, 6));
-        QVERIFY(records::loadRecords(db, sql).error.isError());
-        QVERIFY(records::loadRecordsAside(db.settings(), sql).error.isError());
         ConnectionSettings nowhere = db.settings();
         nowhere.file = scratch.folder() + u"/missing/none.db"_s;
         nowhere.dataSource = u"sx_no_such_database"_s;
-        QVERIFY(records::loadRecordsAside(nowhere, sql).error.isError());
+        QVERIFY(records::loadRecords(db, sql).error.isError() &&
+                records::loadRecordsAside(db.settings(), sql).error.isError() &&
+                records::loadRecordsAside(nowhere, sql).error.isError());
     }
 };
 

@@ -1,20 +1,27 @@
 #include "ChooseItem.h"
 #include "GuiFixture.h"
+#include "PdfText.h"
 #include "RecordsSeed.h"
 #include "reports/Colors.h"
+#include "reports/ReportPainter.h"
 #include "reports/records/RecordsModel.h"
-#include "sim/RecordWriter.h"
+#include "reports/records/RecordsReport.h"
 #include "ui/UnitList.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QAbstractItemModelTester>
 #include <QBrush>
 #include <QComboBox>
+#include <QFile>
 #include <QFontMetricsF>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QMenu>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPrinter>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 
@@ -26,10 +33,22 @@ using namespace sx::test;
 
 namespace {
 
-QColor textColor(const QModelIndex& index)
+// The grid's rows as "date|reading", with the text colour when there is one
+// (both cells share it).
+QStringList gridRows(const RecordsModel* m)
 {
-    const QVariant v = index.data(Qt::ForegroundRole);
-    return v.isValid() ? v.value<QBrush>().color() : QColor();
+    QStringList out;
+    for (int r = 0; r < m->rowCount(); ++r) {
+        QString row = m->index(r, 0).data().toString() + u'|' + m->index(r, 1).data().toString();
+        const QVariant color = m->index(r, 0).data(Qt::ForegroundRole);
+        if (color != m->index(r, 1).data(Qt::ForegroundRole))
+            row += u"|mixed"_s;
+        else if (color.isValid())
+            row +=
+                u'|' + (color.value<QBrush>().color() == colors::kBlue ? u"blue"_s : u"dark red"_s);
+        out << row;
+    }
+    return out;
 }
 
 // The graph button and the save and print commands: on together or off together.
@@ -37,6 +56,21 @@ int commandsOn(RecordsWindow& w)
 {
     return w.graphButton()->isEnabled() + w.saveAction()->isEnabled() +
            w.printAction()->isEnabled();
+}
+
+// Rows per column as the report measures them on the printer it is given.
+int rowsPerColumnOnPdf(const QString& scratchFile)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    setUpPdf(printer, scratchFile);
+    (void)printer.setPageSize(QPageSize(QPageSize::A4));
+    printer.setPageOrientation(QPageLayout::Portrait);
+    ReportPainter painter(printer);
+    const int rows =
+        records_report::layoutRows(0, painter.pageHeight(), painter.textHeight()).rowsPerColumn;
+    painter.end();
+    QFile::remove(scratchFile);
+    return rows;
 }
 
 } // namespace
@@ -68,10 +102,8 @@ private slots:
         QVERIFY(!m_w->loading());
         // The third without its accent, exactly as listed.
         QCOMPARE(
-            comboTexts(m_w->monthSelect()),
-            (QStringList{u"Ιανουάριος"_s, u"Φεβρουάριος"_s, u"Μαρτιος"_s, u"Απρίλιος"_s, u"Μάιος"_s,
-                         u"Ιούνιος"_s, u"Ιούλιος"_s, u"Αύγουστος"_s, u"Σεπτέμβριος"_s,
-                         u"Οκτώβριος"_s, u"Νοέμβριος"_s, u"Δεκέμβριος"_s, u"ΟΛΟΙ"_s}));
+            comboTexts(m_w->monthSelect()).join(u'|'),
+            u"Ιανουάριος|Φεβρουάριος|Μαρτιος|Απρίλιος|Μάιος|Ιούνιος|Ιούλιος|Αύγουστος|Σεπτέμβριος|Οκτώβριος|Νοέμβριος|Δεκέμβριος|ΟΛΟΙ"_s);
         QCOMPARE(m_w->yearSelect()->itemText(255), u"2255"_s);
         QCOMPARE(m_w->monthText() + u'/' + m_w->yearText(), u"Μαρτιος/2026"_s);
         // At creation: lists enabled, record commands disabled.
@@ -91,38 +123,36 @@ private slots:
         QVERIFY2(m_w->width() <= 1280 && m_w->height() <= 740,
                  qPrintable(u"%1×%2"_s.arg(m_w->width()).arg(m_w->height())));
 
-        // The frames Frame1 to Frame11.
-        const QStringList frames =
-            u"Πλοήγηση|Πληροφορίες ζώνης|Γράφημα|Μέγιστο όριο|Ελάχιστο όριο|Επιλογή συστήματος|Επιλογή χρονικής περιόδου|Καταγραφές|Επιλογή ζώνης|Μήνας|Έτος"_s
-                .split(u'|');
-        for (int i = 0; i < frames.size(); ++i) {
-            const auto* box = m_w->findChild<QGroupBox*>(u"Frame%1"_s.arg(i + 1));
-            QCOMPARE(box ? box->title() : u"no Frame%1"_s.arg(i + 1), frames[i]);
+        // The frames Frame1 to Frame11, then the menu.
+        QStringList titles;
+        for (int i = 1; i <= 11; ++i) {
+            const auto* box = m_w->findChild<QGroupBox*>(u"Frame%1"_s.arg(i));
+            titles << (box ? box->title() : u"none"_s);
         }
+        QCOMPARE(
+            titles.join(u'|'),
+            u"Πλοήγηση|Πληροφορίες ζώνης|Γράφημα|Μέγιστο όριο|Ελάχιστο όριο|Επιλογή συστήματος|Επιλογή χρονικής περιόδου|Καταγραφές|Επιλογή ζώνης|Μήνας|Έτος"_s);
         QVERIFY(!m_w->graphButton()->icon().isNull());
         QCOMPARE(GuiFixture::clippedChild(*m_w->centralWidget()), QString());
 
         auto* manage = m_w->findChild<QMenu*>(u"Diahirisi"_s);
         QVERIFY(manage);
-        QCOMPARE(manage->title(), u"Διαχείριση"_s);
-        QStringList items;
+        QStringList items{manage->title()};
         for (QAction* a : manage->actions())
             items << (a->isSeparator() ? u"-"_s : a->text());
-        QCOMPARE(items, (QStringList{u"Αποθήκευση αρχείου καταγραφών"_s,
-                                     u"Εκτύπωση αρχείου καταγραφών"_s, u"-"_s, u"Έξοδος"_s, u"-"_s,
-                                     u"Σύνοψη μήνα"_s, u"Προεπισκόπηση αρχείου καταγραφών"_s,
-                                     u"Προεπισκόπηση σύνοψης μήνα"_s}));
+        QCOMPARE(
+            items.join(u'|'),
+            u"Διαχείριση|Αποθήκευση αρχείου καταγραφών|Εκτύπωση αρχείου καταγραφών|-|Έξοδος|-|Σύνοψη μήνα|Προεπισκόπηση αρχείου καταγραφών|Προεπισκόπηση σύνοψης μήνα"_s);
 
         // The header texts with their blanks size the columns; both fit side by side.
         ArchiveGrid* grid = m_w->grid();
-        QCOMPARE(grid->model()->headerData(0, Qt::Horizontal).toString(),
-                 QString(34, u' ') + u"ΗΜΕΡΟΜΗΝΙΑ"_s);
-        QCOMPARE(grid->model()->headerData(1, Qt::Horizontal).toString(),
-                 QString(42, u' ') + u"ΕΝΔΕΙΞΗ"_s);
+        const QString headers[] = {QString(34, u' ') + u"ΗΜΕΡΟΜΗΝΙΑ"_s,
+                                   QString(42, u' ') + u"ΕΝΔΕΙΞΗ"_s};
         const QFontMetricsF fm(grid->font());
         int total = 0;
         for (int c = 0; c < 2; ++c) {
-            const double text = fm.horizontalAdvance(RecordsModel::headerText(c));
+            QCOMPARE(grid->model()->headerData(c, Qt::Horizontal).toString(), headers[c]);
+            const double text = fm.horizontalAdvance(headers[c]);
             const int width = grid->columnWidth(c);
             QVERIFY2(width >= text && width <= text + 12, qPrintable(QString::number(width)));
             total += width;
@@ -130,89 +160,68 @@ private slots:
         QVERIFY2(total <= grid->viewport()->width(), qPrintable(QString::number(total)));
     }
 
-    void zoneFillsTheGridNewestFirstWithItsLimits()
+    // The row rules are tst_recordsrules' part; here the wiring to the grid.
+    void zoneFillsTheGridNewestFirstAndEveryChoiceLoadsAnew()
     {
         open();
         QCOMPARE(comboTexts(m_w->sensorSelect()),
                  (QStringList{u"[1] Ψυγείο"_s, u"[5] Ανώνυμη ζώνη"_s}));
-        QCOMPARE(m_w->sensorSelect()->currentIndex(), 0);
-
-        RecordsModel* model = m_w->model();
-        QCOMPARE(model->rowCount(), 6);
-        const QStringList expected[] = {
-            {u"02/03/2026 - 13:00"_s, u"25.0 bar"_s}, {u"02/03/2026 - 12:00"_s, u"9.5 °C"_s},
-            {u"02/03/2026 - 11:00"_s, u"10.0 °C"_s},  {u"02/03/2026 - 10:00"_s, u"30.5 °C"_s},
-            {u"02/03/2026 - 09:00"_s, u"30.0 °C"_s},  {u"02/03/2026 - 08:00"_s, u"20.0 °C"_s}};
-        const QColor colours[] = {QColor(),         colors::kBlue, QColor(),
-                                  colors::kDarkRed, QColor(),      QColor()};
-        for (int r = 0; r < 6; ++r) {
-            QCOMPARE((QStringList{model->index(r, 0).data().toString(),
-                                  model->index(r, 1).data().toString()}),
-                     expected[r]);
-            QCOMPARE(textColor(model->index(r, 0)), colours[r]);
-            QCOMPARE(textColor(model->index(r, 1)), colours[r]);
-        }
-        QCOMPARE(m_w->minLimitCaption(), u"10.0 °C"_s);
-        QCOMPARE(m_w->maxLimitCaption(), u"30.0 °C"_s);
-
+        QCOMPARE(
+            gridRows(m_w->model()),
+            (QStringList{u"02/03/2026 - 13:00|25.0 bar"_s, u"02/03/2026 - 12:00|9.5 °C|blue"_s,
+                         u"02/03/2026 - 11:00|10.0 °C"_s, u"02/03/2026 - 10:00|30.5 °C|dark red"_s,
+                         u"02/03/2026 - 09:00|30.0 °C"_s, u"02/03/2026 - 08:00|20.0 °C"_s}));
+        QCOMPARE(m_w->minLimitCaption() + u'|' + m_w->maxLimitCaption(), u"10.0 °C|30.0 °C"_s);
+        QCOMPARE(state(), u"2 zones, lists 111, 6 rows, 3 on"_s);
         // Row 1 selected over both columns, highlighted without the focus too.
-        QVERIFY(m_w->grid()->selectionModel()->isSelected(model->index(0, 1)));
+        QVERIFY(m_w->grid()->selectionModel()->isSelected(m_w->model()->index(0, 1)));
         QCOMPARE(m_w->selectedRows(), std::make_pair(0, 0));
         const QPalette p = m_w->grid()->palette();
         QCOMPARE(p.color(QPalette::Inactive, QPalette::Highlight),
                  p.color(QPalette::Active, QPalette::Highlight));
-        QCOMPARE(commandsOn(*m_w), 3);
-
         // The shared records, in grid order, with the bare limit texts.
         const auto shared = m_fx->ctx.loadedRecords;
-        QVERIFY(shared);
-        QCOMPARE(shared->records.size(), size_t(6));
+        QVERIFY(shared && shared->records.size() == 6);
         QCOMPARE(shared->records.front().secs, at(u"2026-03-02 13:00:00"_s));
         QCOMPARE(shared->records.front().sensorType, quint8(3));
         QCOMPARE(shared->minLimitText + shared->maxLimitText, u"10.030.0"_s);
 
+        // Choosing the shown entry again loads anew, letting events through
+        // behind the wait window meanwhile.
+        RecordsSeed s(m_fx->db);
+        QComboBox* lists[] = {m_w->sensorSelect(), m_w->monthSelect(), m_w->yearSelect()};
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 14:0%1:00"_s.arg(i), 21, 0, 106 + i));
+            QString meanwhile = u"not run"_s;
+            QTimer::singleShot(0, this, [&] {
+                meanwhile = u"enabled %1, waiting %2"_s.arg(int(m_w->isEnabled()))
+                                .arg(int(GuiFixture::waitWindowShown()));
+            });
+            chooseItem(lists[i], lists[i]->currentIndex());
+            QCOMPARE(meanwhile, u"enabled 0, waiting 1"_s);
+            QCOMPARE(m_w->model()->dateText(0), u"02/03/2026 - 14:0%1"_s.arg(i));
+        }
+        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
+
         // A contact zone: states in the normal colour, no limits.
         chooseItem(m_w->sensorSelect(), 1);
-        QCOMPARE(model->rowCount(), 3);
-        for (int r = 0; r < 3; ++r) {
-            QCOMPARE(model->index(r, 1).data().toString(), r < 2 ? u"ΑΝΟΙΧΤΗ"_s : u"ΚΛΕΙΣΤΗ"_s);
-            QCOMPARE(textColor(model->index(r, 1)), QColor());
-        }
+        QCOMPARE(gridRows(m_w->model()),
+                 (QStringList{u"03/03/2026 - 12:00|ΑΝΟΙΧΤΗ"_s, u"03/03/2026 - 11:00|ΑΝΟΙΧΤΗ"_s,
+                              u"03/03/2026 - 10:00|ΚΛΕΙΣΤΗ"_s}));
         QCOMPARE(m_w->minLimitCaption() + m_w->maxLimitCaption(), QString());
         QCOMPARE(m_fx->ctx.loadedRecords->minLimitText + m_fx->ctx.loadedRecords->maxLimitText,
                  QString());
     }
 
-    void choosingTheShownEntryAgainFetchesNewRecords()
-    {
-        open();
-        RecordsSeed s(m_fx->db);
-        QComboBox* lists[] = {m_w->sensorSelect(), m_w->monthSelect(), m_w->yearSelect()};
-        for (int i = 0; i < 3; ++i) {
-            QCOMPARE(m_w->model()->rowCount(), 6 + i);
-            QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 14:0%1:00"_s.arg(i), 21, 0, 106 + i));
-            chooseItem(lists[i], lists[i]->currentIndex());
-            QCOMPARE(m_w->model()->dateText(0), u"02/03/2026 - 14:0%1"_s.arg(i));
-        }
-    }
-
     void unitWithoutZonesDisablesTheListsSilentlyAndFailuresAreReported()
     {
         open();
-        QCOMPARE(m_w->model()->rowCount(), 6);
         chooseItem(m_w->systemSelect(), 1);
-        QCOMPARE(m_w->sensorSelect()->count(), 0);
-        QVERIFY(!m_w->sensorSelect()->isEnabled() && !m_w->monthSelect()->isEnabled() &&
-                !m_w->yearSelect()->isEnabled());
-        QCOMPARE(m_w->model()->rowCount(), 0);
-        QCOMPARE(commandsOn(*m_w), 0);
+        QCOMPARE(state(), u"0 zones, lists 000, 0 rows, 0 on"_s);
         QVERIFY(m_w->minLimitCaption().isEmpty() && m_w->maxLimitCaption().isEmpty());
         QVERIFY(m_fx->dialogs.shown().isEmpty());
-
-        // Back to a unit with zones: the lists come back.
         chooseItem(m_w->systemSelect(), 0);
-        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
-        QCOMPARE(m_w->model()->rowCount(), 6);
+        QCOMPARE(state(), u"2 zones, lists 111, 6 rows, 3 on"_s);
 
         // Failures are reported and the window stays usable.
         m_fx->dialogs.answerMessage(DialogService::Answer::Ok);
@@ -221,42 +230,16 @@ private slots:
         chooseItem(m_w->monthSelect(), 12);
         QCOMPARE(m_fx->dialogs.messages().size(), 1);
         QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
-        QCOMPARE(commandsOn(*m_w), 0);
-        QVERIFY(m_w->sensorSelect()->isEnabled() && m_w->monthSelect()->isEnabled());
-
+        QCOMPARE(state(), u"2 zones, lists 111, 0 rows, 0 on"_s);
         // The table is back: the next selection loads, and a later failure is news again.
         QVERIFY(m_fx->exec(u"ALTER TABLE Records_away RENAME TO Records"_s));
         chooseItem(m_w->monthSelect(), 2);
-        QCOMPARE(m_w->model()->rowCount(), 6);
-        QVERIFY(m_w->saveAction()->isEnabled());
+        QCOMPARE(state(), u"2 zones, lists 111, 6 rows, 3 on"_s);
         QVERIFY(m_fx->exec(u"ALTER TABLE Sensors_Info RENAME TO Sensors_Info_away"_s));
         emit m_w->systemSelect()->activated(0);
         QCOMPARE(m_fx->dialogs.messages().size(), 2);
-        QVERIFY(!m_w->sensorSelect()->isEnabled());
-        QCOMPARE(m_w->model()->rowCount(), 0);
+        QCOMPARE(state(), u"0 zones, lists 000, 0 rows, 0 on"_s);
         QVERIFY(!m_fx->dialogs.anyUnexpected());
-    }
-
-    void decemberAndWholeYearKeepTheirEdges()
-    {
-        RecordsSeed s(m_fx->db);
-        QVERIFY(s.unit(u"C-300"_s, u"Gamma"_s));
-        QVERIFY(s.zone(u"C-300"_s, {.number = 3, .name = u"'Γ'"_s}));
-        const QString times[] = {u"2024-12-31 23:59:59"_s, u"2025-01-01 00:00:00"_s,
-                                 u"2025-11-30 23:59:59"_s, u"2025-12-01 00:00:00"_s,
-                                 u"2025-12-31 23:59:59"_s, u"2026-01-01 00:00:00"_s};
-        for (int i = 0; i < 6; ++i)
-            QVERIFY(s.record(u"C-300"_s, 3, times[i], i, 0, i + 1));
-        open(2);
-        QCOMPARE(m_w->sensorSelect()->currentText(), u"[3] Γ"_s);
-        chooseItem(m_w->yearSelect(), 25);
-        chooseItem(m_w->monthSelect(), 11);
-        QCOMPARE(m_w->model()->rowCount(), 2);
-        QCOMPARE(m_w->model()->dateText(0), u"31/12/2025 - 23:59"_s);
-        QCOMPARE(m_w->model()->dateText(1), u"01/12/2025 - 00:00"_s);
-        chooseItem(m_w->monthSelect(), 12);
-        QCOMPARE(m_w->model()->rowCount(), 4);
-        QCOMPARE(m_w->model()->dateText(3), u"01/01/2025 - 00:00"_s);
     }
 
     // One range of whole rows; select-all only while records are shown; an empty
@@ -298,8 +281,7 @@ private slots:
 
         // An empty period: commands off, the shared records kept, and the action selects nothing.
         chooseItem(m_w->monthSelect(), 1);
-        QCOMPARE(m_w->model()->rowCount(), 0);
-        QCOMPARE(commandsOn(*m_w), 0);
+        QCOMPARE(state(), u"2 zones, lists 111, 0 rows, 0 on"_s);
         QCOMPARE(m_fx->ctx.loadedRecords->records.size(), size_t(206));
         QVERIFY(m_fx->dialogs.shown().isEmpty());
         QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
@@ -307,22 +289,59 @@ private slots:
         QCOMPARE(m_w->selectedRows(), std::make_pair(-1, -1));
     }
 
-    void loadKeepsServingEventsBehindTheWaitWindow()
+    // Only the selection is printed, under the long heading that wraps whole;
+    // columns run top to bottom, then left to right, four to a page (when a page
+    // is full is the page layout's rule, tst_reportlayouts).
+    void printsTheSelectionInColumnsAndPages()
     {
-        QVERIFY(!sim::seedRecords(m_fx->db, u"A-100"_s, 1, 0, at(u"2026-03-05 00:00:00"_s), 30,
-                                  60000, 7)
-                     .isError());
-        open();
-        // A timer due now runs inside the load only if the load lets events through.
-        QString meanwhile = u"not run"_s;
-        QTimer::singleShot(0, this, [&] {
-            meanwhile = u"enabled %1, waiting %2"_s.arg(int(m_w->isEnabled()))
-                            .arg(int(GuiFixture::waitWindowShown()));
-        });
-        m_w->refreshRecords();
-        QCOMPARE(meanwhile, u"enabled 0, waiting 1"_s);
-        QVERIFY(m_w->isEnabled() && !GuiFixture::waitWindowShown());
-        QVERIFY(m_w->model()->rowCount() > 60000);
+        const int perColumn = rowsPerColumnOnPdf(m_fx->scratch.folder() + u"/measure.pdf"_s);
+        QVERIFY(perColumn > 40);
+        const int rows = 4 * perColumn + 1;
+        RecordsSeed s(m_fx->db);
+        QVERIFY(
+            s.unit(u"C-300"_s, u"Ψυκτικός θάλαμος αποθήκης τροφίμων της ανατολικής πτέρυγας"_s) &&
+            s.zone(u"C-300"_s, {.number = 1, .name = u"'Θερμοκρασία θαλάμου συντήρησης'"_s}));
+        QVERIFY(s.series(u"C-300"_s, 1, at(u"2026-03-01 00:00:00"_s), 60, rows,
+                         [](int i) { return -20.0 + (i % 500) * 0.1; }));
+        open(2);
+        QCOMPARE(m_w->model()->rowCount(), rows);
+        RecordsModel* m = m_w->model();
+        QStringList pages = print();
+        QCOMPARE(pages.size(), 1);
+        QVERIFY(pages[0].contains(u"Σελίδα 1/1"_s));
+        QVERIFY(pages[0].contains(m->dateText(0)) && pages[0].contains(m->readingText(0)));
+        QVERIFY(!pages[0].contains(m->dateText(1)));
+        const QString flat = pages[0].simplified();
+        // The title, the page line, then the whole heading.
+        QVERIFY2(
+            flat.startsWith(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΚΑΤΑΓΡΑΦΩΝ Σελίδα"_s) &&
+                flat.contains(
+                    u"ΠΛΗΡΟΦΟΡΙΕΣ ΑΡΧΕΙΟΥ ΚΑΤΑΓΡΑΦΩΝ. ΣΥΣΤΗΜΑ:Ψυκτικός θάλαμος αποθήκης τροφίμων της ανατολικής πτέρυγας [7] (C-300) , ΖΩΝΗ ΠΑΡΑΚΟΛΟΥΘΗΣΗΣ:[1] Θερμοκρασία θαλάμου συντήρησης , ΜΗΝΑΣ/ΕΤΟΣ:Μαρτιος/2026"_s),
+            qPrintable(flat));
+
+        m_w->selectAllRecords();
+        pages = print();
+        QCOMPARE(pages.size(), 2);
+        QVERIFY(pages[0].contains(u"Σελίδα 1/2"_s) && pages[1].contains(u"Σελίδα 2/2"_s));
+        QVERIFY(pages[1].contains(m->dateText(rows - 1)) &&
+                pages[1].contains(m->readingText(rows - 1)));
+        const QStringList lines = pages[0].split(u'\n');
+        const auto lineWith = [&lines](const QString& text) {
+            return lines.indexOf(
+                QRegularExpression(u".*"_s + QRegularExpression::escape(text) + u".*"_s));
+        };
+        const qsizetype top = lineWith(m->dateText(0));
+        QVERIFY(top >= 0);
+        // The first row of each column on the top line, in order; each reading right of its date.
+        for (int c = 1; c < 4; ++c) {
+            QCOMPARE(lineWith(m->dateText(c * perColumn)), top);
+            QVERIFY(lines[top].indexOf(m->dateText((c - 1) * perColumn)) <
+                    lines[top].indexOf(m->readingText((c - 1) * perColumn)));
+            QVERIFY(lines[top].indexOf(m->readingText((c - 1) * perColumn)) <
+                    lines[top].indexOf(m->dateText(c * perColumn)));
+        }
+        QCOMPARE(lineWith(m->dateText(perColumn + 2)), top + 2);
+        QVERIFY(m_fx->dialogs.messages().isEmpty());
     }
 
 private:
@@ -347,6 +366,24 @@ private:
     }
 
     void open(int unitIndex = 0);
+
+    QStringList print()
+    {
+        const QString pdf = m_fx->answerPdf();
+        m_w->printAction()->trigger();
+        return pdfPages(pdf);
+    }
+
+    // The zones listed, which of the three lists are on, the rows shown and the commands on.
+    QString state() const
+    {
+        return u"%1 zones, lists %2%3%4, %5 rows, %6 on"_s.arg(m_w->sensorSelect()->count())
+            .arg(int(m_w->sensorSelect()->isEnabled()))
+            .arg(int(m_w->monthSelect()->isEnabled()))
+            .arg(int(m_w->yearSelect()->isEnabled()))
+            .arg(m_w->model()->rowCount())
+            .arg(commandsOn(*m_w));
+    }
 
     std::unique_ptr<GuiFixture> m_fx;
     std::unique_ptr<RecordsWindow> m_w;
