@@ -16,16 +16,12 @@ using namespace Qt::StringLiterals;
 // The colours of the current-condition view by name; "none" when unset.
 inline QString tone(const QColor& c)
 {
-    const std::pair<QColor, QString> names[] = {{colors::kLightGrey, u"grey"_s},
-                                                {colors::kLightRed, u"pink"_s},
-                                                {colors::kLightBlue, u"lilac"_s},
-                                                {colors::kGreen, u"green"_s},
-                                                {colors::kRed, u"red"_s}};
-    for (const auto& [color, name] : names) {
-        if (c == color)
-            return name;
-    }
-    return c.isValid() ? c.name() : u"none"_s;
+    const qsizetype i = QList{colors::kLightGrey, colors::kLightRed, colors::kLightBlue,
+                              colors::kGreen, colors::kRed}
+                            .indexOf(c);
+    return i >= 0        ? u"grey pink lilac green red"_s.split(u' ')[i]
+           : c.isValid() ? c.name()
+                         : u"none"_s;
 }
 
 class CurrentSeed {

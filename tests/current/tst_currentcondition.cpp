@@ -252,22 +252,6 @@ private slots:
         QVERIFY(missing.newMessages);
     }
 
-    void pointsInNumberOrderAndOnlyInUse()
-    {
-        const QString s = nextSerial();
-        QVERIFY(seed.unit(s, u"Μονάδα"_s));
-        for (int n : {15, 2, 7, 11}) {
-            QVERIFY(seed.point(s, n, u"'Ζ%1'"_s.arg(n), u"0"_s, n == 11 ? u"0"_s : u"1"_s));
-            QVERIFY(seed.pointCondition(s, n, QString::number(n)));
-        }
-        for (int n : {4, 1, 3}) {
-            QVERIFY(seed.power(s, n, u"'Π%1'"_s.arg(n), n == 3 ? u"NULL"_s : u"1"_s));
-            QVERIFY(seed.powerCondition(s, n, u"0"_s, u"0"_s));
-        }
-        QCOMPARE(rowsOf(read(s)), u"[2] Ζ2|2.0 °C|grey\n[7] Ζ7|7.0 °C|grey\n[15] Ζ15|15.0 °C|grey\n"
-                                  "ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ|OK|grey\n[3] Π4|OK|grey"_s);
-    }
-
     void failingQueryStopsWithItsError()
     {
         // A database without the schema: the first query fails and nothing is made up.

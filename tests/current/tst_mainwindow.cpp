@@ -245,19 +245,23 @@ private:
     {
         CurrentSeed s(m_fx->db);
         // Listed by name: Alpha (0), Beta (1), Gamma (2). Alpha's zone 1 has its
-        // minimum in force, 2 is out of limits, 3 in alarm, 4 not powered, 5 a contact.
+        // minimum in force, 2 is out of limits, 3 in alarm, 4 not powered, 5 a contact;
+        // written in reverse, they are shown in number order.
         QVERIFY(s.unit(u"A-100"_s, u"Alpha"_s, u"1"_s, u"'1.22'"_s));
-        for (int n = 1; n <= 10; ++n) {
+        for (int n = 10; n >= 1; --n) {
             const auto flag = [n](int on) { return n == on ? u"1"_s : u"0"_s; };
             QVERIFY(s.point(u"A-100"_s, n, u"'Ζώνη %1'"_s.arg(n), n == 5 ? u"2"_s : u"0"_s, u"1"_s,
                             u"30"_s, u"2"_s, u"1"_s, flag(1)));
             QVERIFY(s.pointCondition(u"A-100"_s, n, QString::number(n * 1.5), flag(2), flag(3),
                                      flag(4)));
         }
-        for (const auto& [n, name, cut] : {std::tuple{1, u"'Τροφοδοτικό'"_s, u"0"_s},
-                                           {2, u"'Ρεύμα'"_s, u"1"_s},
-                                           {3, u"''"_s, u"0"_s}})
-            QVERIFY(s.power(u"A-100"_s, n, name) && s.powerCondition(u"A-100"_s, n, cut, cut));
+        // Inputs likewise; the fourth is not in use.
+        for (const auto& [n, name, cut, used] : {std::tuple{3, u"''"_s, u"0"_s, u"1"_s},
+                                                 {1, u"'Τροφοδοτικό'"_s, u"0"_s, u"1"_s},
+                                                 {4, u"'Π4'"_s, u"0"_s, u"NULL"_s},
+                                                 {2, u"'Ρεύμα'"_s, u"1"_s, u"1"_s}})
+            QVERIFY(s.power(u"A-100"_s, n, name, used) &&
+                    s.powerCondition(u"A-100"_s, n, cut, cut));
         QVERIFY(s.condition(u"A-100"_s, u"1"_s, u"0"_s, u"'2024-03-05 14:07:00'"_s));
         QVERIFY(s.unit(u"B-200"_s, u"Beta"_s, u"0"_s) && s.point(u"B-200"_s, 1, u"'Χ'"_s) &&
                 s.pointCondition(u"B-200"_s, 1, u"1"_s));
