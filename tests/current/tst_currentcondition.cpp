@@ -166,68 +166,58 @@ private slots:
     // notification, relay, clock and status, each text with its colour.
     void unitRule_data()
     {
-        QTest::addColumn<QString>("online");
-        QTest::addColumn<QString>("condition");
-        QTest::addColumn<QString>("rtc");
-        QTest::addColumn<bool>("fault");
+        QTest::addColumn<QStringList>("in"); // Online|Alarmcondition RelayBcondition|Rtc|fault
         QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, const QString& online, const QString& condition,
-                            const QString& rtc, bool fault, const QString& expected) {
-            QTest::newRow(name) << online << condition << rtc << fault << expected;
+        const auto row = [](const char* name, const char* in, const QString& expected) {
+            QTest::newRow(name) << QString::fromLatin1(in).split(u'|') << expected;
         };
-        const QString on = u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ green|"_s;
-        const QString ok = u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ ΟΚ grey"_s;
-        const QString relayOff = u"|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey||"_s + ok; // no clock
-        const QString null = u"NULL"_s;
-        row("disabled, relay off", u"1"_s, u"0 0"_s, null, false,
-            on + u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey"_s + relayOff);
-        row("enabled, relay on", u"1"_s, u"1 1"_s, null, false,
-            on + u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ pink|ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ pink||"_s + ok);
-        row("automatic off, relay 2", u"1"_s, u"2 2"_s, null, false,
-            on + u"ΑΥΤΟΜΑΤΗ grey"_s + relayOff);
-        row("automatic on (3)", u"1"_s, u"3 -1"_s, null, false, on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
-        row("automatic on (-1)", u"1"_s, u"-1 0"_s, null, false,
-            on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
-        row("missing values", u"1"_s, u"NULL NULL"_s, null, false,
-            on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
-        row("missing row", u"1"_s, QString(), null, false, on + u"ΑΥΤΟΜΑΤΗ pink"_s + relayOff);
+        // Connected: the notification, the relay and the clock, then the status.
+        const auto on = [](const QString& notification, const QString& relay,
+                           const QString& clock = {},
+                           const QString& status = u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ ΟΚ grey"_s) {
+            return QStringList{u"ΣΕ ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ green"_s, notification, relay, clock, status}
+                .join(u'|');
+        };
+        const QString disabled = u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey"_s;
+        const QString off = u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey"_s;
+        const QString automatic = u"ΑΥΤΟΜΑΤΗ pink"_s;
+        row("disabled, relay off", "1|0 0|NULL|0", on(disabled, off));
+        row("enabled, relay on", "1|1 1|NULL|0",
+            on(u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ pink"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ pink"_s));
+        row("automatic off, relay 2", "1|2 2|NULL|0", on(u"ΑΥΤΟΜΑΤΗ grey"_s, off));
+        row("automatic on (3)", "1|3 -1|NULL|0", on(automatic, off));
+        row("automatic on (-1)", "1|-1 0|NULL|0", on(automatic, off));
+        row("missing values", "1|NULL NULL|NULL|0", on(automatic, off));
+        row("missing row", "1||NULL|0", on(automatic, off));
         // The clock: date on the first line, time on the second.
-        row("clock set", u"1"_s, u"0 0"_s, u"'2024-03-05 14:07:00'"_s, false,
-            on +
-                u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey|Τρίτη 5 Μαρτίου 2024\r\n2:07 μμ|"_s +
-                ok);
-        row("clock past midnight", u"1"_s, u"0 0"_s, u"'2031-12-31 00:05:59'"_s, false,
-            on +
-                u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey|Τετάρτη 31 Δεκεμβρίου 2031\r\n12:05 πμ|"_s +
-                ok);
-        row("clock at the zero date", u"1"_s, u"0 0"_s, u"'1899-12-30 00:00:00'"_s, false,
-            on + u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey"_s + relayOff);
-        row("a fault", u"1"_s, u"0 0"_s, null, true,
-            on +
-                u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey|ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey||ΥΠΑΡΧΟΥΝ ΠΡΟΒΛΗΜΑΤΑ ΣΤΟ ΣΥΣΤΗΜΑ\r\nΔΕΙΤΕ ΝΕΑ ΜΗΝΥΜΑΤΑ ΓΙΑ ΛΕΠΤΟΜΕΡΕΙΕΣ pink"_s);
+        row("clock set", "1|0 0|'2024-03-05 14:07:00'|0",
+            on(disabled, off, u"Τρίτη 5 Μαρτίου 2024\r\n2:07 μμ"_s));
+        row("clock past midnight", "1|0 0|'2031-12-31 00:05:59'|0",
+            on(disabled, off, u"Τετάρτη 31 Δεκεμβρίου 2031\r\n12:05 πμ"_s));
+        row("clock at the zero date", "1|0 0|'1899-12-30 00:00:00'|0", on(disabled, off));
+        row("a fault", "1|0 0|NULL|1",
+            on(disabled, off, {},
+               u"ΥΠΑΡΧΟΥΝ ΠΡΟΒΛΗΜΑΤΑ ΣΤΟ ΣΥΣΤΗΜΑ\r\nΔΕΙΤΕ ΝΕΑ ΜΗΝΥΜΑΤΑ ΓΙΑ ΛΕΠΤΟΜΕΡΕΙΕΣ pink"_s));
         // Only a connected unit reads its condition, clock and faults.
         const QString rest = u"| none| none|| grey"_s;
-        row("offline", u"0"_s, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true,
+        row("offline", "0|1 1|'2024-03-05 14:07:00'|1",
             u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ red"_s + rest);
         const QString programming = u"ΣΥΣΤΗΜΑ ΣΕ ΔΙΑΔΙΚΑΣΙΑ ΠΡΟΓΡΑΜΜΑΤΙΣΜΟΥ red"_s + rest;
-        row("online 2", u"2"_s, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true, programming);
-        row("online -1", u"-1"_s, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true, programming);
-        row("online missing", null, u"1 1"_s, u"'2024-03-05 14:07:00'"_s, true, programming);
+        row("online 2", "2|1 1|'2024-03-05 14:07:00'|1", programming);
+        row("online -1", "-1|1 1|'2024-03-05 14:07:00'|1", programming);
+        row("online missing", "NULL|1 1|'2024-03-05 14:07:00'|1", programming);
     }
 
     void unitRule()
     {
-        QFETCH(QString, online);
-        QFETCH(QString, condition);
-        QFETCH(QString, rtc);
-        QFETCH(bool, fault);
+        QFETCH(QStringList, in);
         const QString s = nextSerial();
-        const QStringList c = condition.split(u' ');
-        QVERIFY(seed.unit(s, u"Μονάδα"_s, online) && seed.point(s, 1, u"'Σημείο'"_s) &&
+        const QStringList c = in[1].split(u' ');
+        QVERIFY(seed.unit(s, u"Μονάδα"_s, in[0]) && seed.point(s, 1, u"'Σημείο'"_s) &&
                 seed.pointCondition(s, 1, u"1"_s) && seed.power(s, 1, u"NULL"_s) &&
                 seed.powerCondition(s, 1, u"0"_s, u"0"_s) &&
-                (condition.isEmpty() || seed.condition(s, c[0], c[1], rtc)) &&
-                (!fault || seed.fault(s, 0, u"3"_s)));
+                (in[1].isEmpty() || seed.condition(s, c[0], c[1], in[2])) &&
+                (in[3] == u"0" || seed.fault(s, 0, u"3"_s)));
         const CurrentCondition cc = read(s);
         QVERIFY(cc.unitFound);
         const auto look = [](const Look& l) { return l.text + u' ' + tone(l.color); };
