@@ -109,8 +109,23 @@ private slots:
 
     void eachUnitFillsTheView()
     {
+        // No unit in use: the commands stay off while each round reads the list again.
+        QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
+        QTimer* timer = m_w->refreshTimer();
+        QVERIFY(!timer->isActive() && timer->isSingleShot());
+        timer->setInterval(10);
         fillSystemSelect(*m_w, -1, false);
-        QVERIFY(refreshed());
+        QTest::qWait(100); // rounds that find no unit
+        QCOMPARE(m_w->systemSelect()->count(), 0);
+        QCOMPARE(shown(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ red| grey||ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey off|"
+                          "ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey off|ΑΛΛΑΓΗ ΚΑΤΑΣΤΑΣΗΣ grey off"_s);
+        // A round lists the units once in use and shows the first; the timer runs
+        // from the end of each refresh.
+        QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=1"_s));
+        QTRY_COMPARE(m_w->systemSelect()->count(), 3);
+        timer->setInterval(MainWindow::kRefreshIntervalMs);
+        QVERIFY(refreshed(true));
+        QVERIFY(timer->isActive() && timer->remainingTime() > 9000);
         QCOMPARE(m_w->selectedSerial(), u"A-100"_s);
         QTableWidget* points = m_w->pointsGrid();
         QTableWidget* power = m_w->powerGrid();
@@ -187,29 +202,6 @@ private slots:
         QVERIFY(change(u"UPDATE Sensors_Info SET SeI_Used=0 WHERE SeI_Sensornumber=2"_s));
         QCOMPARE(grid->rowCount(), 9);
         QCOMPARE(rowOf(grid, 1), u"[3] Ζώνη 3|4.5 °C||30.0 °C|lilac"_s);
-    }
-
-    // Without a unit in use the commands stay off while each round reads the list
-    // again; a round that finds units shows the first, and the timer runs from
-    // the end of each refresh.
-    void roundsReadTheListUntilUnitsAreInUse()
-    {
-        QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=0"_s));
-        QTimer* timer = m_w->refreshTimer();
-        QVERIFY(!timer->isActive() && timer->isSingleShot());
-        timer->setInterval(10);
-        fillSystemSelect(*m_w, -1, false);
-        QTest::qWait(200); // rounds that find no unit
-        QCOMPARE(m_w->systemSelect()->count(), 0);
-        QCOMPARE(shown(), u"ΣΥΝΔΕΣΗ ΜΕ ΣΥΣΤΗΜΑ ΜΗ ΔΙΑΘΕΣΙΜΗ red| grey||ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ grey off|"
-                          "ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ grey off|ΑΛΛΑΓΗ ΚΑΤΑΣΤΑΣΗΣ grey off"_s);
-        QVERIFY(m_fx->dialogs.shown().isEmpty());
-        QVERIFY(m_fx->exec(u"UPDATE Systems_Info SET SyI_Used=1"_s));
-        QTRY_COMPARE(m_w->pointsGrid()->rowCount(), 10);
-        QCOMPARE(m_w->selectedSerial(), u"A-100"_s);
-        timer->setInterval(MainWindow::kRefreshIntervalMs);
-        QVERIFY(refreshed(true));
-        QVERIFY(timer->isActive() && timer->remainingTime() > 9000);
     }
 
     void failingQueryIsReportedOnceAndTheViewRecovers()

@@ -11,15 +11,23 @@ using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
 using records::Marking;
+using records::ZoneEntry;
+
+Q_DECLARE_METATYPE(sx::records::ZoneEntry)
 
 namespace {
 
-records::ZoneEntry zone(const QString& serial, int number, int type = 0)
+ZoneEntry zone(int type, float max = 30, float min = 10, bool maxUsed = true, bool minUsed = true,
+               const QString& serial = u"S"_s, int number = 1)
 {
-    records::ZoneEntry z;
+    ZoneEntry z;
     z.serial = serial;
     z.number = number;
     z.sensorType = type;
+    z.maxLimit = max;
+    z.minLimit = min;
+    z.maxUsed = maxUsed;
+    z.minUsed = minUsed;
     return z;
 }
 
@@ -32,34 +40,29 @@ private slots:
     void periodIncludesBothEnds_data()
     {
         QTest::addColumn<int>("year");
-        QTest::addColumn<int>("month");
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::newRow("leap february")
-            << 2024 << 1 << u"2024-02-01 00:00:00"_s << u"2024-02-29 23:59:59"_s;
+        QTest::addColumn<int>("month"); // index in the list; 12 is the whole year
+        QTest::addColumn<QString>("period");
+        QTest::newRow("leap february") << 2024 << 1 << u"2024-02-01 00:00:00 2024-02-29 23:59:59"_s;
         QTest::newRow("plain february")
-            << 2026 << 1 << u"2026-02-01 00:00:00"_s << u"2026-02-28 23:59:59"_s;
-        QTest::newRow("december ends with the year")
-            << 2025 << 11 << u"2025-12-01 00:00:00"_s << u"2025-12-31 23:59:59"_s;
+            << 2026 << 1 << u"2026-02-01 00:00:00 2026-02-28 23:59:59"_s;
+        QTest::newRow("december") << 2025 << 11 << u"2025-12-01 00:00:00 2025-12-31 23:59:59"_s;
         QTest::newRow("last listed year")
-            << 2255 << 12 << u"2255-01-01 00:00:00"_s << u"2255-12-31 23:59:59"_s;
+            << 2255 << 12 << u"2255-01-01 00:00:00 2255-12-31 23:59:59"_s;
     }
 
     void periodIncludesBothEnds()
     {
         QFETCH(int, year);
         QFETCH(int, month);
-        QFETCH(QString, from);
-        QFETCH(QString, to);
         const records::Period p = records::recordsPeriod(records::yearIndexOf(year), month);
-        QCOMPARE(sqlDateTimeText(p.fromSecs), from);
-        QCOMPARE(sqlDateTimeText(p.toSecs), to);
+        QTEST(sqlDateTimeText(p.fromSecs) + u' ' + sqlDateTimeText(p.toSecs), "period");
     }
 
     void queryText()
     {
         const QString sql =
-            records::recordsSql(DbKind::Oracle, zone(u"O'K"_s, 7), records::recordsPeriod(26, 2));
+            records::recordsSql(DbKind::Oracle, zone(0, 30, 10, true, true, u"O'K"_s, 7),
+                                records::recordsPeriod(26, 2));
         QCOMPARE(
             sql,
             u"SELECT Rec_SyI_Serialnumber, Rec_SeI_Sensornumber, Rec_Datetime, Rec_Value, Rec_Sensortype, Rec_SensRecSN FROM Records WHERE Rec_SyI_Serialnumber='O''K' AND Rec_SeI_Sensornumber=7 AND Rec_Datetime BETWEEN TO_DATE('1-3-2026 0:0:0','DD-MM-YYYY HH24:MI:SS') AND TO_DATE('31-3-2026 23:59:59','DD-MM-YYYY HH24:MI:SS')"_s);
@@ -67,71 +70,55 @@ private slots:
 
     void limitTexts_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<bool>("minUsed");
-        QTest::addColumn<bool>("maxUsed");
-        QTest::addColumn<QStringList>("expected"); // min text, max text, min caption, max caption
-        QTest::newRow("both in force")
-            << 0 << true << true << QStringList{u"-5.0"_s, u"30.5"_s, u"-5.0 °C"_s, u"30.5 °C"_s};
-        QTest::newRow("maximum only")
-            << 3 << false << true << QStringList{QString(), u"30.5"_s, QString(), u"30.5 bar"_s};
-        QTest::newRow("contact input")
-            << 2 << true << true << QStringList{QString(), QString(), QString(), QString()};
-        QTest::newRow("unknown type")
-            << 42 << true << false << QStringList{u"-5.0"_s, QString(), u"-5.0"_s, QString()};
+        QTest::addColumn<ZoneEntry>("zone");
+        QTest::addColumn<QString>("expected"); // min text, max text, min caption, max caption
+        const auto row = [](const char* name, int type, bool minUsed, bool maxUsed,
+                            const QString& expected) {
+            QTest::newRow(name) << zone(type, 30.5f, -5.0f, maxUsed, minUsed) << expected;
+        };
+        row("both in force", 0, true, true, u"-5.0|30.5|-5.0 °C|30.5 °C"_s);
+        row("maximum only", 3, false, true, u"|30.5||30.5 bar"_s);
+        row("contact input", 2, true, true, u"|||"_s);
+        row("unknown type", 42, true, false, u"-5.0||-5.0|"_s);
     }
 
     void limitTexts()
     {
-        QFETCH(int, type);
-        QFETCH(bool, minUsed);
-        QFETCH(bool, maxUsed);
-        QFETCH(QStringList, expected);
-        records::ZoneEntry z = zone(u"S"_s, 1, type);
-        z.minUsed = minUsed;
-        z.maxUsed = maxUsed;
-        z.minLimit = -5.0f;
-        z.maxLimit = 30.5f;
-        const records::ZoneLimits l = records::zoneLimits(z, QLocale::c());
-        QCOMPARE((QStringList{l.minText, l.maxText, l.minCaption, l.maxCaption}), expected);
+        QFETCH(ZoneEntry, zone);
+        const records::ZoneLimits l = records::zoneLimits(zone, QLocale::c());
+        QTEST(QStringList({l.minText, l.maxText, l.minCaption, l.maxCaption}).join(u'|'),
+              "expected");
     }
 
+    // The record is of the zone's type unless told.
     void markingIsStrictAndOnlyForTheZonesType_data()
     {
-        QTest::addColumn<int>("zoneType");
-        QTest::addColumn<bool>("maxUsed");
-        QTest::addColumn<bool>("minUsed");
+        QTest::addColumn<ZoneEntry>("zone");
         QTest::addColumn<float>("value");
         QTest::addColumn<int>("recordType");
         QTest::addColumn<int>("marking");
-        const int none = int(Marking::None);
-        const int above = int(Marking::AboveMax);
-        const int below = int(Marking::BelowMin);
-        QTest::newRow("above") << 0 << true << true << 30.1f << 0 << above;
-        QTest::newRow("equal to the maximum") << 0 << true << true << 30.0f << 0 << none;
-        QTest::newRow("below") << 0 << true << true << 9.9f << 0 << below;
-        QTest::newRow("maximum not in force") << 0 << false << true << 99.0f << 0 << none;
-        QTest::newRow("minimum not in force") << 0 << true << false << -99.0f << 0 << none;
-        QTest::newRow("another type logged") << 0 << true << true << 99.0f << 1 << none;
-        QTest::newRow("contact zone") << 2 << true << true << 99.0f << 2 << none;
-        QTest::newRow("limits crossed over") << 5 << true << true << 20.0f << 5 << above;
+        const auto row = [](const char* name, ZoneEntry z, float value, int recordType, Marking m) {
+            QTest::newRow(name) << z << value << (recordType < 0 ? z.sensorType : recordType)
+                                << int(m);
+        };
+        const ZoneEntry both = zone(0);
+        row("above", both, 30.1f, -1, Marking::AboveMax);
+        row("equal to the maximum", both, 30.0f, -1, Marking::None);
+        row("below", both, 9.9f, -1, Marking::BelowMin);
+        row("maximum not in force", zone(0, 30, 10, false), 99.0f, -1, Marking::None);
+        row("minimum not in force", zone(0, 30, 10, true, false), -99.0f, -1, Marking::None);
+        row("another type logged", both, 99.0f, 1, Marking::None);
+        row("contact zone", zone(2), 99.0f, -1, Marking::None);
+        row("limits crossed over", zone(5, 10, 30), 20.0f, -1, Marking::AboveMax);
     }
 
     void markingIsStrictAndOnlyForTheZonesType()
     {
-        QFETCH(int, zoneType);
-        QFETCH(bool, maxUsed);
-        QFETCH(bool, minUsed);
+        QFETCH(ZoneEntry, zone);
         QFETCH(float, value);
         QFETCH(int, recordType);
-        QFETCH(int, marking);
-        records::ZoneEntry z = zone(u"S"_s, 1, zoneType);
-        z.maxUsed = maxUsed;
-        z.minUsed = minUsed;
-        z.maxLimit = QTest::currentDataTag() == QByteArray("limits crossed over") ? 10.0f : 30.0f;
-        z.minLimit = QTest::currentDataTag() == QByteArray("limits crossed over") ? 30.0f : 10.0f;
-        const RecordPoint r{0, value, static_cast<quint8>(recordType)};
-        QCOMPARE(int(records::LimitRule(z)(r)), marking);
+        QTEST(int(records::LimitRule(zone)({0, value, static_cast<quint8>(recordType)})),
+              "marking");
     }
 
     // On one scratch database: the zones offered, then the records loaded.
@@ -176,7 +163,8 @@ private slots:
                 s.record(u"U1"_s, 1, u"2026-05-01 10:01:00"_s, 0.5, 2, 3) &&
                 s.record(u"U1"_s, 1, u"2026-05-01 09:00:00"_s, -7.25, 0, 10));
         const records::RecordsLoad got = records::loadRecords(
-            db, records::recordsSql(db.kind(), zone(u"U1"_s, 1), records::recordsPeriod(26, 4)));
+            db, records::recordsSql(db.kind(), zone(0, 30, 10, true, true, u"U1"_s),
+                                    records::recordsPeriod(26, 4)));
         QVERIFY2(!got.error.isError(), qPrintable(got.error.description));
         QStringList rows;
         for (const RecordPoint& r : got.records)
@@ -188,8 +176,8 @@ private slots:
         // Without the table, both ways of loading carry the error, as does a database
         // that cannot be opened.
         QVERIFY(!db.exec(u"ALTER TABLE Records RENAME TO Records_away"_s).isError());
-        const QString sql =
-            records::recordsSql(db.kind(), zone(u"U1"_s, 1), records::recordsPeriod(25, 6));
+        const QString sql = records::recordsSql(db.kind(), zone(0, 30, 10, true, true, u"U1"_s),
+                                                records::recordsPeriod(25, 6));
         ConnectionSettings nowhere = db.settings();
         nowhere.file = scratch.folder() + u"/missing/none.db"_s;
         nowhere.dataSource = u"sx_no_such_database"_s;
