@@ -110,27 +110,24 @@ private slots:
 
         // Labels: zone or input, its number and SQL name, with a condition row or without.
         const auto label = [](const char* name, const char* kind, int n, const QString& sqlName,
-                              bool cond, const QString& shown, const QString& reading,
-                              const QColor& color) {
+                              bool cond, const QString& expected) {
             QTest::newRow(name) << QStringList{u"L"_s, QString::fromLatin1(kind),
                                                QString::number(n), sqlName, QString::number(cond)}
-                                << one(shown, reading, color);
+                                << expected;
         };
-        const QString t = u"3.0 °C"_s;
-        label("point named", "zone", 12, u"'Θάλαμος 2'"_s, true, u"[12] Θάλαμος 2"_s, t, kGrey);
-        label("point empty name", "zone", 3, u"''"_s, true, u"[3] Ανώνυμη ζώνη"_s, t, kGrey);
-        label("point missing name", "zone", 20, u"NULL"_s, true, u"[20] Ανώνυμη ζώνη"_s, t, kGrey);
+        label("point named", "zone", 12, u"'Θάλαμος 2'"_s, true, u"[12] Θάλαμος 2|3.0 °C|grey"_s);
+        label("point empty name", "zone", 3, u"''"_s, true, u"[3] Ανώνυμη ζώνη|3.0 °C|grey"_s);
+        label("point missing name", "zone", 20, u"NULL"_s, true,
+              u"[20] Ανώνυμη ζώνη|3.0 °C|grey"_s);
         // No current-condition row: every field missing, so "not powered".
-        label("point without condition row", "zone", 9, u"'Πόρτα'"_s, false, u"[9] Πόρτα"_s,
-              u"ΕΚΤΟΣ Λ."_s, kRed);
+        label("point without condition row", "zone", 9, u"'Πόρτα'"_s, false,
+              u"[9] Πόρτα|ΕΚΤΟΣ Λ.|pink"_s);
         label("input 1 whatever its name", "input", 1, u"'Μπαταρία'"_s, true,
-              u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ"_s, u"OK"_s, kGrey);
-        label("input 3 named Α", "input", 3, u"'Α'"_s, true, u"[2] Α"_s, u"OK"_s, kGrey);
-        label("input 4 missing name", "input", 4, u"NULL"_s, true, u"[3] Ανώνυμη ζώνη"_s, u"OK"_s,
-              kGrey);
+              u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ|OK|grey"_s);
+        label("input 3 named Α", "input", 3, u"'Α'"_s, true, u"[2] Α|OK|grey"_s);
+        label("input 4 missing name", "input", 4, u"NULL"_s, true, u"[3] Ανώνυμη ζώνη|OK|grey"_s);
         // No current-condition row: no state is claimed.
-        label("input without condition row", "input", 2, u"'Γ'"_s, false, u"[1] Γ"_s, QString(),
-              kGrey);
+        label("input without condition row", "input", 2, u"'Γ'"_s, false, u"[1] Γ||grey"_s);
     }
 
     void rowRule()
@@ -252,27 +249,27 @@ private slots:
         QVERIFY(cc.error.isError() && !cc.unitFound && cc.points.isEmpty());
     }
 
+    // Column 300 wide throughout: the label's width and line height give its
+    // lines and the row's height (0 and -1: the default).
     void labelRowHeight_data()
     {
         QTest::addColumn<double>("width");
         QTest::addColumn<double>("height");
-        QTest::addColumn<int>("lines");
-        QTest::addColumn<int>("rowHeight");
-        // The column is 300 wide throughout.
-        QTest::newRow("just narrower keeps the default") << 299.6 << 15.0 << 0 << -1;
-        QTest::newRow("exactly as wide: two lines") << 300.0 << 15.0 << 2 << 30;
-        QTest::newRow("just under twice: two lines") << 599.6 << 15.0 << 2 << 30;
-        QTest::newRow("twice: three lines") << 600.0 << 15.0 << 3 << 45;
-        QTest::newRow("height rounded up") << 300.0 << 15.26 << 2 << 31;
-        QTest::newRow("three lines rounded down") << 750.0 << 15.1 << 3 << 45;
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("just narrower keeps the default") << 299.6 << 15.0 << u"0 -1"_s;
+        QTest::newRow("exactly as wide: two lines") << 300.0 << 15.0 << u"2 30"_s;
+        QTest::newRow("just under twice: two lines") << 599.6 << 15.0 << u"2 30"_s;
+        QTest::newRow("twice: three lines") << 600.0 << 15.0 << u"3 45"_s;
+        QTest::newRow("height rounded up") << 300.0 << 15.26 << u"2 31"_s;
+        QTest::newRow("three lines rounded down") << 750.0 << 15.1 << u"3 45"_s;
     }
 
     void labelRowHeight()
     {
         QFETCH(double, width);
         QFETCH(double, height);
-        QTEST(labelRowLines(width, 300), "lines");
-        QTEST(sx::labelRowHeight(width, height, 300), "rowHeight");
+        QTEST(u"%1 %2"_s.arg(labelRowLines(width, 300)).arg(sx::labelRowHeight(width, height, 300)),
+              "expected");
     }
 
 private:
