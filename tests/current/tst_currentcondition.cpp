@@ -1,5 +1,6 @@
 #include "CurrentSeed.h"
 #include "ScratchDatabase.h"
+#include "Tone.h"
 #include "reports/Colors.h"
 #include "views/current/CurrentCondition.h"
 

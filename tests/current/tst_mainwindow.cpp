@@ -1,6 +1,7 @@
 #include "ChooseItem.h"
 #include "CurrentSeed.h"
 #include "GuiFixture.h"
+#include "Tone.h"
 #include "ui/NavigationFrame.h"
 #include "ui/UnitList.h"
 #include "views/current/CurrentCondition.h"
