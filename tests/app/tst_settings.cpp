@@ -20,6 +20,7 @@
 #include <QTest>
 
 #include <memory>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
@@ -39,16 +40,7 @@ struct Bench {
 
 template <typename T> T* child(const QWidget& w, const QString& name)
 {
-    T* c = w.findChild<T*>(name);
-    if (!c)
-        qWarning("no %s", qPrintable(name));
-    return c;
-}
-
-void type(QLineEdit* edit, const QString& text)
-{
-    edit->clear();
-    QTest::keyClicks(edit, text);
+    return w.findChild<T*>(name);
 }
 
 // Every value the settings change writes; "-" for an absent one.
@@ -215,21 +207,19 @@ private slots:
         child<QLineEdit>(d, u"AppSetting_0"_s)->setText(u" Βάση SX "_s);
         child<QLineEdit>(d, u"AppSetting_1"_s)->setText(u"10.0.0.9"_s);
         child<QLineEdit>(d, u"AppSetting_2"_s)->setText(u"5432"_s);
-        type(child<QLineEdit>(d, u"AppSetting_3"_s), u" Kod 1 "_s);
-        type(child<QLineEdit>(d, u"AppSetting_4"_s), u" Kod 1 "_s);
+        for (const QString& name : {u"AppSetting_3"_s, u"AppSetting_4"_s}) {
+            child<QLineEdit>(d, name)->clear();
+            QTest::keyClicks(child<QLineEdit>(d, name), u" Kod 1 "_s);
+        }
         QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
         QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
 
         QVERIFY(b.dialogs.shown().isEmpty());
         // Read back through a fresh store: the values reached the file.
-        SettingsStore reread(b.path());
-        QCOMPARE(reread.app(u"DBType"_s), saved);
-        QCOMPARE(reread.app(u"DBFile"_s), file);
-        QCOMPARE(reread.app(u"DBDataSource"_s), u" Βάση SX "_s);
-        QCOMPARE(reread.app(u"DBServerIP"_s), u"10.0.0.9"_s);
-        QCOMPARE(reread.app(u"DBServerPORT"_s), u"5432"_s);
-        QCOMPARE(reread.protectionCode(), u" Kod 1 "_s);
-        QCOMPARE(reread.app(u"Notifications"_s), notifications == u"0" ? u"1"_s : u"0"_s);
+        const SettingsStore reread(b.path());
+        QCOMPARE(values(reread),
+                 (QStringList{u" Kod 1 "_s, u"-"_s, saved, file, u" Βάση SX "_s, u"10.0.0.9"_s,
+                              u"5432"_s, notifications == u"0" ? u"1"_s : u"0"_s}));
         QCOMPARE(reread.notificationsOn(), notifications == u"0");
         // Readable and writable by the owner alone.
         QCOMPARE(QFile::permissions(b.path()) & 0x7077, // owner, group, others
@@ -253,19 +243,17 @@ private slots:
 
         // Refused: a message, the input kept for the user to correct.
         QVERIFY(d.isVisible());
-        const auto shown = b.dialogs.messages();
-        QCOMPARE(shown.size(), 1);
-        QCOMPARE(shown[0].icon, DialogService::Icon::Exclamation);
-        QCOMPARE(shown[0].title, kApp);
-        QCOMPARE(shown[0].text, kCodesDiffer);
+        QCOMPARE(b.dialogs.messages().size(), 1);
+        const auto& shown = b.dialogs.messages().first();
+        QCOMPARE(std::tuple(shown.icon, shown.title, shown.text),
+                 std::tuple(DialogService::Icon::Exclamation, kApp, kCodesDiffer));
         QCOMPARE(child<QLineEdit>(d, u"AppSetting_4"_s)->text(), u"new "_s);
 
         QTest::mouseClick(child<QPushButton>(d, u"cmdCancel"_s), Qt::LeftButton);
         QCOMPARE(d.result(), int(QDialog::Rejected));
-        SettingsStore reread(b.path());
-        QCOMPARE(reread.app(u"DBType"_s), u"0"_s);
-        QCOMPARE(reread.protectionCode(), u"old"_s);
-        QCOMPARE(reread.app(u"DBDataSource"_s, u"-"_s), u"-"_s);
+        QCOMPARE(
+            values(SettingsStore(b.path())),
+            (QStringList{u"old"_s, u"-"_s, u"0"_s, u"/old.mdb"_s, u"-"_s, u"-"_s, u"-"_s, u"-"_s}));
     }
 
     // Root writes through any permission, so the place of the file is broken
@@ -296,36 +284,27 @@ private slots:
         const QStringList oldValues = values(store);
         const QStringList newValues{u"new"_s, u"1"_s,        u"3"_s,    u"/old.mdb"_s,
                                     u"sx"_s,  u"10.0.0.9"_s, u"5432"_s, u"0"_s};
-
+        // What is moved aside while its place is broken, and where the old file then lies.
         const QString moved = broken == u"folder" ? folder : path;
-        // Where the old file is kept while its place is broken.
         const QString kept = broken == u"folder" ? aside + u"/settings.ini"_s : aside;
         if (!broken.isEmpty()) {
             QVERIFY(QFile::rename(moved, aside));
-            if (broken == u"folder")
-                QVERIFY(QFile(folder).open(QIODevice::WriteOnly));
-            else
-                QVERIFY(QDir().mkdir(path));
+            QVERIFY(broken == u"folder" ? QFile(folder).open(QIODevice::WriteOnly)
+                                        : QDir().mkdir(path));
         }
+
         const auto repair = [&] {
             QVERIFY(broken == u"folder" ? QFile::remove(folder) : QDir().rmdir(path));
             QVERIFY(QFile::rename(aside, moved));
         };
-
         ScriptedDialogs dialogs;
         dialogs.answerCode(u"old"_s);
         bool stayedOpen = false;
         dialogs.answerSettings([&] {
             SettingsDialog d(store, dialogs);
             d.show();
-            SettingsForm chosen = d.form();
-            chosen.kind = DbKind::PostgreSQL;
-            chosen.dataSource = u"sx"_s;
-            chosen.serverIp = u"10.0.0.9"_s;
-            chosen.serverPort = u"5432"_s;
-            chosen.code = chosen.confirmation = u"new"_s;
-            chosen.notifications = false;
-            d.setForm(chosen);
+            d.setForm({DbKind::PostgreSQL, d.form().file, u"sx"_s, u"10.0.0.9"_s, u"5432"_s,
+                       u"new"_s, u"new"_s, false});
             QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
             if (repaired) {
                 repair();
@@ -342,22 +321,19 @@ private slots:
         changeAppSettings(ctx, nullptr);
 
         const bool saved = broken.isEmpty() || repaired;
-        QStringList texts;
+        QStringList texts; // each box as icon|title|text
         if (!broken.isEmpty())
-            texts << u"Οι παράμετροι της εφαρμογής δεν αποθηκεύτηκαν.\r\n"
-                     u"Δεν είναι δυνατή η εγγραφή στο αρχείο παραμέτρων:\r\n"_s +
+            texts << u"%1|%2|"_s.arg(int(DialogService::Icon::Critical)).arg(kApp) +
+                         u"Οι παράμετροι της εφαρμογής δεν αποθηκεύτηκαν.\r\n"
+                         u"Δεν είναι δυνατή η εγγραφή στο αρχείο παραμέτρων:\r\n"_s +
                          path + u"\r\nΙσχύουν οι προηγούμενες παράμετροι."_s;
         if (saved)
-            texts << kChanged;
-        const auto shown = dialogs.messages();
-        QStringList shownTexts;
-        for (const auto& m : shown)
-            shownTexts << m.text;
-        QCOMPARE(shownTexts, texts);
-        if (!broken.isEmpty()) {
-            QCOMPARE(shown[0].icon, DialogService::Icon::Critical);
-            QCOMPARE(shown[0].title, kApp);
-        }
+            texts << u"%1|%2|"_s.arg(int(DialogService::Icon::Information)).arg(kChangeTitle) +
+                         kChanged;
+        QStringList shown;
+        for (const auto& m : dialogs.messages())
+            shown << u"%1|%2|"_s.arg(int(m.icon)).arg(m.title) + m.text;
+        QCOMPARE(shown, texts);
         QVERIFY(!dialogs.anyUnexpected());
         QCOMPARE(ended, saved);
         QCOMPARE(stayedOpen, !saved);

@@ -67,45 +67,41 @@ private slots:
         QTEST(connectionString(s), "expected");
     }
 
-    void dbUrls()
-    {
-        ConnectionSettings s;
-        QVERIFY(parseDbUrl(u"sqlite:/tmp/a b.db"_s, s));
-        QCOMPARE(s.kind, DbKind::SQLite);
-        QCOMPARE(s.file, u"/tmp/a b.db"_s);
-        QVERIFY(parseDbUrl(u"postgresql://u:p@127.0.0.1:5999/fleet"_s, s));
-        QCOMPARE(s.kind, DbKind::PostgreSQL);
-        QCOMPARE(QStringList({s.serverIp, s.serverPort, s.dataSource, s.user, s.password}),
-                 (QStringList{u"127.0.0.1"_s, u"5999"_s, u"fleet"_s, u"u"_s, u"p"_s}));
-        QVERIFY(!parseDbUrl(u"mysql://x/y"_s, s));
-        QVERIFY(!parseDbUrl(u"sqlite:"_s, s));
-        QVERIFY(!parseDbUrl(u"postgresql://host:5432/"_s, s));
-    }
-
-    void replicatedUrls_data()
+    void dbUrls_data()
     {
         QTest::addColumn<QString>("url");
-        QTest::addColumn<QString>(
-            "parsed"); // hosts|ports|name|tls mode|root|target; empty: refused
+        // kind|file|hosts|ports|name|user|password|tls mode|root|target; empty: refused
+        QTest::addColumn<QString>("parsed");
+        QTest::newRow("file") << u"sqlite:/tmp/a b.db"_s << u"2|/tmp/a b.db||||||||"_s;
         QTest::newRow("pair") << u"postgresql://u:p@10.0.0.1:5433,10.0.0.2:5434/fleet"_s
-                              << u"10.0.0.1,10.0.0.2|5433,5434|fleet|||"_s;
+                              << u"3||10.0.0.1,10.0.0.2|5433,5434|fleet|u|p|||"_s;
         QTest::newRow("one port named") << u"postgres://u@a,[::1]:6000/f?sslmode=verify-full"_s
-                                        << u"a,::1|5432,6000|f|verify-full||"_s;
+                                        << u"3||a,::1|5432,6000|f|u||verify-full||"_s;
         QTest::newRow("parameters")
             << u"postgresql://u@h/f?target_session_attrs=any&sslrootcert=/c%20a.crt"_s
-            << u"h||f||/c a.crt|any"_s;
+            << u"3||h||f|u|||/c a.crt|any"_s;
         QTest::newRow("unknown parameter") << u"postgresql://u@h/f?sslmod=require"_s << QString();
         QTest::newRow("port not a number") << u"postgresql://u@a:1,b:x/f"_s << QString();
+        QTest::newRow("another kind") << u"mysql://x/y"_s << QString();
+        QTest::newRow("no file") << u"sqlite:"_s << QString();
+        QTest::newRow("no database") << u"postgresql://host:5432/"_s << QString();
     }
-    void replicatedUrls()
+    void dbUrls()
     {
         QFETCH(QString, url);
         ConnectionSettings s;
         const bool ok = parseDbUrl(url, s);
-        const QStringList fields = {s.serverIp, s.serverPort,  s.dataSource,
-                                    s.sslMode,  s.sslRootCert, s.targetSessionAttrs};
-        const QString parsed = ok ? fields.join(u'|') : QString();
-        QTEST(parsed, "parsed");
+        const QStringList fields = {QString::number(int(s.kind)),
+                                    s.file,
+                                    s.serverIp,
+                                    s.serverPort,
+                                    s.dataSource,
+                                    s.user,
+                                    s.password,
+                                    s.sslMode,
+                                    s.sslRootCert,
+                                    s.targetSessionAttrs};
+        QTEST(ok ? fields.join(u'|') : QString(), "parsed");
     }
 
     // Oracle's codes pick their own causes; the server's messages and states are classified.
