@@ -38,11 +38,6 @@ struct Bench {
     QString path() const { return dir.filePath(u"settings.ini"_s); }
 };
 
-template <typename T> T* child(const QWidget& w, const QString& name)
-{
-    return w.findChild<T*>(name);
-}
-
 // Every value the settings change writes; "-" for an absent one.
 QStringList values(const SettingsStore& s)
 {
@@ -140,29 +135,26 @@ private slots:
     {
         QTest::addColumn<QString>("dbType");
         QTest::addColumn<QString>("checked");
-        QTest::addColumn<bool>("fileControls");     // enabled; the server controls the reverse
         QTest::addColumn<QString>("notifications"); // stored; null: absent (on)
         QTest::addColumn<QString>("click");
         QTest::addColumn<QString>("saved");
         QTest::newRow("0 Access, to Oracle")
-            << u"0"_s << u"Option1_0"_s << true << QString() << u"Option1_1"_s << u"1"_s;
+            << u"0"_s << u"Option1_0"_s << QString() << u"Option1_1"_s << u"1"_s;
         QTest::newRow("1 Oracle, to Access")
-            << u"1"_s << u"Option1_1"_s << false << u"1"_s << u"Option1_0"_s << u"0"_s;
+            << u"1"_s << u"Option1_1"_s << u"1"_s << u"Option1_0"_s << u"0"_s;
         QTest::newRow("2 SQLite, to PostgreSQL")
-            << u"2"_s << u"Option1_2"_s << true << u"0"_s << u"Option1_3"_s << u"3"_s;
+            << u"2"_s << u"Option1_2"_s << u"0"_s << u"Option1_3"_s << u"3"_s;
         QTest::newRow("3 PostgreSQL, to SQLite")
-            << u"3"_s << u"Option1_3"_s << false << QString() << u"Option1_2"_s << u"2"_s;
+            << u"3"_s << u"Option1_3"_s << QString() << u"Option1_2"_s << u"2"_s;
         QTest::newRow("5 means Oracle")
-            << u"5"_s << u"Option1_1"_s << false << u"0"_s << u"Option1_2"_s << u"2"_s;
+            << u"5"_s << u"Option1_1"_s << u"0"_s << u"Option1_2"_s << u"2"_s;
     }
     void dialogRoundTrip()
     {
         QFETCH(QString, dbType);
         QFETCH(QString, checked);
-        QFETCH(bool, fileControls);
         QFETCH(QString, notifications);
         QFETCH(QString, click);
-        QFETCH(QString, saved);
         Bench b;
         const QString file = u" /srv/sx/sxdb.db "_s;
         for (const auto& [key, value] : {std::pair{u"DBType"_s, dbType},
@@ -179,44 +171,51 @@ private slots:
         SettingsDialog d(*b.store, b.dialogs);
         d.show();
         QCOMPARE(d.windowTitle(), u"SENTORAX Monitor / Παράμετροι εφαρμογής"_s);
-        QVERIFY(child<QRadioButton>(d, checked)->isChecked());
+        QVERIFY(d.findChild<QRadioButton*>(checked)->isChecked());
         QCOMPARE(d.filePath(), file);
-        QCOMPARE(child<QLabel>(d, u"Label2"_s)->toolTip(), file);
+        QCOMPARE(d.findChild<QLabel*>(u"Label2"_s)->toolTip(), file);
         const QStringList texts{u"SXDB"_s, u"10.1.2.3"_s, u"1521"_s, u"77 "_s, u"77 "_s};
         for (int i = 0; i < 5; ++i)
-            QCOMPARE(child<QLineEdit>(d, u"AppSetting_%1"_s.arg(i))->text(), texts[i]);
-        QCOMPARE(child<QLineEdit>(d, u"AppSetting_4"_s)->echoMode(), QLineEdit::Password);
-        const auto enabling = [&d](bool fileSide) {
-            for (const QString& name : {u"Label1_6"_s, u"Label2"_s, u"Command1"_s})
-                QCOMPARE(child<QWidget>(d, name)->isEnabled(), fileSide);
+            QCOMPARE(d.findChild<QLineEdit*>(u"AppSetting_%1"_s.arg(i))->text(), texts[i]);
+        QCOMPARE(d.findChild<QLineEdit*>(u"AppSetting_4"_s)->echoMode(), QLineEdit::Password);
+        // The file controls, then the server controls; the code serves both.
+        const auto enabled = [&d] {
+            QString on;
             for (const QString& name :
-                 {u"Label1_0"_s, u"Label1_1"_s, u"Label1_2"_s, u"Label1_3"_s, u"Label1_4"_s,
-                  u"AppSetting_0"_s, u"AppSetting_1"_s, u"AppSetting_2"_s})
-                QCOMPARE(child<QWidget>(d, name)->isEnabled(), !fileSide);
-            QVERIFY(child<QWidget>(d, u"AppSetting_3"_s)->isEnabled());
+                 {u"Label1_6"_s, u"Label2"_s, u"Command1"_s, u"Label1_0"_s, u"Label1_1"_s,
+                  u"Label1_2"_s, u"Label1_3"_s, u"Label1_4"_s, u"AppSetting_0"_s, u"AppSetting_1"_s,
+                  u"AppSetting_2"_s, u"AppSetting_3"_s})
+                on += d.findChild<QWidget*>(name)->isEnabled() ? u'1' : u'0';
+            return on;
         };
-        enabling(fileControls);
-        auto* box = child<QCheckBox>(d, u"Notifications"_s);
+        const QString fileSide = u"111000000001"_s, serverSide = u"000111111111"_s;
+        const bool fromFile = checked == u"Option1_0" || checked == u"Option1_2";
+        QCOMPARE(enabled(), fromFile ? fileSide : serverSide);
+        auto* box = d.findChild<QCheckBox*>(u"Notifications"_s);
         QCOMPARE(box->isChecked(), notifications != u"0");
 
-        auto* radio = child<QRadioButton>(d, click);
+        auto* radio = d.findChild<QRadioButton*>(click);
         QTest::mouseClick(radio, Qt::LeftButton, {}, QPoint(8, radio->height() / 2));
         QVERIFY(radio->isChecked());
-        enabling(!fileControls);
+        QCOMPARE(enabled(), fromFile ? serverSide : fileSide);
         // Every field keeps its blanks, also those the chosen kind does not use.
-        child<QLineEdit>(d, u"AppSetting_0"_s)->setText(u" Βάση SX "_s);
-        child<QLineEdit>(d, u"AppSetting_1"_s)->setText(u"10.0.0.9"_s);
-        child<QLineEdit>(d, u"AppSetting_2"_s)->setText(u"5432"_s);
-        for (const QString& name : {u"AppSetting_3"_s, u"AppSetting_4"_s}) {
-            child<QLineEdit>(d, name)->clear();
-            QTest::keyClicks(child<QLineEdit>(d, name), u" Kod 1 "_s);
+        const QStringList typed{u" Βάση SX "_s, u"10.0.0.9"_s, u"5432"_s, u" Kod 1 "_s,
+                                u" Kod 1 "_s};
+        for (int i = 0; i < 5; ++i) {
+            auto* edit = d.findChild<QLineEdit*>(u"AppSetting_%1"_s.arg(i));
+            edit->clear();
+            if (i < 3) // QTest types ASCII only
+                edit->setText(typed[i]);
+            else
+                QTest::keyClicks(edit, typed[i]);
         }
         QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
-        QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
+        QTest::mouseClick(d.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
 
         QVERIFY(b.dialogs.shown().isEmpty());
         // Read back through a fresh store: the values reached the file.
         const SettingsStore reread(b.path());
+        QFETCH(QString, saved);
         QCOMPARE(values(reread),
                  (QStringList{u" Kod 1 "_s, u"-"_s, saved, file, u" Βάση SX "_s, u"10.0.0.9"_s,
                               u"5432"_s, notifications == u"0" ? u"1"_s : u"0"_s}));
@@ -235,11 +234,11 @@ private slots:
         QVERIFY(b.store->sync());
         SettingsDialog d(*b.store, b.dialogs);
         d.show();
-        child<QRadioButton>(d, u"Option1_3"_s)->click();
-        child<QLineEdit>(d, u"AppSetting_0"_s)->setText(u"sentorax"_s);
-        child<QLineEdit>(d, u"AppSetting_3"_s)->setText(u"new"_s);
-        child<QLineEdit>(d, u"AppSetting_4"_s)->setText(u"new "_s);
-        QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
+        d.findChild<QRadioButton*>(u"Option1_3"_s)->click();
+        d.findChild<QLineEdit*>(u"AppSetting_0"_s)->setText(u"sentorax"_s);
+        d.findChild<QLineEdit*>(u"AppSetting_3"_s)->setText(u"new"_s);
+        d.findChild<QLineEdit*>(u"AppSetting_4"_s)->setText(u"new "_s);
+        QTest::mouseClick(d.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
 
         // Refused: a message, the input kept for the user to correct.
         QVERIFY(d.isVisible());
@@ -247,9 +246,9 @@ private slots:
         const auto& shown = b.dialogs.messages().first();
         QCOMPARE(std::tuple(shown.icon, shown.title, shown.text),
                  std::tuple(DialogService::Icon::Exclamation, kApp, kCodesDiffer));
-        QCOMPARE(child<QLineEdit>(d, u"AppSetting_4"_s)->text(), u"new "_s);
+        QCOMPARE(d.findChild<QLineEdit*>(u"AppSetting_4"_s)->text(), u"new "_s);
 
-        QTest::mouseClick(child<QPushButton>(d, u"cmdCancel"_s), Qt::LeftButton);
+        QTest::mouseClick(d.findChild<QPushButton*>(u"cmdCancel"_s), Qt::LeftButton);
         QCOMPARE(d.result(), int(QDialog::Rejected));
         QCOMPARE(
             values(SettingsStore(b.path())),
@@ -279,7 +278,7 @@ private slots:
         SettingsStore store(path);
         QVERIFY(writeSettingsForm(
             store, {DbKind::Access, u"/old.mdb"_s, u"OLD"_s, {}, {}, u"old"_s, u"old"_s, true}));
-        store.setApp(u"Init"_s, u"1"_s);
+        store.setApp(u"Init"_s, u"0"_s); // set once the change is saved
         QVERIFY(store.sync());
         const QStringList oldValues = values(store);
         const QStringList newValues{u"new"_s, u"1"_s,        u"3"_s,    u"/old.mdb"_s,
@@ -305,10 +304,10 @@ private slots:
             d.show();
             d.setForm({DbKind::PostgreSQL, d.form().file, u"sx"_s, u"10.0.0.9"_s, u"5432"_s,
                        u"new"_s, u"new"_s, false});
-            QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
+            QTest::mouseClick(d.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
             if (repaired) {
                 repair();
-                QTest::mouseClick(child<QPushButton>(d, u"cmdOK"_s), Qt::LeftButton);
+                QTest::mouseClick(d.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
             }
             stayedOpen = d.isVisible() && d.form().code == u"new";
             return d.result() == QDialog::Accepted;
@@ -385,15 +384,15 @@ private slots:
         SettingsDialog d(*b.store, b.dialogs);
         d.setApplicationFolder(b.dir.filePath(u"console"_s));
         d.show();
-        child<QRadioButton>(d, option)->click();
-        QTest::mouseClick(child<QPushButton>(d, u"Command1"_s), Qt::LeftButton);
+        d.findChild<QRadioButton*>(option)->click();
+        QTest::mouseClick(d.findChild<QPushButton*>(u"Command1"_s), Qt::LeftButton);
 
         QCOMPARE(b.dialogs.shown().size(), 1);
         const auto& shown = b.dialogs.shown().first();
         QCOMPARE(shown.text, filter);
         QCOMPARE(shown.items.value(0), proposed ? expectedProposal : QString());
         QCOMPARE(d.filePath(), pathAfter);
-        QCOMPARE(child<QLabel>(d, u"Label2"_s)->toolTip(), pathAfter);
+        QCOMPARE(d.findChild<QLabel*>(u"Label2"_s)->toolTip(), pathAfter);
     }
 
     void nothingIsClippedAt96Dpi()

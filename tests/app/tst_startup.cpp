@@ -224,9 +224,6 @@ private slots:
         QTest::newRow("refused, OK, accepted")
             << u"0"_s << u"refuse Ok accept"_s << u"welcome|settings|setup refused|settings"_s
             << -1;
-        QTest::newRow("refused twice, then gave up")
-            << u"0"_s << u"refuse Ok refuse Cancel"_s
-            << u"welcome|settings|setup refused|settings|setup refused"_s << kExitNormal;
     }
     void firstRun()
     {
@@ -275,15 +272,14 @@ private slots:
             u"explain unknown|code|wrong code|press ok"_s);
         row("missing file, Yes, prompt cancelled", missing, u"Yes code"_s,
             u"explain unknown|code|press ok"_s);
-        row("missing file, Yes, settings cancelled", missing, u"Yes code=1234 refuse"_s,
-            u"explain unknown|code|settings|press ok"_s);
+        row("missing file, Yes, empty code", missing, u"Yes code="_s,
+            u"explain unknown|code|press ok"_s);
         row("missing file, Yes, settings changed", missing, u"Yes code=1234 accept"_s,
             u"explain unknown|code|settings|changed"_s);
         row("refused port, No", u"refused"_s, u"No"_s, u"explain unreachable"_s);
         // An old install's DBType that is no number means an Access file.
         row("type absent", u"type absent"_s, u"No"_s, u"explain unknown"_s);
         row("type=x", u"type=x"_s, u"No"_s, u"explain unknown"_s);
-        row("type=", u"type="_s, u"No"_s, u"explain unknown"_s);
     }
     void failedConnection()
     {
@@ -557,48 +553,6 @@ private slots:
         QCOMPARE(shown[0].title, u"Πληροφορίες εφαρμογής"_s);
         QCOMPARE(shown[0].text, u"Έκδοση Λογισμικού:\r\nSENTORAX Monitor "_s +
                                     softwareVersionText(QStringLiteral(SX_VERSION)));
-    }
-
-    void changeSettings_data()
-    {
-        QTest::addColumn<QString>("stored");               // SP1
-        QTest::addColumn<std::optional<QString>>("typed"); // nothing: cancelled
-        QTest::addColumn<bool>("dialogAccepts");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, const QString& stored,
-                            const std::optional<QString>& typed, bool accepts,
-                            const QString& expected) {
-            QTest::newRow(name) << stored << typed << accepts << expected;
-        };
-        row("prompt cancelled", u"1234"_s, std::nullopt, false, u"code"_s);
-        row("empty code", u"1234"_s, u""_s, false, u"code"_s);
-        row("wrong code", u"1234"_s, u"4321"_s, false, u"code|wrong code"_s);
-        row("case differs", u"abc"_s, u"ABC"_s, false, u"code|wrong code"_s);
-        row("trailing blank differs", u"1234"_s, u"1234 "_s, false, u"code|wrong code"_s);
-        row("no code stored yet", u""_s, u"x"_s, false, u"code|wrong code"_s);
-        row("right code, dialog cancelled", u"1234"_s, u"1234"_s, false, u"code|settings"_s);
-        row("right code, settings saved", u"κ 1"_s, u"κ 1"_s, true, u"code|settings|changed"_s);
-    }
-    void changeSettings()
-    {
-        QFETCH(QString, stored);
-        QFETCH(std::optional<QString>, typed);
-        QFETCH(bool, dialogAccepts);
-        QFETCH(QString, expected);
-        GuiFixture f;
-        f.settings->setProtectionCode(stored);
-        f.settings->setApp(u"Init"_s, u"0"_s);
-        f.dialogs.answerCode(typed);
-        if (expected.contains(u"settings"_s))
-            f.dialogs.answerSettings([dialogAccepts] { return dialogAccepts; });
-        changeAppSettings(f.ctx, nullptr);
-
-        QCOMPARE(seen(f.dialogs), expected);
-        const bool saved = expected.endsWith(u"changed"_s);
-        QCOMPARE(f.settings->app(u"Init"_s), saved ? u"1"_s : u"0"_s);
-        QCOMPARE(f.terminated, saved ? 1 : 0);
-        QVERIFY(!f.dialogs.anyUnexpected());
-        QCOMPARE(f.dialogs.pendingAnswers(), 0);
     }
 };
 

@@ -163,31 +163,6 @@ private slots:
         QCOMPARE(explainDbError(e), errorHeader(kProviderErrorNumber, message) + causes);
     }
 
-    void dateRanges_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QDateTime>("from");
-        QTest::addColumn<QDateTime>("to");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("access month") << 0 << at(2026, 3, 1, 0, 0, 0) << at(2026, 3, 31, 23, 59, 59)
-                                      << u" BETWEEN #2026-3-1 0:0:0# AND #2026-3-31 23:59:59#"_s;
-        QTest::newRow("oracle no leading zeros")
-            << 1 << at(2026, 1, 5, 9, 5, 7) << at(2026, 12, 31, 23, 59, 59)
-            << u" BETWEEN TO_DATE('5-1-2026 9:5:7','DD-MM-YYYY HH24:MI:SS') AND TO_DATE('31-12-2026 23:59:59','DD-MM-YYYY HH24:MI:SS')"_s;
-        QTest::newRow("sqlite") << 2 << at(2026, 1, 5, 9, 5, 7) << at(2026, 12, 31, 23, 59, 59)
-                                << u" BETWEEN '2026-01-05 09:05:07' AND '2026-12-31 23:59:59'"_s;
-        QTest::newRow("postgresql")
-            << 3 << at(2000, 2, 29, 0, 0, 0) << at(2000, 3, 1, 0, 0, 0)
-            << u" BETWEEN '2000-02-29 00:00:00' AND '2000-03-01 00:00:00'"_s;
-    }
-    void dateRanges()
-    {
-        QFETCH(int, kind);
-        QFETCH(QDateTime, from);
-        QFETCH(QDateTime, to);
-        QTEST(sqlDateRange(static_cast<DbKind>(kind), from, to), "expected");
-    }
-
     void bits()
     {
         QVERIFY(isBitClear(0x21, 1) && !isBitClear(0x21, 5) && !isBitClear(0x80, 7));
