@@ -1,9 +1,8 @@
 // The shared dialogs as the user meets them: the code prompt, the selection
-// dialog, the wait window and the message boxes of the real dialog service.
+// dialog and the message boxes of the real dialog service.
 #include "model/settings/SettingsStore.h"
 #include "ui/PasswordDialog.h"
 #include "ui/SelectionDialog.h"
-#include "ui/WaitWindow.h"
 #include "ui/WidgetDialogService.h"
 
 #include <QApplication>
@@ -62,10 +61,8 @@ private slots:
         QTest::addColumn<std::optional<QString>>("expected");
         QTest::newRow("OK, blanks kept")
             << u" 12 "_s << u"OK"_s << std::optional<QString>(u" 12 "_s);
-        QTest::newRow("OK, empty") << u""_s << u"OK"_s << std::optional<QString>(u""_s);
         QTest::newRow("Enter") << u"77"_s << u"enter"_s << std::optional<QString>(u"77"_s);
         QTest::newRow("Άκυρο") << u"0815"_s << u"Άκυρο"_s << std::optional<QString>();
-        QTest::newRow("close box") << u"0815"_s << u"close"_s << std::optional<QString>();
         QTest::newRow("Escape") << u"0815"_s << u"escape"_s << std::optional<QString>();
     }
     void codePrompt()
@@ -80,9 +77,7 @@ private slots:
                    QChar(field->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr,
                                                    field));
             QTest::keyClicks(field, typed);
-            if (action == u"close")
-                w->close();
-            else if (action == u"escape")
+            if (action == u"escape")
                 QTest::keyClick(field, Qt::Key_Escape);
             else if (action == u"enter")
                 QTest::keyClick(field, Qt::Key_Return);
@@ -97,15 +92,14 @@ private slots:
     void selection_data()
     {
         QTest::addColumn<QStringList>("second"); // empty: one list only
-        QTest::addColumn<int>("pickFirst");      // -1: left at the first entry
-        QTest::addColumn<int>("pickSecond");
+        QTest::addColumn<int>("pickFirst");
+        QTest::addColumn<int>("pickSecond"); // -1: left as it is
         QTest::addColumn<QString>("button");
         QTest::addColumn<int>("resultFirst"); // -2: cancelled
         QTest::addColumn<int>("resultSecond");
         const QStringList hours{u"0"_s, u"1"_s, u"2"_s};
         QTest::newRow("one list") << QStringList{} << 2 << -1 << u"OK"_s << 2 << -1;
         QTest::newRow("two lists") << hours << 1 << 2 << u"OK"_s << 1 << 2;
-        QTest::newRow("first entry untouched") << hours << -1 << -1 << u"OK"_s << 0 << 0;
         QTest::newRow("cancelled") << hours << 1 << 2 << u"Άκυρο"_s << -2 << -2;
     }
     void selection()
@@ -124,8 +118,7 @@ private slots:
             seen = w->windowTitle() + w->findChild<QLabel*>(u"Label1"_s)->text() +
                    (two->isVisible() ? u" 2"_s : u""_s) +
                    (one->isEditable() ? u" editable"_s : u""_s);
-            if (pickFirst >= 0)
-                one->setCurrentIndex(pickFirst);
+            one->setCurrentIndex(pickFirst);
             if (pickSecond >= 0)
                 two->setCurrentIndex(pickSecond);
             buttonCaptioned(w, button)->click();
@@ -135,25 +128,6 @@ private slots:
         QCOMPARE(seen, u"Τηλεφωνική ειδοποίησηΕπιλέξτε"_s + (second.isEmpty() ? u""_s : u" 2"_s));
         const auto got = answer.value_or(DialogService::Selection{-2, -2});
         QCOMPARE(std::pair(got.first, got.second), std::pair(resultFirst, resultSecond));
-    }
-
-    void waitWindowIsUpAtOnce()
-    {
-        QWidget* seen = nullptr;
-        {
-            WaitWindow wait(u"Επιχειρείται σύνδεση με τον διακομιστή.\r\nIP:1.2.3.4  PORT:1"_s);
-            seen = &wait;
-            QVERIFY(wait.isVisible());
-            const QLabel* message = wait.findChild<QLabel*>(u"Label2"_s);
-            QCOMPARE(
-                wait.findChild<QLabel*>(u"Label1"_s)->text() + u'|' + message->text(),
-                u"Παρακαλώ περιμένετε|Επιχειρείται σύνδεση με τον διακομιστή.\nIP:1.2.3.4  PORT:1"_s);
-            QVERIFY(!wait.findChild<QLabel*>(u"Image1"_s)->pixmap().isNull());
-            // Both lines fit.
-            QVERIFY(message->heightForWidth(message->width()) <= message->height());
-        }
-        for (QWidget* w : QApplication::topLevelWidgets())
-            QVERIFY(w != seen);
     }
 
     void messageBox_data()
@@ -171,7 +145,6 @@ private slots:
         QTest::newRow("Escape is Άκυρο")
             << B::OkCancel << QStringList{u"OK"_s, u"Άκυρο"_s} << u"escape"_s << A::Cancel;
         QTest::newRow("Ναι") << B::YesNo << QStringList{u"Ναι"_s, u"Όχι"_s} << u"Ναι"_s << A::Yes;
-        QTest::newRow("Όχι") << B::YesNo << QStringList{u"Ναι"_s, u"Όχι"_s} << u"Όχι"_s << A::No;
         QTest::newRow("Escape is Όχι")
             << B::YesNo << QStringList{u"Ναι"_s, u"Όχι"_s} << u"escape"_s << A::No;
     }

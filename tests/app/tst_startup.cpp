@@ -19,11 +19,14 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QHash>
+#include <QLabel>
 #include <QLockFile>
 #include <QStandardPaths>
 #include <QSysInfo>
 #include <QTest>
 #include <QTimer>
+
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
@@ -132,7 +135,7 @@ struct StartRun {
     ProbeMain* main = nullptr;
     std::optional<Startup> startup;
     std::optional<int> code;
-    QString waitShown;
+    QString waitShown; // the wait window's heading, message and whether all fits
     bool waitVisible = false;
     bool waitLeft = false;       // a wait window still up once the attempt was over
     QStringList valuesWhenAsked; // the stored settings when the settings dialog opened
@@ -177,9 +180,13 @@ struct StartRun {
         lock = f.scratch.folder() + u"/console.lock"_s;
         startup->setLockFile(lock);
         startup->setConnectingHook([this](QWidget* w) {
-            auto* wait = qobject_cast<WaitWindow*>(w);
-            waitShown = wait ? wait->message() : u"not a wait window"_s;
-            waitVisible = wait && wait->isVisible();
+            waitVisible = qobject_cast<WaitWindow*>(w) && w->isVisible();
+            // As the user reads it: the heading, the message whole, the picture.
+            const auto* text = w->findChild<QLabel*>(u"Label2"_s);
+            const bool fits = text->heightForWidth(text->width()) <= text->height() &&
+                              !w->findChild<QLabel*>(u"Image1"_s)->pixmap().isNull();
+            waitShown = w->findChild<QLabel*>(u"Label1"_s)->text() + u'|' + text->text() +
+                        (fits ? u"|fits"_s : u"|cut or no picture"_s);
         });
         code = startup->run();
         for (QWidget* w : QApplication::topLevelWidgets())
@@ -197,7 +204,10 @@ struct StartRun {
         QCOMPARE(f.settings->app(u"Init"_s), init);
         QCOMPARE(f.terminated, terminated);
         QCOMPARE(waitVisible, !wait.isEmpty());
-        QCOMPARE(waitShown, wait);
+        QCOMPARE(waitShown, wait.isEmpty()
+                                ? QString()
+                                : u"Παρακαλώ περιμένετε|"_s +
+                                      QString(wait).replace(u"\r\n"_s, u"\n"_s) + u"|fits"_s);
         QVERIFY(!waitLeft);
         QCOMPARE(startup->mainWindow() != nullptr, !exitCode);
     }
@@ -547,12 +557,12 @@ private slots:
             QCOMPARE(appIcon().pixmap(QSize(size, size)).size(), QSize(size, size));
         GuiFixture f;
         showSoftInfo(f.ctx, nullptr);
-        const auto shown = f.dialogs.messages();
-        QCOMPARE(shown.size(), 1);
-        QCOMPARE(shown[0].icon, Icon::Information);
-        QCOMPARE(shown[0].title, u"Πληροφορίες εφαρμογής"_s);
-        QCOMPARE(shown[0].text, u"Έκδοση Λογισμικού:\r\nSENTORAX Monitor "_s +
-                                    softwareVersionText(QStringLiteral(SX_VERSION)));
+        QCOMPARE(f.dialogs.messages().size(), 1);
+        const auto shown = f.dialogs.messages().first();
+        QCOMPARE(std::tuple(shown.icon, shown.title, shown.text),
+                 std::tuple(Icon::Information, u"Πληροφορίες εφαρμογής"_s,
+                            u"Έκδοση Λογισμικού:\r\nSENTORAX Monitor "_s +
+                                softwareVersionText(QStringLiteral(SX_VERSION))));
     }
 };
 

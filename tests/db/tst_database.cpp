@@ -28,7 +28,6 @@ private slots:
         using namespace test::texts;
         if (test::ScratchDatabase::kindName() != u"postgresql") {
             QTest::newRow("missing file") << u"missing"_s << kUnknownProvider << u"nosuch.db"_s;
-            QTest::newRow("not a database") << u"garbage"_s << kUnknownProvider << u"garbage.db"_s;
             QTest::newRow("a folder") << u"folder"_s << kUnknownProvider << u"sub"_s;
         } else {
             QTest::newRow("refused") << u"closed port"_s << kCausesNetwork << u""_s;
@@ -46,10 +45,7 @@ private slots:
         ConnectionSettings s = scratch.settings();
         if (!scratch.isPostgres())
             s.file = scratch.folder() + u'/' + descriptionHas; // the file's name is in the message
-        if (setup == u"garbage") {
-            QFile f(s.file);
-            QVERIFY(f.open(QIODevice::WriteOnly) && f.write(QByteArray(4096, 'x')) == 4096);
-        } else if (setup == u"folder") {
+        if (setup == u"folder") {
             QVERIFY(QDir(scratch.folder()).mkdir(u"sub"_s));
         } else if (setup == u"closed port") {
             s.serverPort = u"1"_s;
@@ -111,14 +107,11 @@ private slots:
         for (bool native : {true, false}) {
             db.setNativeReads(native);
             Rows bad = db.read(u"SELECT x FROM NoSuchTable"_s);
-            QVERIFY(!bad.ok());
-            QVERIFY(!bad.next());
+            QVERIFY(!bad.ok() && !bad.next() && bad.error().number != 0);
             QVERIFY2(bad.error().description.contains(u"NoSuchTable"_s, Qt::CaseInsensitive),
                      qPrintable(bad.error().description));
-            QVERIFY(bad.error().number != 0);
         }
-        const DbError e = db.exec(u"UPDATE NoSuchTable SET a=1"_s);
-        QVERIFY(e.isError());
+        QVERIFY(db.exec(u"UPDATE NoSuchTable SET a=1"_s).isError());
         QVERIFY(!db.connectionLost()); // a bad statement is not a lost connection
         DbError fe;
         QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe));
@@ -136,7 +129,6 @@ private slots:
             u"INSERT INTO Powermonitoring_Events (PmE_SyI_Serialnumber, PmE_Recipients) VALUES "_s;
         const QString se =
             u"INSERT INTO Sensors_Events (SeE_SyI_Serialnumber, SeE_Recipients) VALUES "_s;
-        QTest::newRow("nothing") << u""_s << u"---"_s << u"---"_s;
         QTest::newRow("fault only")
             << u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, SyF_Faultinfo) VALUES ('U''1', 1, '4')"_s
             << u"N-F"_s << u"N-F"_s;
@@ -151,8 +143,7 @@ private slots:
     {
         QFETCH(QString, sql);
         OPEN_SCRATCH();
-        if (!sql.isEmpty())
-            QVERIFY(!db.exec(sql).isError());
+        QVERIFY(!db.exec(sql).isError());
         const auto found = [&db](const QString& unit) {
             return QString(hasMessages(db, MessageKind::New, unit) ? u'N' : u'-') +
                    (hasMessages(db, MessageKind::Archived, unit) ? u'A' : u'-') +
