@@ -19,7 +19,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <memory>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
@@ -32,9 +31,8 @@ namespace {
 // A settings file of its own and scripted answers, per test.
 struct Bench {
     QTemporaryDir dir;
-    std::unique_ptr<SettingsStore> store;
+    SettingsStore store{dir.filePath(u"settings.ini"_s)};
     ScriptedDialogs dialogs;
-    Bench() : store(std::make_unique<SettingsStore>(dir.filePath(u"settings.ini"_s))) {}
     QString path() const { return dir.filePath(u"settings.ini"_s); }
 };
 
@@ -158,13 +156,13 @@ private slots:
                                          {u"DBDataSource"_s, u"SXDB"_s},
                                          {u"DBServerIP"_s, u"10.1.2.3"_s},
                                          {u"DBServerPORT"_s, u"1521"_s}})
-            b.store->setApp(key, value);
+            b.store.setApp(key, value);
         if (!notifications.isNull())
-            b.store->setApp(u"Notifications"_s, notifications);
-        b.store->setProtectionCode(u"77 "_s);
-        QVERIFY(b.store->sync());
+            b.store.setApp(u"Notifications"_s, notifications);
+        b.store.setProtectionCode(u"77 "_s);
+        QVERIFY(b.store.sync());
 
-        SettingsDialog d(*b.store, b.dialogs);
+        SettingsDialog d(b.store, b.dialogs);
         d.show();
         QCOMPARE(d.windowTitle(), u"SENTORAX Monitor / Παράμετροι εφαρμογής"_s);
         QVERIFY(d.findChild<QRadioButton*>(checked)->isChecked());
@@ -224,16 +222,13 @@ private slots:
     void refusedOkAndCancelSaveNothing()
     {
         Bench b;
-        b.store->setApp(u"DBType"_s, u"0"_s);
-        b.store->setApp(u"DBFile"_s, u"/old.mdb"_s);
-        b.store->setProtectionCode(u"old"_s);
-        QVERIFY(b.store->sync());
-        SettingsDialog d(*b.store, b.dialogs);
+        b.store.setApp(u"DBType"_s, u"0"_s);
+        b.store.setApp(u"DBFile"_s, u"/old.mdb"_s);
+        b.store.setProtectionCode(u"old"_s);
+        QVERIFY(b.store.sync());
+        SettingsDialog d(b.store, b.dialogs);
         d.show();
-        d.findChild<QRadioButton*>(u"Option1_3"_s)->click();
-        d.findChild<QLineEdit*>(u"AppSetting_0"_s)->setText(u"sentorax"_s);
-        d.findChild<QLineEdit*>(u"AppSetting_3"_s)->setText(u"new"_s);
-        d.findChild<QLineEdit*>(u"AppSetting_4"_s)->setText(u"new "_s);
+        d.setForm({DbKind::PostgreSQL, d.form().file, u"sentorax"_s, {}, {}, u"new"_s, u"new "_s});
         QTest::mouseClick(d.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
 
         // Refused: a message, the input kept for the user to correct.
@@ -363,7 +358,7 @@ private slots:
         QFETCH(bool, proposed);
         QFETCH(QString, pathAfter);
         Bench b;
-        b.store->setApp(u"DBFile"_s, u"/before.db"_s);
+        b.store.setApp(u"DBFile"_s, u"/before.db"_s);
         const QString console = b.dir.filePath(u"console"_s);
         const QString server = b.dir.filePath(u"SENTORAX SERVER LX-RV/"_s);
         QVERIFY(QDir().mkpath(console) && QDir().mkpath(server) &&
@@ -371,7 +366,7 @@ private slots:
         QFETCH(QString, answer);
         b.dialogs.answerFile(answer);
 
-        SettingsDialog d(*b.store, b.dialogs);
+        SettingsDialog d(b.store, b.dialogs);
         d.setApplicationFolder(console);
         d.show();
         d.findChild<QRadioButton*>(option)->click();
@@ -388,7 +383,7 @@ private slots:
     void nothingIsClippedAt96Dpi()
     {
         Bench b;
-        SettingsDialog d(*b.store, b.dialogs);
+        SettingsDialog d(b.store, b.dialogs);
         d.show();
         QCOMPARE(d.logicalDpiX(), 96);
         const auto widgets = d.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
