@@ -207,7 +207,6 @@ private slots:
         QTest::mouseClick(d.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
 
         QVERIFY(b.dialogs.shown().isEmpty());
-        // Read back through a fresh store: the values reached the file.
         const SettingsStore reread(b.path());
         QFETCH(QString, saved);
         QCOMPARE(values(reread),

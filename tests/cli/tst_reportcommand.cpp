@@ -116,9 +116,8 @@ private slots:
             QDir(m_dir).filePath(QString::fromLatin1(QTest::currentDataTag()) + u".pdf"_s);
         const ToolRun r = run(args.split(u' ') + QStringList{u"--pdf"_s, pdf});
         QVERIFY2(r.code == 0, qPrintable(r.err));
-        const QStringList pages = pdfPages(pdf);
-        QVERIFY(!pages.isEmpty());
-        QVERIFY2(pages.join(u' ').simplified().contains(says), qPrintable(pages.first()));
+        const QString text = pdfPages(pdf).join(u' ').simplified();
+        QVERIFY2(text.contains(says), qPrintable(text));
     }
 
     // The same choices give the same PDF text from the window and from the command.

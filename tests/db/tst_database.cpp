@@ -45,20 +45,15 @@ private slots:
         ConnectionSettings s = scratch.settings();
         if (!scratch.isPostgres())
             s.file = scratch.folder() + u'/' + descriptionHas; // the file's name is in the message
-        if (setup == u"folder") {
+        if (setup == u"folder")
             QVERIFY(QDir(scratch.folder()).mkdir(u"sub"_s));
-        } else if (setup == u"closed port") {
-            s.serverPort = u"1"_s;
-        } else if (setup == u"password") {
-            s.password = u"wrong"_s;
-        } else if (setup == u"database") {
-            s.dataSource = u"sx_no_such_db"_s;
-        }
+        s.serverPort = setup == u"closed port" ? u"1"_s : s.serverPort;
+        s.password = setup == u"password" ? u"wrong"_s : s.password;
+        s.dataSource = setup == u"database" ? u"sx_no_such_db"_s : s.dataSource;
         Database db;
         db.allowGuiThread();
         const DbError e = db.open(s);
-        QVERIFY(e.isError());
-        QVERIFY(!db.isOpen());
+        QVERIFY(e.isError() && !db.isOpen());
         QVERIFY2(e.description.contains(descriptionHas), qPrintable(e.description));
         const QString text = explainDbError(e);
         QVERIFY(text.startsWith(test::texts::kErrorHeader));
@@ -101,9 +96,7 @@ private slots:
         }
         QCOMPARE(got, (QStringList{u"A|-|-|-|99|1"_s, u"B||0|0|0|0"_s,
                                    u"C|Ψυγείο 'Α'|20|-12.5|20|0"_s}));
-        QVERIFY(r.ok());
-        QVERIFY(!r.text(0)); // past the end nothing is read
-        // Failures carry their error.
+        QVERIFY(r.ok() && !r.text(0)); // past the end nothing is read
         for (bool native : {true, false}) {
             db.setNativeReads(native);
             Rows bad = db.read(u"SELECT x FROM NoSuchTable"_s);
@@ -205,8 +198,7 @@ private slots:
         if (scratch.isPostgres())
             QVERIFY(!holder.exec(u"ROLLBACK"_s).isError());
         Rows again = db.read(u"SELECT count(*) FROM Systems_Info"_s);
-        QVERIFY(again.next());
-        QCOMPARE(again.integer(0), 1);
+        QVERIFY(again.next() && again.integer(0) == 1);
     }
 };
 

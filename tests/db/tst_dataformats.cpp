@@ -172,28 +172,26 @@ private slots:
     void storedDateTimes_data()
     {
         QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<QDateTime>("expected");
-        QTest::newRow("full") << u"2026-11-16 22:05:09"_s << true << at(2026, 11, 16, 22, 5, 9);
+        QTest::addColumn<QDateTime>("expected"); // invalid: refused
+        QTest::newRow("full") << u"2026-11-16 22:05:09"_s << at(2026, 11, 16, 22, 5, 9);
         QTest::newRow("T and fraction")
-            << u"2026-11-16T22:05:09.123"_s << true << at(2026, 11, 16, 22, 5, 9);
-        QTest::newRow("no seconds") << u"2026-11-16 22:05"_s << true << at(2026, 11, 16, 22, 5, 0);
-        QTest::newRow("date only") << u"2024-02-29"_s << true << at(2024, 2, 29, 0, 0, 0);
-        QTest::newRow("blanks around")
-            << u" 2026-01-01 00:00:00 "_s << true << at(2026, 1, 1, 0, 0, 0);
-        QTest::newRow("not leap") << u"2023-02-29 00:00:00"_s << false << QDateTime();
-        QTest::newRow("hour 24") << u"2026-01-01 24:00:00"_s << false << QDateTime();
-        QTest::newRow("letters") << u"yesterday"_s << false << QDateTime();
-        QTest::newRow("cut") << u"2026-01-01 1"_s << false << QDateTime();
-        QTest::newRow("greek digits") << u"2026-01-0١"_s << false << QDateTime();
-        QTest::newRow("minute 60") << u"2026-01-01 00:60:00"_s << false << QDateTime();
-        QTest::newRow("blank for colon") << u"2026-01-01 00:00 00"_s << false << QDateTime();
+            << u"2026-11-16T22:05:09.123"_s << at(2026, 11, 16, 22, 5, 9);
+        QTest::newRow("no seconds") << u"2026-11-16 22:05"_s << at(2026, 11, 16, 22, 5, 0);
+        QTest::newRow("date only") << u"2024-02-29"_s << at(2024, 2, 29, 0, 0, 0);
+        QTest::newRow("blanks around") << u" 2026-01-01 00:00:00 "_s << at(2026, 1, 1, 0, 0, 0);
+        QTest::newRow("not leap") << u"2023-02-29 00:00:00"_s << QDateTime();
+        QTest::newRow("hour 24") << u"2026-01-01 24:00:00"_s << QDateTime();
+        QTest::newRow("letters") << u"yesterday"_s << QDateTime();
+        QTest::newRow("cut") << u"2026-01-01 1"_s << QDateTime();
+        QTest::newRow("greek digits") << u"2026-01-0١"_s << QDateTime();
+        QTest::newRow("minute 60") << u"2026-01-01 00:60:00"_s << QDateTime();
+        QTest::newRow("blank for colon") << u"2026-01-01 00:00 00"_s << QDateTime();
     }
     void storedDateTimes()
     {
         QFETCH(QString, text);
-        QFETCH(bool, valid);
         QFETCH(QDateTime, expected);
+        const bool valid = expected.isValid();
         const auto secs = parseSqlDateTime(QStringView(text));
         QCOMPARE(secs.has_value(), valid);
         // A reader that has just read another time of the same day answers alike.
@@ -214,8 +212,8 @@ private slots:
         QRandomGenerator rng(7);
         const QDateTime base(QDate(1899, 12, 30), QTime(0, 0));
         for (int i = 0; i < 20000; ++i) {
-            const qint64 offset = static_cast<qint64>(rng.bounded(356.0 * 365.25 * 86400));
-            const QDateTime qt = base.addSecs(offset);
+            const QDateTime qt =
+                base.addSecs(static_cast<qint64>(rng.bounded(356.0 * 365.25 * 86400)));
             const qint64 secs = fromQDateTime(qt);
             QCOMPARE(toQDateTime(secs), qt);
             QCOMPARE(parseSqlDateTime(QStringView(sqlDateTimeText(secs))), secs);
