@@ -107,8 +107,7 @@ private slots:
         QVERIFY(db.exec(u"UPDATE NoSuchTable SET a=1"_s).isError());
         QVERIFY(!db.connectionLost()); // a bad statement is not a lost connection
         DbError fe;
-        QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe));
-        QVERIFY(!fe.isError());
+        QVERIFY(!hasMessages(db, MessageKind::New, u"X"_s, &fe) && !fe.isError());
     }
 
     // What counts as a new or archived message of a unit: "N" new, "A" archived,
@@ -161,14 +160,12 @@ private slots:
             db.setNativeReads(native);
             QStringList out;
             Rows r = db.read(sql);
-            while (r.next()) {
-                for (int c = 0; c < r.columnCount(); ++c) {
+            while (r.next())
+                for (int c = 0; c < r.columnCount(); ++c)
                     out << (r.isNull(c) ? u"NULL"_s : u"v"_s) +
                                QString::number(r.integer(c).value_or(-7)) + u'|' +
                                QString::number(r.real(c).value_or(-7)) + u'|' +
                                QString::number(r.dateTime(c).value_or(-7));
-                }
-            }
             return out;
         };
         QCOMPARE(dump(true), dump(false));
