@@ -145,20 +145,15 @@ private slots:
     {
         const QString autoOn = u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΥΤΟΜΑΤΗ (ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ)"_s;
         const QString relayOff = u"ΔΙΑΚΟΠΤΗΣ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
-        const struct {
-            OptInt value;
-            QString notification, relay;
-        } cases[] = {
-            {0, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, relayOff},
-            {1, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΔΙΑΚΟΠΤΗΣ ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s},
-            {2, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΥΤΟΜΑΤΗ (ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ)"_s, relayOff},
-            {3, autoOn, relayOff},
-            {-1, autoOn, relayOff},
-            {none, autoOn, relayOff},
-        };
-        for (const auto& c : cases) {
-            QCOMPARE(notificationText(c.value), c.notification);
-            QCOMPARE(relayText(c.value), c.relay);
+        for (const auto& [value, notification, relay] :
+             {std::tuple{OptInt(0), u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, relayOff},
+              {1, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΔΙΑΚΟΠΤΗΣ ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s},
+              {2, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΥΤΟΜΑΤΗ (ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ)"_s, relayOff},
+              {3, autoOn, relayOff},
+              {-1, autoOn, relayOff},
+              {none, autoOn, relayOff}}) {
+            QCOMPARE(notificationText(value), notification);
+            QCOMPARE(relayText(value), relay);
         }
     }
 
@@ -173,26 +168,19 @@ private slots:
 
     void faultTexts()
     {
-        const struct {
-            QStringList pointFaults, unitFaults, lines;
-        } cases[] = {
-            // Battery and clock alone ask for no service.
-            {{},
-             {u"3"_s, u"4"_s},
-             {u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s, u"ΗΜΕΡΟΜΗΝΙΑ ΚΑΙ ΩΡΑ ΔΕΝ ΕΧΟΥΝ ΡΥΘΜΙΣΤΕΙ"_s}},
-            {{},
-             {u"5"_s, u"6"_s, u"7"_s, u"8"_s},
-             {u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 40"_s, u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 60"_s,
-              u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 70"_s, u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 50"_s, kService}},
-            {{}, {u"0"_s}, {u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 10"_s, kService}},
-            {{}, {u"9"_s}, {}},                    // unknown code
-            {{}, {u"03"_s, u" 3"_s, u"3 "_s}, {}}, // codes compared as text
-        };
-        for (const auto& c : cases) {
-            QString expected;
-            for (const QString& l : c.lines)
-                expected += l + kCrLf;
-            QCOMPARE(faultText(faults(c.pointFaults), faults(c.unitFaults)), expected);
+        // Unit fault codes and the lines they print; battery and clock alone ask for no service.
+        for (const auto& [unitFaults, lines] :
+             {std::pair{u"3 4"_s,
+                        u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ|ΗΜΕΡΟΜΗΝΙΑ ΚΑΙ ΩΡΑ ΔΕΝ ΕΧΟΥΝ ΡΥΘΜΙΣΤΕΙ|"_s},
+              {u"5 6 7 8"_s,
+               u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 40|ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 60|ΠΡΟΒΛΗΜΑ ΜΕ "
+               u"ΚΩΔΙΚΟ ΑΡΙΘΜΟ 70|ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 50|"_s +
+                   kService + u'|'},
+              {u"0"_s, u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 10|"_s + kService + u'|'},
+              {u"9"_s, QString()},           // unknown code
+              {u"03| 3|3 "_s, QString()}}) { // codes compared as text
+            const QStringList codes = unitFaults.split(unitFaults.contains(u'|') ? u'|' : u' ');
+            QCOMPARE(faultText({}, faults(codes)).replace(kCrLf, u"|"_s), lines);
         }
         // A fault without its info prints like an empty one.
         QCOMPARE(faultText({Fault{}}, {Fault{}}),
@@ -250,32 +238,22 @@ private slots:
         for (const auto& line : layout.lines)
             placed << u"%1@%2"_s.arg(line.page).arg(line.y);
         QCOMPARE(placed.join(u' '), u"0@20 0@24 0@28 0@32 0@36 1@0 1@4"_s);
-        QCOMPARE(layout.endPage, 1);
-        QCOMPARE(layout.endY, 8.0);
-        QCOMPARE(layout.pages, 2);
+        QCOMPARE(std::tuple(layout.endPage, layout.endY, layout.pages), std::tuple(1, 8.0, 2));
     }
 
     void endLine()
     {
         // 3.3 mm lines on a 40 mm page: the box needs the line and 1 mm more.
-        const struct {
-            int lineCount;
-            double startY;
-            int endPage;
-            double endY;
-        } cases[] = {
-            {2, 10.0, 0, 17.0}, // 16.6 rounded up
-            {1, 10.0, 0, 13.0}, // 13.3 rounded down
-            {1, 31.8, 0, 35.0}, // 35.1 -> 35, box to 39.3
-            {1, 32.4, 1, 0.0},  // 35.7 -> 36, box to 40.3
-            {2, 29.0, 1, 0.0},  // 35.6 -> 36
-            {0, 17.3, 0, 17.0}, // nothing to place (a missing unit): the start, rounded
-        };
-        for (const auto& c : cases) {
+        for (const auto& [lineCount, startY, endPage, endY] :
+             {std::tuple{2, 10.0, 0, 17.0}, // 16.6 rounded up
+              {1, 10.0, 0, 13.0},           // 13.3 rounded down
+              {1, 31.8, 0, 35.0},           // 35.1 -> 35, box to 39.3
+              {1, 32.4, 1, 0.0},            // 35.7 -> 36, box to 40.3
+              {2, 29.0, 1, 0.0},            // 35.6 -> 36
+              {0, 17.3, 0, 17.0}}) {        // nothing to place (a missing unit): the start, rounded
             const PageLayout layout =
-                placeLines(QList<QString>(c.lineCount, u"x"_s), c.startY, 3.3, 40.0);
-            QCOMPARE(layout.endPage, c.endPage);
-            QCOMPARE(layout.endY, c.endY);
+                placeLines(QList<QString>(lineCount, u"x"_s), startY, 3.3, 40.0);
+            QCOMPARE(std::pair(layout.endPage, layout.endY), std::pair(endPage, endY));
         }
     }
 };

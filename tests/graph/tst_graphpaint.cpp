@@ -14,10 +14,13 @@ using namespace sx::graph;
 
 namespace {
 
-QImage whiteImage(int w, int h)
+// A white picture of the given size, drawn on by draw(painter, size).
+template <typename Draw> QImage painted(QSize size, Draw draw)
 {
-    QImage image(w, h, QImage::Format_RGB32);
+    QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::white);
+    QPainter p(&image);
+    draw(p, size);
     return image;
 }
 
@@ -57,58 +60,44 @@ std::vector<double> inkRuns(const QImage& image, bool rows)
     return centres;
 }
 
+void compareRuns(const std::vector<double>& labels, const std::vector<double>& ticks)
+{
+    QCOMPARE(labels.size(), ticks.size());
+    for (size_t i = 0; i < ticks.size(); ++i)
+        QVERIFY2(std::abs(labels[i] - ticks[i]) <= 2.0,
+                 qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(labels[i]).arg(ticks[i])));
+}
+
 } // namespace
 
-// The pictures of the graph drawn on images, and the page plan of the marked points.
+// The pictures of the graph drawn on images.
 class TestGraphPaint : public QObject {
     Q_OBJECT
 
 private slots:
-    void valueLabelsAreCentredOnTheChartsRows()
+    // The pictures start half a label before the chart.
+    void labelsAreCentredOnTheChartsTicks()
     {
-        const int chartHeight = 401;
-        const GraphView view{0, 100, -20.0f, 10.0f}; // major step 4: -20, -16, ... 8
-        QImage image = whiteImage(60, chartHeight + 2 * kLabelHalfPx - 1);
-        {
-            QPainter p(&image);
-            paintValueLabels(p, image.size(), view);
-        }
-        const std::vector<double> rows = inkRuns(image, true);
-        const std::vector<double> ticks = valueTicks(-20, 10, 4);
-        QCOMPARE(rows.size(), ticks.size());
-        const PictureScale chart = chartScale(view, 500, chartHeight);
-        for (size_t i = 0; i < ticks.size(); ++i) {
-            // The picture starts half a label above the chart; labels are listed top down.
-            const double want = chart.toPixel({0, ticks[ticks.size() - 1 - i]}).y() + kLabelHalfPx;
-            QVERIFY2(std::abs(rows[i] - want) <= 2.0,
-                     qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(rows[i]).arg(want)));
-        }
-        // Right-aligned: every label ends at the right edge.
-        QVERIFY(inkBox(image).right() >= image.width() - 3);
-    }
-    void timeLabelsAreCentredOnTheChartsColumns()
-    {
-        const int chartWidth = 801;
-        const GraphView view{1'772'323'200, 400, 0.0f, 10.0f}; // step 20 minutes
-        QImage image =
-            whiteImage(chartWidth + 2 * kLabelHalfPx - 1, int(std::ceil(timeLabelLength())) + 6);
-        {
-            QPainter p(&image);
-            paintTimeLabels(p, image.size(), chartWidth, view);
-        }
-        const std::vector<double> columns = inkRuns(image, false);
-        const std::vector<int> ticks = timeTicks(400, timeStep(400));
-        QCOMPARE(columns.size(), ticks.size());
-        const PictureScale chart = chartScale(view, chartWidth, 300);
-        for (size_t i = 0; i < ticks.size(); ++i) {
-            const double want = chart.toPixel({double(ticks[i]), 0}).x() + kLabelHalfPx;
-            QVERIFY2(std::abs(columns[i] - want) <= 2.0,
-                     qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(columns[i]).arg(want)));
-        }
+        const GraphView values{0, 100, -20.0f, 10.0f}; // major step 4: -20, -16, ... 8
+        const QImage v = painted(QSize(60, 400 + 2 * kLabelHalfPx),
+                                 [&](QPainter& p, QSize s) { paintValueLabels(p, s, values); });
+        std::vector<double> ticks;
+        for (const double t : valueTicks(-20, 10, 4)) // labels are listed top down
+            ticks.insert(ticks.begin(),
+                         chartScale(values, 500, 401).toPixel({0, t}).y() + kLabelHalfPx);
+        compareRuns(inkRuns(v, true), ticks);
+        QVERIFY(inkBox(v).right() >= v.width() - 3); // right-aligned
+
+        const GraphView times{1'772'323'200, 400, 0.0f, 10.0f}; // step 20 minutes
+        const QImage t =
+            painted(QSize(800 + 2 * kLabelHalfPx, int(std::ceil(timeLabelLength())) + 6),
+                    [&](QPainter& p, QSize s) { paintTimeLabels(p, s, 801, times); });
+        ticks.clear();
+        for (const int m : timeTicks(400, timeStep(400)))
+            ticks.push_back(chartScale(times, 801, 300).toPixel({double(m), 0}).x() + kLabelHalfPx);
+        compareRuns(inkRuns(t, false), ticks);
         // Reading upwards from the bottom edge, the whole label inside the picture.
-        const QRect box = inkBox(image);
-        QVERIFY(box.bottom() >= image.height() - 4);
-        QVERIFY(box.top() >= 1);
+        QVERIFY(inkBox(t).bottom() >= t.height() - 4 && inkBox(t).top() >= 1);
     }
     void chartPageStartsAtTheTopLeft()
     {
@@ -120,13 +109,9 @@ private slots:
         in.chartRect = QRect(60, 9, 800, 400);
         in.timeRect = QRect(51, 410, 818, 130);
         in.details = {{u"Mονάδα μέτρησης: °C"_s, Qt::black}};
-        QImage page = whiteImage(4000, 700);
         double scale = 0;
-        {
-            QPainter p(&page);
-            scale = paintChartPage(p, page.size(), in);
-        }
-        const QRect box = inkBox(page);
+        const QRect box = inkBox(painted(
+            QSize(4000, 700), [&](QPainter& p, QSize s) { scale = paintChartPage(p, s, in); }));
         QVERIFY(scale > 0.5 && scale < 1.5);
         QVERIFY2(box.left() < 60 * scale && box.top() < 20 * scale,
                  qPrintable(u"%1,%2"_s.arg(box.left()).arg(box.top())));

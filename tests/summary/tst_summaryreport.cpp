@@ -8,7 +8,6 @@
 #include "views/records/RecordsPrint.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QTimer>
@@ -74,16 +73,17 @@ private slots:
         QCOMPARE(int(summary::writeSummaryWorkbook(book, m_in)), int(xlsx::ExportStatus::Written));
         // The system Python: openpyxl comes from Debian.
         const QStringList lines =
-            toolOutput(u"/usr/bin/python3"_s,
-                       {u"-c"_s,
-                        u"import sys, openpyxl\n"
-                        "wb = openpyxl.load_workbook(sys.argv[1])\n"
-                        "print('|'.join(wb.sheetnames))\n"
-                        "for ws in wb:\n"
-                        "    print(' '.join(type(ws[c].value).__name__ for c in "
-                        "('A10','C10','E10','I10','K10')),"
-                        " ws['A10'].value.strftime('%d/%m/%Y'), ws['B6'].value, ws['D3'].value)\n"_s,
-                        book})
+            toolOutput(
+                u"/usr/bin/python3"_s,
+                {u"-c"_s,
+                 u"import sys, openpyxl\n"
+                 "wb = openpyxl.load_workbook(sys.argv[1])\n"
+                 "print('|'.join(wb.sheetnames))\n"
+                 "for ws in wb:\n"
+                 "    print(' '.join(type(ws[c].value).__name__ for c in "
+                 "('A10','C10','E10','I10','K10')),"
+                 " ws['A10'].value.strftime('%d/%m/%Y'), ws['B6'].value, ws['D3'].value)\n"_s,
+                 book})
                 .trimmed()
                 .split(u'\n');
         QCOMPARE(lines.size(), 3);
@@ -94,20 +94,15 @@ private slots:
                                m_in.zones[1].summary.totals.excursions));
     }
 
-    // The preview draws the same pages: its page count is the PDF's.
+    // The real preview dialog draws the same pages: its page count is the PDF's.
     void previewShowsThePagesPrinted()
     {
         int previewPages = -1;
         QTimer::singleShot(200, this, [&] {
-            for (QWidget* w : QApplication::topLevelWidgets()) {
-                if (auto* dialog = qobject_cast<QPrintPreviewDialog*>(w)) {
-                    previewPages = dialog->findChild<QPrintPreviewWidget*>()->pageCount();
-                    // For a look by eye: SX_PREVIEW_SHOT=file.png keeps a picture of it.
-                    if (const QString shot = qEnvironmentVariable("SX_PREVIEW_SHOT");
-                        !shot.isEmpty())
-                        dialog->grab().save(shot);
-                    dialog->reject();
-                }
+            if (auto* dialog =
+                    qobject_cast<QPrintPreviewDialog*>(QApplication::activeModalWidget())) {
+                previewPages = dialog->findChild<QPrintPreviewWidget*>()->pageCount();
+                dialog->reject();
             }
         });
         QPrinter printer(QPrinter::HighResolution);
