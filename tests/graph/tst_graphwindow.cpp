@@ -4,18 +4,14 @@
 #include "RecordsSeed.h"
 #include "ScrollBarPart.h"
 #include "model/graph/GraphRules.h"
-#include "model/records/RecordsQuery.h"
-#include "reports/records/RecordsModel.h"
 #include "shell/SecondaryViews.h"
 #include "ui/UnitList.h"
 #include "views/graph/GraphWindow.h"
 #include "views/records/RecordsWindow.h"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
-#include <QImage>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPrintPreviewWidget>
@@ -27,7 +23,6 @@
 
 #include <cmath>
 #include <memory>
-#include <tuple>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
@@ -351,14 +346,14 @@ private:
         QCOMPARE(shown[0].title + u" / "_s + shown[0].text, titleAndText);
         QCOMPARE(shown[0].icon, icon);
     }
-    void openRecords(int zone = 0, int month = 2)
+    void openRecords()
     {
         m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
         connectGraph(*m_w);
         m_w->show();
         fillSystemSelect(*m_w, 0, false);
-        chooseItem(m_w->sensorSelect(), zone);
-        chooseItem(m_w->monthSelect(), month);
+        chooseItem(m_w->sensorSelect(), 0);
+        chooseItem(m_w->monthSelect(), 2);
     }
     GraphWindow* openGraphOn(int first, int last)
     {
