@@ -187,24 +187,16 @@ private slots:
                  u"ΠΡΟΒΛΗΜΑ ΣΤΟ ΑΙΣΘΗΤΗΡΙΟ \r\n"_s + kService + kCrLf);
     }
 
-    void connectedUnitItems()
+    // The items of a connected unit are read back by the PDF test; a fault the table does not
+    // know still replaces "OK", by an empty item.
+    void unknownFaultReplacesOk()
     {
         ReportData d = connectedUnit();
-        d.points.append(point(2, u"Πόρτα"_s, 2, 1.0, 0, 0));
-        d.powers.append(power(2, u"Δίκτυο"_s, 1, 1));
-        QCOMPARE(
-            bodyItems(d),
-            (QStringList{u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Αποθήκη [1009] (SX9)\r\n"
-                         u"Δευτέρα 16 Νοεμβρίου 2026 10:05 μμ"_s,
-                         kCrLf, u"[1] Ψυγείο    4.0 \u00B0C"_s, u"[2] Πόρτα    ΚΛΕΙΣΤΗ"_s, kCrLf,
-                         u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ    ΚΑΝΟΝΙΚΗ"_s, u"[1] Δίκτυο    ΔΙΑΚΟΠΗ !"_s,
-                         kCrLf, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, kCrLf,
-                         u"ΔΙΑΚΟΠΤΗΣ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s, kCrLf, u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ:"_s,
-                         u"OK"_s, kCrLf, kCrLf, kCrLf, kCrLf}));
-        // A fault the table does not know still replaces "OK", by an empty item.
+        const qsizetype ok = bodyItems(d).indexOf(u"OK"_s);
+        QVERIFY(ok > 0);
         d.hasFaults = true;
         d.unitFaults = faults({u"9"_s});
-        QCOMPARE(bodyItems(d).at(13), QString());
+        QCOMPARE(bodyItems(d).at(ok), QString());
     }
 
     void unitNotConnected()

@@ -39,66 +39,14 @@ QRect inkBox(const QImage& image)
     return box;
 }
 
-// Centres of the runs of rows (or columns) that hold ink, in order.
-std::vector<double> inkRuns(const QImage& image, bool rows)
-{
-    std::vector<double> centres;
-    const int n = rows ? image.height() : image.width();
-    const int m = rows ? image.width() : image.height();
-    int start = -1;
-    for (int i = 0; i <= n; ++i) {
-        bool any = false;
-        for (int j = 0; i < n && j < m && !any; ++j)
-            any = rows ? ink(image, j, i) : ink(image, i, j);
-        if (any && start < 0)
-            start = i;
-        if (!any && start >= 0) {
-            centres.push_back((start + i - 1) / 2.0);
-            start = -1;
-        }
-    }
-    return centres;
-}
-
-void compareRuns(const std::vector<double>& labels, const std::vector<double>& ticks)
-{
-    QCOMPARE(labels.size(), ticks.size());
-    for (size_t i = 0; i < ticks.size(); ++i)
-        QVERIFY2(std::abs(labels[i] - ticks[i]) <= 2.0,
-                 qPrintable(u"label %1 at %2, tick at %3"_s.arg(i).arg(labels[i]).arg(ticks[i])));
-}
-
 } // namespace
 
-// The pictures of the graph drawn on images.
+// The chart page drawn on an image, and the numbers the graph writes. Where the labels go is
+// tst_graphrules' part (the scales and their margins).
 class TestGraphPaint : public QObject {
     Q_OBJECT
 
 private slots:
-    // The pictures start half a label before the chart.
-    void labelsAreCentredOnTheChartsTicks()
-    {
-        const GraphView values{0, 100, -20.0f, 10.0f}; // major step 4: -20, -16, ... 8
-        const QImage v = painted(QSize(60, 400 + 2 * kLabelHalfPx),
-                                 [&](QPainter& p, QSize s) { paintValueLabels(p, s, values); });
-        std::vector<double> ticks;
-        for (const double t : valueTicks(-20, 10, 4)) // labels are listed top down
-            ticks.insert(ticks.begin(),
-                         chartScale(values, 500, 401).toPixel({0, t}).y() + kLabelHalfPx);
-        compareRuns(inkRuns(v, true), ticks);
-        QVERIFY(inkBox(v).right() >= v.width() - 3); // right-aligned
-
-        const GraphView times{1'772'323'200, 400, 0.0f, 10.0f}; // step 20 minutes
-        const QImage t =
-            painted(QSize(800 + 2 * kLabelHalfPx, int(std::ceil(timeLabelLength())) + 6),
-                    [&](QPainter& p, QSize s) { paintTimeLabels(p, s, 801, times); });
-        ticks.clear();
-        for (const int m : timeTicks(400, timeStep(400)))
-            ticks.push_back(chartScale(times, 801, 300).toPixel({double(m), 0}).x() + kLabelHalfPx);
-        compareRuns(inkRuns(t, false), ticks);
-        // Reading upwards from the bottom edge, the whole label inside the picture.
-        QVERIFY(inkBox(t).bottom() >= t.height() - 4 && inkBox(t).top() >= 1);
-    }
     void chartPageStartsAtTheTopLeft()
     {
         // A page much wider than the layout: the chart stays at the left edge.
