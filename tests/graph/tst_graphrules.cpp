@@ -45,10 +45,8 @@ GraphState state(int fullMinutes, int viewOffset, int viewSpan, float fb, float 
 // A view as minutes from kBase, so that a failed comparison shows its numbers.
 QString viewText(const GraphView& v)
 {
-    return u"+%1 min, %2 min, %3..%4"_s.arg(minuteDiff(kBase, v.startSecs))
-        .arg(v.spanMinutes)
-        .arg(v.bottom)
-        .arg(v.top);
+    return QString::asprintf("+%lld min, %d min, %g..%g", minuteDiff(kBase, v.startSecs),
+                             v.spanMinutes, double(v.bottom), double(v.top));
 }
 
 // Grid order (newest first) from (minute, value) pairs given oldest first.
@@ -116,14 +114,11 @@ std::map<qint64, Column> columns(const std::vector<QPointF>& points, const Graph
     std::map<qint64, Column> out;
     for (const QPointF& p : points) {
         Column& c = out[pixelColumn(p.x(), view.spanMinutes, width)];
-        if (c.count == 0) {
-            c.first = p;
-            c.low = c.high = p.y();
-        }
+        if (c.count++ == 0)
+            c = {p, p, p.y(), p.y(), 1};
         c.last = p;
         c.low = std::min(c.low, p.y());
         c.high = std::max(c.high, p.y());
-        ++c.count;
     }
     return out;
 }
