@@ -10,7 +10,6 @@
 #include "views/records/RecordsWindow.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFile>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
@@ -393,23 +392,20 @@ private:
     // printing from it prints them again.
     void previewShows(GraphWindow* g, const QStringList& printed, QPageLayout::Orientation o)
     {
-        int shown = -1;
-        int shownOrientation = -1;
-        const QString again = QDir(m_fx->scratch.folder()).filePath(u"again.pdf"_s);
+        std::pair<qsizetype, int> shown{-1, -1}; // pages, orientation
+        const QString again = m_fx->scratch.folder() + u"/again.pdf"_s;
         m_fx->dialogs.answerPreview([&](QPrinter& printer, const auto& paint) {
             QPrintPreviewWidget view(&printer);
             QObject::connect(&view, &QPrintPreviewWidget::paintRequested,
                              [&](QPrinter* p) { paint(*p); });
             view.updatePreview();
-            shown = view.pageCount();
-            shownOrientation = int(printer.pageLayout().orientation());
+            shown = {view.pageCount(), int(printer.pageLayout().orientation())};
             QPrinter chosen(QPrinter::HighResolution);
             setUpPdf(chosen, again);
             paint(chosen);
         });
         g->previewButton()->click();
-        QCOMPARE(shown, printed.size());
-        QCOMPARE(shownOrientation, int(o));
+        QCOMPARE(shown, std::pair(printed.size(), int(o)));
         QCOMPARE(pdfPages(again), printed);
     }
 
