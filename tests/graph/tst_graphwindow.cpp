@@ -192,13 +192,11 @@ private slots:
         QCOMPARE(g->state().view, zoomed);
         QVERIFY(colourNear(g->chart()->pixmap(), g->pixelOf({0, 23}), QColor(Qt::black)));
 
-        // Twice around the centre: 50 - 50 = 0, then bounded by the full range; out of the
-        // full view it draws the same view again.
+        // Twice around the centre: 50 - 50 = 0, then bounded by the full range (zooming out
+        // of the full view is tst_graphrules' "already full" row).
         zoomOut(g);
         QCOMPARE(g->state().view, full);
         QCOMPARE(g->hScroll()->maximum(), 0);
-        zoomOut(g);
-        QCOMPARE(g->state().view, full);
         // The zoom is the application's: a graph opened again zooms out without one.
         GraphWindow* again = openGraphOn(0, 199);
         paints = again->chartPaints();

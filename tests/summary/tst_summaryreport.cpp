@@ -4,11 +4,8 @@
 #include "ScratchDatabase.h"
 #include "reports/summary/SummaryReport.h"
 #include "reports/summary/SummaryXlsx.h"
-#include "ui/WidgetDialogService.h"
 #include "views/records/RecordsPrint.h"
 
-#include <QApplication>
-#include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QTimer>
 #include <QtTest>
@@ -90,23 +87,6 @@ private slots:
                                m_in.zones[0].summary.totals.excursions));
         QCOMPARE(lines[2], u"datetime int NoneType datetime int 01/03/2026 %1 None"_s.arg(
                                m_in.zones[1].summary.totals.excursions));
-    }
-
-    // The real preview dialog draws the same pages: its page count is the PDF's.
-    void previewShowsThePagesPrinted()
-    {
-        int previewPages = -1;
-        QTimer::singleShot(200, this, [&] {
-            if (auto* dialog =
-                    qobject_cast<QPrintPreviewDialog*>(QApplication::activeModalWidget())) {
-                previewPages = dialog->findChild<QPrintPreviewWidget*>()->pageCount();
-                dialog->reject();
-            }
-        });
-        QPrinter printer(QPrinter::HighResolution);
-        WidgetDialogService dialogs;
-        dialogs.printPreview(nullptr, printer, [&](QPrinter& p) { drawSummaryReport(p, m_in); });
-        QCOMPARE(previewPages, pdfPages(m_pdf).size());
     }
 
     // From the window the summary is read on a connection of its own: the
