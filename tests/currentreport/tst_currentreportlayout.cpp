@@ -163,19 +163,18 @@ private slots:
 
     void faultTexts()
     {
-        // Unit fault codes and the lines they print; battery and clock alone ask for no service.
+        // Unit fault codes, "|" between them, and the lines they print; battery and clock
+        // alone ask for no service.
+        const QString code = u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ "_s;
         for (const auto& [unitFaults, lines] :
-             {std::pair{u"3 4"_s,
+             {std::pair{u"3|4"_s,
                         u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ|ΗΜΕΡΟΜΗΝΙΑ ΚΑΙ ΩΡΑ ΔΕΝ ΕΧΟΥΝ ΡΥΘΜΙΣΤΕΙ|"_s},
-              {u"5 6 7 8"_s,
-               u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 40|ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 60|ΠΡΟΒΛΗΜΑ ΜΕ "
-               u"ΚΩΔΙΚΟ ΑΡΙΘΜΟ 70|ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 50|"_s +
-                   kService + u'|'},
-              {u"0"_s, u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 10|"_s + kService + u'|'},
+              {u"5|6|7|8"_s, code + u"40|"_s + code + u"60|"_s + code + u"70|"_s + code + u"50|"_s +
+                                 kService + u'|'},
+              {u"0"_s, code + u"10|"_s + kService + u'|'},
               {u"9"_s, QString()},           // unknown code
               {u"03| 3|3 "_s, QString()}}) { // codes compared as text
-            const QStringList codes = unitFaults.split(unitFaults.contains(u'|') ? u'|' : u' ');
-            QCOMPARE(faultText({}, faults(codes)).replace(kCrLf, u"|"_s), lines);
+            QCOMPARE(faultText({}, faults(unitFaults.split(u'|'))).replace(kCrLf, u"|"_s), lines);
         }
         // A fault without its info prints like an empty one.
         QCOMPARE(faultText({Fault{}}, {Fault{}}),
