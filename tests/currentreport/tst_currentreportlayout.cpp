@@ -82,13 +82,11 @@ private slots:
         };
         row("missing name", point(5, OptText(), 3, 2.0, 0, 0), u"[5] Ανώνυμη ζώνη    2.0 bar"_s);
         row("relative humidity", point(4, u"Υ"_s, 1, 55.0, 0, 0), u"[4] Υ    55.0 %RH"_s);
-        row("contact open", point(6, u"Πόρτα"_s, 2, 0.0, 0, 0), u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s);
-        row("contact negative is open", point(6, u"Πόρτα"_s, 2, -3.0, 0, 0),
-            u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s);
-        row("contact missing value is open", point(6, u"Πόρτα"_s, 2, OptReal(), 0, 0),
-            u"[6] Πόρτα    ΑΝΟΙΧΤΗ"_s);
-        row("contact out of limits", point(7, u"Πόρτα"_s, 2, 1.0, 2, 0),
-            u"[7] Πόρτα    ΚΛΕΙΣΤΗ !"_s);
+        row("contact open", point(6, u"Π"_s, 2, 0.0, 0, 0), u"[6] Π    ΑΝΟΙΧΤΗ"_s);
+        row("contact negative is open", point(6, u"Π"_s, 2, -3.0, 0, 0), u"[6] Π    ΑΝΟΙΧΤΗ"_s);
+        row("contact missing value is open", point(6, u"Π"_s, 2, OptReal(), 0, 0),
+            u"[6] Π    ΑΝΟΙΧΤΗ"_s);
+        row("contact out of limits", point(7, u"Π"_s, 2, 1.0, 2, 0), u"[7] Π    ΚΛΕΙΣΤΗ !"_s);
         row("negative out-of-limits flag", point(7, u"Π"_s, 3, 1.0, -1, 0), u"[7] Π    1.0 bar"_s);
         row("not powered, any non-zero", point(8, u"Α"_s, 0, 1.0, 0, -1),
             u"[8] Α    ΕΚΤΟΣ ΛΕΙΤΟΥΡΓΕΙΑΣ"_s);
@@ -111,8 +109,7 @@ private slots:
     void pointLines()
     {
         QFETCH(PointLine, p);
-        QFETCH(QString, text);
-        QCOMPARE(pointText(p), text);
+        QTEST(pointText(p), "text");
     }
 
     void powerLines_data()
@@ -126,8 +123,7 @@ private slots:
         row("input 2 unnamed", power(2, u""_s, 0, 0), 122, u"[1] Ανώνυμη ζώνη    ΚΑΝΟΝΙΚΗ"_s);
         row("1.22: cut", power(2, u"Δ"_s, 0, 1), 122, u"[1] Δ    ΔΙΑΚΟΠΗ"_s);
         row("1.22: fault only", power(2, u"Δ"_s, 1, 0), 122, u"[1] Δ    ΚΑΝΟΝΙΚΗ !"_s);
-        row("1.21: cut without fault is normal", power(2, u"Δ"_s, 0, 1), 121,
-            u"[1] Δ    ΚΑΝΟΝΙΚΗ"_s);
+        row("1.21: cut alone is normal", power(2, u"Δ"_s, 0, 1), 121, u"[1] Δ    ΚΑΝΟΝΙΚΗ"_s);
         row("2.0 is older than 1.22", power(1, u""_s, 1, 0), 20,
             u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ    ΔΙΑΚΟΠΗ"_s);
         row("missing values", power(4, OptText(), none, none), 130,
@@ -137,28 +133,22 @@ private slots:
     {
         QFETCH(PowerLine, p);
         QFETCH(int, version);
-        QFETCH(QString, text);
-        QCOMPARE(powerText(p, version), text);
+        QTEST(powerText(p, version), "text");
     }
 
     void switchLines()
     {
         const QString autoOn = u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΥΤΟΜΑΤΗ (ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ)"_s;
         const QString relayOff = u"ΔΙΑΚΟΠΤΗΣ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s;
-        const struct {
-            OptInt value;
-            QString notification, relay;
-        } cases[] = {
-            {0, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, relayOff},
-            {1, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΔΙΑΚΟΠΤΗΣ ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s},
-            {2, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΥΤΟΜΑΤΗ (ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ)"_s, relayOff},
-            {3, autoOn, relayOff},
-            {-1, autoOn, relayOff},
-            {none, autoOn, relayOff},
-        };
-        for (const auto& c : cases) {
-            QCOMPARE(notificationText(c.value), c.notification);
-            QCOMPARE(relayText(c.value), c.relay);
+        for (const auto& [value, notification, relay] :
+             {std::tuple{OptInt(0), u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, relayOff},
+              {1, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΔΙΑΚΟΠΤΗΣ ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s},
+              {2, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΑΥΤΟΜΑΤΗ (ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ)"_s, relayOff},
+              {3, autoOn, relayOff},
+              {-1, autoOn, relayOff},
+              {none, autoOn, relayOff}}) {
+            QCOMPARE(notificationText(value), notification);
+            QCOMPARE(relayText(value), relay);
         }
     }
 
@@ -173,50 +163,34 @@ private slots:
 
     void faultTexts()
     {
-        const struct {
-            QStringList pointFaults, unitFaults, lines;
-        } cases[] = {
-            // Battery and clock alone ask for no service.
-            {{},
-             {u"3"_s, u"4"_s},
-             {u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s, u"ΗΜΕΡΟΜΗΝΙΑ ΚΑΙ ΩΡΑ ΔΕΝ ΕΧΟΥΝ ΡΥΘΜΙΣΤΕΙ"_s}},
-            {{},
-             {u"5"_s, u"6"_s, u"7"_s, u"8"_s},
-             {u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 40"_s, u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 60"_s,
-              u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 70"_s, u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 50"_s, kService}},
-            {{}, {u"0"_s}, {u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ 10"_s, kService}},
-            {{}, {u"9"_s}, {}},                    // unknown code
-            {{}, {u"03"_s, u" 3"_s, u"3 "_s}, {}}, // codes compared as text
-        };
-        for (const auto& c : cases) {
-            QString expected;
-            for (const QString& l : c.lines)
-                expected += l + kCrLf;
-            QCOMPARE(faultText(faults(c.pointFaults), faults(c.unitFaults)), expected);
+        // Unit fault codes, "|" between them, and the lines they print; battery and clock
+        // alone ask for no service.
+        const QString code = u"ΠΡΟΒΛΗΜΑ ΜΕ ΚΩΔΙΚΟ ΑΡΙΘΜΟ "_s;
+        for (const auto& [unitFaults, lines] :
+             {std::pair{u"3|4"_s,
+                        u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ|ΗΜΕΡΟΜΗΝΙΑ ΚΑΙ ΩΡΑ ΔΕΝ ΕΧΟΥΝ ΡΥΘΜΙΣΤΕΙ|"_s},
+              {u"5|6|7|8"_s, code + u"40|"_s + code + u"60|"_s + code + u"70|"_s + code + u"50|"_s +
+                                 kService + u'|'},
+              {u"0"_s, code + u"10|"_s + kService + u'|'},
+              {u"9"_s, QString()},           // unknown code
+              {u"03| 3|3 "_s, QString()}}) { // codes compared as text
+            QCOMPARE(faultText({}, faults(unitFaults.split(u'|'))).replace(kCrLf, u"|"_s), lines);
         }
         // A fault without its info prints like an empty one.
         QCOMPARE(faultText({Fault{}}, {Fault{}}),
                  u"ΠΡΟΒΛΗΜΑ ΣΤΟ ΑΙΣΘΗΤΗΡΙΟ \r\n"_s + kService + kCrLf);
     }
 
-    void connectedUnitItems()
+    // The items of a connected unit are read back by the PDF test; a fault the table does not
+    // know still replaces "OK", by an empty item.
+    void unknownFaultReplacesOk()
     {
         ReportData d = connectedUnit();
-        d.points.append(point(2, u"Πόρτα"_s, 2, 1.0, 0, 0));
-        d.powers.append(power(2, u"Δίκτυο"_s, 1, 1));
-        QCOMPARE(
-            bodyItems(d),
-            (QStringList{u"ΠΛΗΡΟΦΟΡΙΕΣ ΣΥΣΤΗΜΑΤΟΣ: Αποθήκη [1009] (SX9)\r\n"
-                         u"Δευτέρα 16 Νοεμβρίου 2026 10:05 μμ"_s,
-                         kCrLf, u"[1] Ψυγείο    4.0 \u00B0C"_s, u"[2] Πόρτα    ΚΛΕΙΣΤΗ"_s, kCrLf,
-                         u"ΤΡΟΦΟΔΟΣΙΑ ΣΥΣΤΗΜΑΤΟΣ    ΚΑΝΟΝΙΚΗ"_s, u"[1] Δίκτυο    ΔΙΑΚΟΠΗ !"_s,
-                         kCrLf, u"ΤΗΛΕΦΩΝΙΚΗ ΕΙΔΟΠΟΙΗΣΗ ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, kCrLf,
-                         u"ΔΙΑΚΟΠΤΗΣ ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s, kCrLf, u"ΚΑΤΑΣΤΑΣΗ ΣΥΣΤΗΜΑΤΟΣ:"_s,
-                         u"OK"_s, kCrLf, kCrLf, kCrLf, kCrLf}));
-        // A fault the table does not know still replaces "OK", by an empty item.
+        const qsizetype ok = bodyItems(d).indexOf(u"OK"_s);
+        QVERIFY(ok > 0);
         d.hasFaults = true;
         d.unitFaults = faults({u"9"_s});
-        QCOMPARE(bodyItems(d).at(13), QString());
+        QCOMPARE(bodyItems(d).at(ok), QString());
     }
 
     void unitNotConnected()
@@ -250,32 +224,22 @@ private slots:
         for (const auto& line : layout.lines)
             placed << u"%1@%2"_s.arg(line.page).arg(line.y);
         QCOMPARE(placed.join(u' '), u"0@20 0@24 0@28 0@32 0@36 1@0 1@4"_s);
-        QCOMPARE(layout.endPage, 1);
-        QCOMPARE(layout.endY, 8.0);
-        QCOMPARE(layout.pages, 2);
+        QCOMPARE(std::tuple(layout.endPage, layout.endY, layout.pages), std::tuple(1, 8.0, 2));
     }
 
     void endLine()
     {
         // 3.3 mm lines on a 40 mm page: the box needs the line and 1 mm more.
-        const struct {
-            int lineCount;
-            double startY;
-            int endPage;
-            double endY;
-        } cases[] = {
-            {2, 10.0, 0, 17.0}, // 16.6 rounded up
-            {1, 10.0, 0, 13.0}, // 13.3 rounded down
-            {1, 31.8, 0, 35.0}, // 35.1 -> 35, box to 39.3
-            {1, 32.4, 1, 0.0},  // 35.7 -> 36, box to 40.3
-            {2, 29.0, 1, 0.0},  // 35.6 -> 36
-            {0, 17.3, 0, 17.0}, // nothing to place (a missing unit): the start, rounded
-        };
-        for (const auto& c : cases) {
+        for (const auto& [lineCount, startY, endPage, endY] :
+             {std::tuple{2, 10.0, 0, 17.0}, // 16.6 rounded up
+              {1, 10.0, 0, 13.0},           // 13.3 rounded down
+              {1, 31.8, 0, 35.0},           // 35.1 -> 35, box to 39.3
+              {1, 32.4, 1, 0.0},            // 35.7 -> 36, box to 40.3
+              {2, 29.0, 1, 0.0},            // 35.6 -> 36
+              {0, 17.3, 0, 17.0}}) {        // nothing to place (a missing unit): the start, rounded
             const PageLayout layout =
-                placeLines(QList<QString>(c.lineCount, u"x"_s), c.startY, 3.3, 40.0);
-            QCOMPARE(layout.endPage, c.endPage);
-            QCOMPARE(layout.endY, c.endY);
+                placeLines(QList<QString>(lineCount, u"x"_s), startY, 3.3, 40.0);
+            QCOMPARE(std::pair(layout.endPage, layout.endY), std::pair(endPage, endY));
         }
     }
 };

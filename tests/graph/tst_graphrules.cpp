@@ -45,15 +45,8 @@ GraphState state(int fullMinutes, int viewOffset, int viewSpan, float fb, float 
 // A view as minutes from kBase, so that a failed comparison shows its numbers.
 QString viewText(const GraphView& v)
 {
-    return u"+%1 min, %2 min, %3..%4"_s.arg(minuteDiff(kBase, v.startSecs))
-        .arg(v.spanMinutes)
-        .arg(v.bottom)
-        .arg(v.top);
-}
-
-QString viewText(qint64 offset, int span, float bottom, float top)
-{
-    return viewText({kBase + offset * 60, span, bottom, top});
+    return QString::asprintf("+%lld min, %d min, %g..%g", minuteDiff(kBase, v.startSecs),
+                             v.spanMinutes, double(v.bottom), double(v.top));
 }
 
 // Grid order (newest first) from (minute, value) pairs given oldest first.
@@ -65,19 +58,9 @@ Records gridOf(const std::vector<std::pair<qint64, float>>& oldestFirst)
     return out;
 }
 
-// The data line as first written: a segment is drawn when one of its ends lies after
-// minute 0; the walk ends at the first segment with both ends at or after the span.
-bool segmentDrawn(qint64 olderX, qint64 newerX)
-{
-    return olderX > 0 || newerX > 0;
-}
-
-bool segmentStopsWalk(qint64 olderX, qint64 newerX, int spanMinutes)
-{
-    return olderX >= spanMinutes && newerX >= spanMinutes;
-}
-
-// The chart's walk as written: every drawn point in time order.
+// The data line as first written, every drawn point in time order: a segment is drawn when
+// one of its ends lies after minute 0; the walk ends at the first segment with both ends at
+// or after the span.
 std::vector<QPointF> drawnPoints(const Records& newestFirst, const GraphView& view)
 {
     std::vector<QPointF> out;
@@ -88,9 +71,9 @@ std::vector<QPointF> drawnPoints(const Records& newestFirst, const GraphView& vi
         const RecordPoint& q = newestFirst[size_t(i - 1)];
         const qint64 xp = minuteDiff(view.startSecs, p.secs);
         const qint64 xn = minuteDiff(view.startSecs, q.secs);
-        if (segmentStopsWalk(xp, xn, view.spanMinutes))
+        if (xp >= view.spanMinutes && xn >= view.spanMinutes)
             break;
-        if (!segmentDrawn(xp, xn)) {
+        if (xp <= 0 && xn <= 0) {
             lastAdded = false;
             continue;
         }
@@ -107,23 +90,22 @@ std::optional<int> scanNearest(const Records& records, int first, int last, qint
 {
     for (int i = first; i <= last; ++i) {
         const qint64 d = minuteDiff(tSecs, records[size_t(i)].secs);
-        if (d == 0)
-            return i;
-        if (d < 0) {
-            if (i > first && minuteDiff(tSecs, records[size_t(i - 1)].secs) < -d)
-                return i - 1;
-            return i;
-        }
+        if (d <= 0)
+            return d < 0 && i > first && minuteDiff(tSecs, records[size_t(i - 1)].secs) < -d ? i - 1
+                                                                                             : i;
     }
     return std::nullopt;
 }
 
+// What a pixel column shows: where the line enters and leaves it, and the values it covers.
 struct Column {
-    QPointF first;
-    QPointF last;
-    double low = 0;
-    double high = 0;
+    QPointF first, last;
+    double low = 0, high = 0;
     int count = 0;
+    bool operator==(const Column& o) const
+    {
+        return first == o.first && last == o.last && low == o.low && high == o.high;
+    }
 };
 
 std::map<qint64, Column> columns(const std::vector<QPointF>& points, const GraphView& view,
@@ -132,14 +114,11 @@ std::map<qint64, Column> columns(const std::vector<QPointF>& points, const Graph
     std::map<qint64, Column> out;
     for (const QPointF& p : points) {
         Column& c = out[pixelColumn(p.x(), view.spanMinutes, width)];
-        if (c.count == 0) {
-            c.first = p;
-            c.low = c.high = p.y();
-        }
+        if (c.count++ == 0)
+            c = {p, p, p.y(), p.y(), 1};
         c.last = p;
         c.low = std::min(c.low, p.y());
         c.high = std::max(c.high, p.y());
-        ++c.count;
     }
     return out;
 }
@@ -167,15 +146,11 @@ class TestGraphRules : public QObject {
 private slots:
     void minutesDropSeconds()
     {
-        const struct {
-            qint64 from, to, minutes;
-        } cases[] = {{kBase + 59, kBase + 60, 1},
-                     {kBase, kBase + 119, 1},
-                     {kBase + 1, kBase + 59, 0},
-                     {kBase + 60, kBase + 59, -1},
-                     {-1, 0, 1}}; // before 1970 floors
-        for (const auto& c : cases)
-            QCOMPARE(minuteDiff(c.from, c.to), c.minutes);
+        QCOMPARE(minuteDiff(kBase + 59, kBase + 60), 1);
+        QCOMPARE(minuteDiff(kBase, kBase + 119), 1);
+        QCOMPARE(minuteDiff(kBase + 1, kBase + 59), 0);
+        QCOMPARE(minuteDiff(kBase + 60, kBase + 59), -1);
+        QCOMPARE(minuteDiff(-1, 0), 1); // before 1970 floors
     }
 
     void selectionChecks_data()
@@ -203,11 +178,9 @@ private slots:
     void selectionChecks()
     {
         QFETCH(Records, records);
-        QFETCH(int, problem);
-        QFETCH(int, row);
         const SelectionCheck check = checkSelection(records, 0, int(records.size()) - 1);
-        QCOMPARE(int(check.problem), problem);
-        QCOMPARE(check.rowIndex, row);
+        QTEST(int(check.problem), "problem");
+        QTEST(check.rowIndex, "row");
     }
 
     void valueRangeContainsZero_data()
@@ -242,10 +215,8 @@ private slots:
         const Records records =
             grid({rec(-5, 500), rec(0, 5, 1, 20), rec(7, 23.5f), rec(90, 12, 1, 10), rec(95, -90)});
         const GraphState s = initialState(records, 1, 3);
-        QCOMPARE(s.firstIndex, 1);
-        QCOMPARE(s.lastIndex, 3);
-        QCOMPARE(s.fullStartSecs, kBase + 20);
-        QCOMPARE(s.fullEndSecs, kBase + 90 * 60 + 10);
+        QCOMPARE(std::pair(s.firstIndex, s.lastIndex), std::pair(1, 3));
+        QCOMPARE(std::pair(s.fullStartSecs, s.fullEndSecs), std::pair(kBase + 20, kBase + 5410));
         QCOMPARE(s.view, (GraphView{kBase + 20, 90, 0.0f, 30.0f}));
         QCOMPARE(QPointF(s.fullBottom, s.fullTop), QPointF(0, 30));
     }
@@ -255,24 +226,19 @@ private slots:
         QTest::addColumn<float>("span");
         QTest::addColumn<double>("major");
         QTest::addColumn<double>("minor");
-        for (const auto& [span, major, minor] : {std::tuple{5.0f, 1.0, 0.1},
-                                                 {10.0f, 1.0, 0.1},
-                                                 {10.5f, 2.0, 0.2},
-                                                 {20.0f, 2.0, 0.2},
-                                                 {30.0f, 4.0, 0.4},
-                                                 {40.0f, 4.0, 0.4},
-                                                 {41.0f, 6.0, 0.6},
-                                                 {40000.0f, 4000.0, 400.0},
-                                                 {40010.0f, 4002.0, 400.2},
-                                                 {1e6f, 1e5, 1e4}})
+        const std::tuple<float, double, double> rows[] = {
+            {5.0f, 1.0, 0.1},  {10.0f, 1.0, 0.1},         {10.5f, 2.0, 0.2},
+            {20.0f, 2.0, 0.2}, {30.0f, 4.0, 0.4},         {40.0f, 4.0, 0.4},
+            {41.0f, 6.0, 0.6}, {40000.0f, 4000.0, 400.0}, {40010.0f, 4002.0, 400.2},
+            {1e6f, 1e5, 1e4}};
+        for (const auto& [span, major, minor] : rows)
             QTest::addRow("%g", double(span)) << span << major << minor;
     }
     void valueStepsBySpan()
     {
         QFETCH(float, span);
-        const ValueSteps s = graph::valueSteps(span);
-        QTEST(s.major, "major");
-        QTEST(s.minor, "minor");
+        QTEST(graph::valueSteps(span).major, "major");
+        QTEST(graph::valueSteps(span).minor, "minor");
     }
 
     // Span / 20 rounded halves to even, at least 1.
@@ -292,17 +258,15 @@ private slots:
 
     void valueTicksReachTheTop()
     {
-        const struct {
-            double bottom, top, step;
-            int count;
-            double lastTick;
-        } cases[] = {
-            {0, 30, 4, 8, 28}, {-20, 10, 0.4, 76, 10}, {0, 10, 0.1, 101, 10}, {-10, 0, 1, 11, 0}};
-        for (const auto& c : cases) {
-            const std::vector<double> ticks = valueTicks(c.bottom, c.top, c.step);
-            QCOMPARE(int(ticks.size()), c.count);
-            QCOMPARE(ticks.front(), c.bottom);
-            QVERIFY(qAbs(ticks.back() - c.lastTick) < 1e-9);
+        for (const auto& [bottom, top, step, count, lastTick] :
+             {std::tuple{0.0, 30.0, 4.0, 8, 28.0},
+              {-20.0, 10.0, 0.4, 76, 10.0},
+              {0.0, 10.0, 0.1, 101, 10.0},
+              {-10.0, 0.0, 1.0, 11, 0.0}}) {
+            const std::vector<double> ticks = valueTicks(bottom, top, step);
+            QCOMPARE(int(ticks.size()), count);
+            QCOMPARE(ticks.front(), bottom);
+            QVERIFY(qAbs(ticks.back() - lastTick) < 1e-9);
         }
         // A huge range still has its ticks; a non-finite one none.
         QCOMPARE(int(valueTicks(-1e30f, 1e30f, valueSteps(2e30f).major).size()), 11);
@@ -334,55 +298,40 @@ private slots:
 
     void scrollBars()
     {
-        const struct {
-            int full, offset, span, maximum, value, largeChange;
-            double factor;
-        } horizontal[] = {
-            {1000, 0, 1000, 0, 0, 1, 1.0},
-            {1000, 450, 100, 900, 450, 90, 1.0},
-            {10, 5, 5, 5, 5, 1, 1.0}, // small change floor
-            {32867, 100, 100, 32767, 100, 3277, 1.0},
-            {32868, 0, 100, 32767, 0, 3277, 32767.0 / 32768.0}, // scaled down from here
-            {65634, 32767, 100, 32767, 16384, 3277, 0.5},       // 16383.5 to even
-        };
-        for (const auto& c : horizontal)
-            QCOMPARE(horizontalScrollBar(state(c.full, c.offset, c.span, 0, 10, 0, 10)),
-                     (HScrollBar{0, c.maximum, c.value, c.largeChange, c.factor}));
+        // Full minutes, offset, span: the bar.
+        for (const auto& [full, offset, span, bar] :
+             {std::tuple{1000, 0, 1000, HScrollBar{0, 0, 0, 1, 1.0}},
+              {1000, 450, 100, HScrollBar{0, 900, 450, 90, 1.0}},
+              {10, 5, 5, HScrollBar{0, 5, 5, 1, 1.0}}, // small change floor
+              {32867, 100, 100, HScrollBar{0, 32767, 100, 3277, 1.0}},
+              {32868, 0, 100, HScrollBar{0, 32767, 0, 3277, 32767.0 / 32768.0}}, // scaled down
+              {65634, 32767, 100, HScrollBar{0, 32767, 16384, 3277, 0.5}}})      // 16383.5 to even
+            QCOMPARE(horizontalScrollBar(state(full, offset, span, 0, 10, 0, 10)), bar);
         // Full values -20..10; the bar's top (minimum) is the top of the values.
-        const struct {
-            float bottom, top;
-            int minimum, value, largeChange;
-        } vertical[] = {{-20, 10, 0, 0, 1},
-                        {-20, -10, 20, 0, 2},
-                        {0, 10, 20, 20, 2},
-                        {-7.5f, 10, 12, 12, 1}}; // 12.5 free to even 12
-        for (const auto& c : vertical)
-            QCOMPARE(verticalScrollBar(state(100, 0, 100, -20, 10, c.bottom, c.top)),
-                     (VScrollBar{c.minimum, 0, c.value, c.largeChange}));
+        for (const auto& [bottom, top, bar] :
+             {std::tuple{-20.0f, 10.0f, VScrollBar{0, 0, 0, 1}},
+              {-20.0f, -10.0f, VScrollBar{20, 0, 0, 2}},
+              {0.0f, 10.0f, VScrollBar{20, 0, 20, 2}},
+              {-7.5f, 10.0f, VScrollBar{12, 0, 12, 1}}}) // 12.5 free to even 12
+            QCOMPARE(verticalScrollBar(state(100, 0, 100, -20, 10, bottom, top)), bar);
     }
 
     void horizontalScroll()
     {
-        const struct {
-            int full, offset;
-            double factor;
-            int last, newValue, newOffset;
-        } cases[] = {
-            {1000, 400, 1.0, 400, 401, 401},   // one unit is one minute
-            {1000, 400, 1.0, 400, 310, 310},   // page back
-            {200000, 400, 0.25, 100, 99, 399}, // one unit is one minute, also scaled
-            {200000, 400, 0.25, 100, 110, 440},
-            {200000, 400, 0.8, 100, 102, 402}, // 2.5 minutes to 2
-            {200000, 400, 0.4, 100, 103, 408}, // 7.5 minutes to 8
-            {1000, 3, 0.5, 10, 6, 0},          // never before the full start
-            {1000, 898, 0.5, 10, 14, 900},     // never past the full end
-        };
-        for (const auto& c : cases) {
-            GraphState s = state(c.full, c.offset, 100, 0, 10, 0, 10);
-            s.scrollFactor = c.factor;
-            s.hScrollLast = qint16(c.last);
-            QCOMPARE(viewText(scrolledHorizontally(s, c.newValue)),
-                     viewText(c.newOffset, 100, 0, 10));
+        for (const auto& [full, offset, factor, last, newValue, newOffset] :
+             {std::tuple{1000, 400, 1.0, 400, 401, 401}, // one unit is one minute
+              {1000, 400, 1.0, 400, 310, 310},           // page back
+              {200000, 400, 0.25, 100, 99, 399},         // one unit is one minute, also scaled
+              {200000, 400, 0.25, 100, 110, 440},
+              {200000, 400, 0.8, 100, 102, 402}, // 2.5 minutes to 2
+              {200000, 400, 0.4, 100, 103, 408}, // 7.5 minutes to 8
+              {1000, 3, 0.5, 10, 6, 0},          // never before the full start
+              {1000, 898, 0.5, 10, 14, 900}}) {  // never past the full end
+            GraphState s = state(full, offset, 100, 0, 10, 0, 10);
+            s.scrollFactor = factor;
+            s.hScrollLast = qint16(last);
+            QCOMPARE(viewText(scrolledHorizontally(s, newValue)),
+                     u"+%1 min, 100 min, 0..10"_s.arg(newOffset));
         }
     }
 
@@ -390,58 +339,41 @@ private slots:
     {
         // View: minutes 100..200 of the full range, values -20..30 (full -20..30).
         const GraphState s = state(1000, 100, 100, -20, 30, -20, 30);
-        const struct {
-            QPointF p0, p1;
-            int offset, span;
-            float bottom, top;
-        } cases[] = {
-            {{10.5, 12.7}, {3.2, 4.2}, 103, 7, 4, 13},  // right to left
-            {{2.5, 1}, {3.5, 2}, 102, 2, 1, 3},         // halves to even
-            {{0, -5.5}, {10, -12.7}, 100, 10, -12, -4}, // negatives truncate toward zero
-            {{0, 29.9}, {10, 30}, 100, 10, 28, 30},     // past the full top lowers both
-            {{0, -20}, {10, 30}, 100, 10, -20, 30},     // lowered bottom raised back
-        };
-        for (const auto& c : cases) {
-            const std::optional<GraphView> v = graph::dragZoom(s, c.p0, c.p1);
-            QVERIFY(v);
-            QCOMPARE(viewText(*v), viewText(c.offset, c.span, c.bottom, c.top));
-        }
+        for (const auto& [p0, p1, view] :
+             {// right to left
+              std::tuple{QPointF(10.5, 12.7), QPointF(3.2, 4.2), u"+103 min, 7 min, 4..13"_s},
+              {QPointF(2.5, 1), QPointF(3.5, 2),
+               u"+102 min, 2 min, 1..3"_s}, // halves to even
+                                            // negatives truncate toward zero
+              {QPointF(0, -5.5), QPointF(10, -12.7), u"+100 min, 10 min, -12..-4"_s},
+              // past the full top lowers both
+              {QPointF(0, 29.9), QPointF(10, 30), u"+100 min, 10 min, 28..30"_s},
+              // lowered bottom raised back
+              {QPointF(0, -20), QPointF(10, 30), u"+100 min, 10 min, -20..30"_s}})
+            QCOMPARE(viewText(graph::dragZoom(s, p0, p1).value_or(GraphView{})), view);
         QVERIFY(!graph::dragZoom(s, {2.6, 1}, {3.4, 9})); // the same minute
     }
 
     void zoomOutStaysInFullRange()
     {
         // Full range: minutes 0..1000, values -20..30.
-        const struct {
-            int offset, span;
-            float bottom, top;
-            int newOffset, newSpan;
-            float newBottom, newTop;
-        } cases[] = {
-            {400, 100, 0, 10, 350, 200, -5, 15},
-            {20, 100, 0, 10, 0, 200, -5, 15},    // near the start
-            {880, 100, 0, 10, 830, 170, -5, 15}, // near the end
-            {400, 5, 0, 10, 398, 10, -5, 15},    // odd span halves to even
-            {400, 100, 0.5f, 3.5f, 350, 200, -1, 5},
-            {400, 100, -18, -8, 350, 200, -20, 0},
-            {400, 100, 20, 30, 350, 200, 15, 30},
-            {0, 1000, -20, 30, 0, 1000, -20, 30}, // already full
-        };
-        for (const auto& c : cases) {
-            const GraphState s = state(1000, c.offset, c.span, -20, 30, c.bottom, c.top);
-            QCOMPARE(viewText(zoomOut(s)), viewText(c.newOffset, c.newSpan, c.newBottom, c.newTop));
-        }
+        for (const auto& [offset, span, bottom, top, view] :
+             {std::tuple{400, 100, 0.0f, 10.0f, u"+350 min, 200 min, -5..15"_s},
+              {20, 100, 0.0f, 10.0f, u"+0 min, 200 min, -5..15"_s},    // near the start
+              {880, 100, 0.0f, 10.0f, u"+830 min, 170 min, -5..15"_s}, // near the end
+              {400, 5, 0.0f, 10.0f, u"+398 min, 10 min, -5..15"_s},    // odd span halves to even
+              {400, 100, 0.5f, 3.5f, u"+350 min, 200 min, -1..5"_s},
+              {400, 100, -18.0f, -8.0f, u"+350 min, 200 min, -20..0"_s},
+              {400, 100, 20.0f, 30.0f, u"+350 min, 200 min, 15..30"_s},
+              {0, 1000, -20.0f, 30.0f, u"+0 min, 1000 min, -20..30"_s}}) // already full
+            QCOMPARE(viewText(zoomOut(state(1000, offset, span, -20, 30, bottom, top))), view);
     }
 
     void cursorTimeRounds()
     {
         const GraphView view{kBase + 17, 100, 0.0f, 10.0f};
-        const struct {
-            double x;
-            qint64 minutes;
-        } cases[] = {{0.4, 0}, {0.5, 0}, {1.5, 2}, {7.6, 8}};
-        for (const auto& c : cases)
-            QCOMPARE(cursorTime(view, c.x), kBase + 17 + c.minutes * 60);
+        for (const auto& [x, minutes] : {std::pair{0.4, 0}, {0.5, 0}, {1.5, 2}, {7.6, 8}})
+            QCOMPARE(cursorTime(view, x), kBase + 17 + minutes * 60);
     }
 
     void markerColoursAndVisibility()
@@ -486,11 +418,10 @@ private slots:
         QFETCH(Records, records);
         QFETCH(int, viewOffset);
         QFETCH(int, span);
-        QFETCH(QList<QPointF>, expected);
         const GraphView view{kBase + qint64(viewOffset) * 60, span, -10.0f, 10.0f};
         // 11 pixels over 100 minutes: minutes 0..4 share column 0.
         const std::vector<QPointF> points = decimate(records, view, span == 100 ? 11 : 1000);
-        QCOMPARE(QList<QPointF>(points.begin(), points.end()), expected);
+        QTEST(QList<QPointF>(points.begin(), points.end()), "expected");
     }
 
     void decimateLooksLikeEverySegment_data()
@@ -519,31 +450,18 @@ private slots:
 
             const std::vector<QPointF> all = drawnPoints(records, view);
             const std::vector<QPointF> kept = decimate(records, view, width);
-            QCOMPARE(kept.empty(), all.empty());
-            if (all.empty())
-                continue;
-            QCOMPARE(kept.front(), all.front());
-            QCOMPARE(kept.back(), all.back());
             // Kept points are drawn points in the same order.
             size_t j = 0;
             for (const QPointF& p : kept) {
-                while (j < all.size() && all[j] != p)
-                    ++j;
-                QVERIFY2(j < all.size(), "a kept point is not a drawn point, or is out of order");
-                ++j;
+                j = size_t(std::find(all.begin() + qint64(j), all.end(), p) - all.begin()) + 1;
+                QVERIFY2(j <= all.size(), "a kept point is not a drawn point, or is out of order");
             }
-            // Each column covers the same values and joins its neighbours at the same points.
-            const auto want = columns(all, view, width);
+            // Each column covers the same values and joins its neighbours at the same points,
+            // so the first and last points are kept too.
             const auto got = columns(kept, view, width);
-            QCOMPARE(got.size(), want.size());
-            for (const auto& [column, w] : want) {
-                const Column& g = got.at(column);
-                QCOMPARE(g.first, w.first);
-                QCOMPARE(g.last, w.last);
-                QCOMPARE(g.low, w.low);
-                QCOMPARE(g.high, w.high);
-                QVERIFY(g.count <= 4);
-            }
+            QVERIFY(got == columns(all, view, width));
+            for (const auto& c : got)
+                QVERIFY(c.second.count <= 4);
         }
     }
 
@@ -551,24 +469,19 @@ private slots:
     {
         // Grid indices, newest first: 0 at minute 20, 1 at 10, 2 and 3 at 6, 4 at 0.
         const Records records = gridOf({{0, 1}, {6, 2}, {6, 3}, {10, 4}, {20, 5}});
-        const struct {
-            int first;
-            qint64 tMinute;
-            int expected; // -1: readout unchanged
-        } cases[] = {
-            {0, 6, 2},   // an exact minute takes the newest in it
-            {0, 15, 1},  // a tie goes to the older
-            {0, 16, 0},  // the newer is nearer
-            {0, 7, 2},   // the older is nearer
-            {0, -1, -1}, // before every record
-            {0, 99, 0},  // after every record
-            {1, 19, 1},  // never past the newest selected
-            {0, 0, 4},   // the oldest exactly
-        };
-        for (const auto& c : cases) {
-            const qint64 t = kBase + c.tMinute * 60 + 59;
-            QCOMPARE(graph::nearestRecord(records, c.first, 4, t).value_or(-1), c.expected);
-            QCOMPARE(scanNearest(records, c.first, 4, t).value_or(-1), c.expected);
+        // First selected, minute of the cursor, the record read (-1: readout unchanged).
+        for (const auto& [first, tMinute, expected] :
+             {std::tuple{0, 6, 2}, // an exact minute takes the newest in it
+              {0, 15, 1},          // a tie goes to the older
+              {0, 16, 0},          // the newer is nearer
+              {0, 7, 2},           // the older is nearer
+              {0, -1, -1},         // before every record
+              {0, 99, 0},          // after every record
+              {1, 19, 1},          // never past the newest selected
+              {0, 0, 4}}) {        // the oldest exactly
+            const qint64 t = kBase + tMinute * 60 + 59;
+            QCOMPARE(graph::nearestRecord(records, first, 4, t).value_or(-1), expected);
+            QCOMPARE(scanNearest(records, first, 4, t).value_or(-1), expected);
         }
     }
 

@@ -55,60 +55,62 @@ class TestPrint : public QObject {
     Q_OBJECT
 
 private slots:
-    void reportFontScalesWithPaperWidth_data()
-    {
-        QTest::addColumn<bool>("landscape");
-        QTest::addColumn<double>("pointSize");
-        QTest::newRow("A4 portrait, 11906 twips") << false << 8.0;
-        QTest::newRow("A4 landscape, 16838 twips") << true << 8.0 * 16838 / 11906;
-    }
     void reportFontScalesWithPaperWidth()
     {
-        QFETCH(bool, landscape);
-        QFETCH(double, pointSize);
-        PdfReport pdf(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
-        const QFont font = sx::reportFont(pdf.writer);
-        QVERIFY(qAbs(font.pointSizeF() - pointSize) < 0.01);
-        const QString family = QFontInfo(font).family();
-        QVERIFY2(family == u"Arial"_s || family == u"Liberation Sans"_s, qPrintable(family));
-
-        pdf.painter->print(u"Arial"_s);
-        pdf.painter->end();
-        const QString fonts = sx::test::toolOutput(u"pdffonts"_s, {pdf.path});
-        QVERIFY2(fonts.contains(u"Bold"_s), qPrintable(fonts)); // the font as printed is bold
+        // A4 portrait is 11906 twips wide, landscape 16838.
+        for (const auto& [orientation, size] :
+             {std::pair{QPageLayout::Portrait, 8.0}, {QPageLayout::Landscape, 8.0 * 16838 / 11906}})
+            QVERIFY(qAbs(sx::reportFont(PdfReport(orientation).writer).pointSizeF() - size) < 0.01);
     }
-    // A centred banner, the line under it, then a line placed at x, y and the next one.
-    void bannerAndLinesLandWhereAsked()
+    // A centred banner in the bold report font, the line under it, a line placed at x, y and
+    // the next one, then a wrapped text in one column.
+    void linesLandWhereAsked()
     {
         PdfReport pdf;
         sx::ReportPainter& p = *pdf.painter;
+        const QString family = QFontInfo(sx::reportFont(pdf.writer)).family();
+        QVERIFY2(family == u"Arial"_s || family == u"Liberation Sans"_s, qPrintable(family));
         QVERIFY(qAbs(p.pageWidth() - (210.0 - 2 * marginMm)) < 0.1);
         QVERIFY(qAbs(p.pageHeight() - (297.0 - 2 * marginMm)) < 0.1);
-        const double y = 12.0;
-        sx::printBanner(p, 10.0, y, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
+        sx::printBanner(p, 10.0, 12.0, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
         p.print(u"Γραμμή μετά τον τίτλο"_s);
         p.setCurrentX(30.0);
         p.setCurrentY(50.0);
         p.print(u"ΘΕΣΗ"_s);
         p.print(u"ΕΠΟΜΕΝΗ"_s);
-        QCOMPARE(pdf.lines(), (QStringList{u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s, u"Γραμμή μετά τον τίτλο"_s,
-                                           u"ΘΕΣΗ"_s, u"ΕΠΟΜΕΝΗ"_s}));
+        QString text = u"Ένδειξη μαρκαρισμένου σημείου 3: 21,3 °C κατά τη διάρκεια της "
+                       u"νυχτερινής βάρδιας, πάνω από το μέγιστο όριο της ζώνης ψυχρού θαλάμου"_s;
+        const int count = sx::wrapToWidth(text, 60.0, p);
+        const QStringList wrapped = text.split(u"\r\n"_s);
+        QVERIFY(count == wrapped.size() && count >= 3);
+        for (const QString& line : wrapped)
+            QVERIFY2(p.textWidth(line) < 60.0, qPrintable(line));
+        const double top = p.currentY();
+        sx::printLinesAt(p, text, 40.0);
+        sx::printLinesAt(p, QString(), 10.0); // an empty text still takes one line
+        p.print(u"ΤΕΛΟΣ"_s);
+        QCOMPARE(pdf.lines(), QStringList({u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s, u"Γραμμή μετά τον τίτλο"_s,
+                                           u"ΘΕΣΗ"_s, u"ΕΠΟΜΕΝΗ"_s}) +
+                                  wrapped + QStringList{u"ΤΕΛΟΣ"_s});
+        QVERIFY(sx::test::toolOutput(u"pdffonts"_s, {pdf.path}).contains(u"Bold"_s));
 
         const QRectF banner = pdf.box(u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
         QVERIFY2(qAbs(banner.center().x() - 105.0) < 1.0,
                  qPrintable(QString::number(banner.center().x())));
-        QVERIFY(qAbs(banner.top() - (marginMm + y + 0.5)) < 0.7);
+        QVERIFY(qAbs(banner.top() - (marginMm + 12.5)) < 0.7);
         const QRectF after = pdf.box(u"Γραμμή μετά τον τίτλο"_s);
-        QVERIFY(qAbs(after.top() - (marginMm + y + 2 * p.textHeight() + 1.0)) < 0.7);
+        QVERIFY(qAbs(after.top() - (marginMm + 12.0 + 2 * p.textHeight() + 1.0)) < 0.7);
         QVERIFY(qAbs(after.left() - marginMm) < 0.5); // the banner leaves x at 0
         const QRectF first = pdf.box(u"ΘΕΣΗ"_s);
-        QVERIFY2(qAbs(first.left() - (marginMm + 30.0)) < 0.5,
-                 qPrintable(QString::number(first.left())));
-        QVERIFY2(qAbs(first.top() - (marginMm + 50.0)) < 0.7,
-                 qPrintable(QString::number(first.top())));
+        QVERIFY(qAbs(first.left() - (marginMm + 30.0)) < 0.5);
+        QVERIFY(qAbs(first.top() - (marginMm + 50.0)) < 0.7);
         const QRectF next = pdf.box(u"ΕΠΟΜΕΝΗ"_s);
         QVERIFY(qAbs(next.left() - marginMm) < 0.5);
         QVERIFY(qAbs(next.top() - first.top() - p.textHeight()) < 0.2);
+        for (const QString& line : wrapped)
+            QVERIFY2(qAbs(pdf.box(line).left() - (marginMm + 40.0)) < 0.5, qPrintable(line));
+        const double end = marginMm + top + (count + 1) * p.textHeight();
+        QVERIFY(qAbs(pdf.box(u"ΤΕΛΟΣ"_s).top() - end) < 0.7);
     }
     void wrapToWidth_data()
     {
@@ -151,32 +153,6 @@ private slots:
         QTEST(sx::wrapToWidth(text, width, *pdf.painter), "lines");
         QTEST(text, "expected");
     }
-    void wrappedTextPrintsInOneColumn()
-    {
-        PdfReport pdf;
-        sx::ReportPainter& p = *pdf.painter;
-        QString text = u"Ένδειξη μαρκαρισμένου σημείου 3: 21,3 °C κατά τη διάρκεια της "
-                       u"νυχτερινής βάρδιας, πάνω από το μέγιστο όριο της ζώνης ψυχρού θαλάμου"_s;
-        const double width = 60.0;
-        const int count = sx::wrapToWidth(text, width, p);
-        const QStringList wrapped = text.split(u"\r\n"_s);
-        QCOMPARE(wrapped.size(), count);
-        QVERIFY(count >= 3);
-        for (const QString& line : wrapped)
-            QVERIFY2(p.textWidth(line) < width, qPrintable(line));
-
-        p.print(u"ΑΡΧΗ"_s);
-        const double top = p.currentY();
-        sx::printLinesAt(p, text, 40.0);
-        sx::printLinesAt(p, QString(), 10.0); // an empty text still takes one line
-        p.print(u"ΤΕΛΟΣ"_s);
-        QCOMPARE(pdf.lines(), QStringList() << u"ΑΡΧΗ"_s << wrapped << u"ΤΕΛΟΣ"_s);
-        for (const QString& line : wrapped)
-            QVERIFY2(qAbs(pdf.box(line).left() - (marginMm + 40.0)) < 0.5, qPrintable(line));
-        const double end = marginMm + top + (count + 1) * p.textHeight();
-        QVERIFY(qAbs(pdf.box(u"ΤΕΛΟΣ"_s).top() - end) < 0.7);
-    }
-
     // A report written over a file the user already has: the old file goes only
     // when the new one is complete, and nothing is left beside it.
     void oldFileStaysUntilTheNewOneIsWhole_data()

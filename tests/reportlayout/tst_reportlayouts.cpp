@@ -37,13 +37,11 @@ private slots:
         QFETCH(int, rows);
         QFETCH(double, height);
         QFETCH(double, line);
-        QFETCH(int, perColumn);
-        QFETCH(int, pages);
         const records_report::Layout l = records_report::layoutRows(rows, height, line);
-        QCOMPARE(l.rowsPerColumn, perColumn);
-        QCOMPARE(l.pages, pages);
+        QTEST(l.rowsPerColumn, "perColumn");
+        QTEST(l.pages, "pages");
         if (rows > 0)
-            QVERIFY(l.pageOf(rows - 1) < l.pages || perColumn == 1);
+            QVERIFY(l.pageOf(rows - 1) < l.pages || l.rowsPerColumn == 1);
     }
 
     void entriesFillColumnsThenPages_data()
@@ -68,14 +66,12 @@ private slots:
     void entriesFillColumnsThenPages()
     {
         QFETCH(QList<double>, heights);
-        QFETCH(QString, placed);
-        QFETCH(int, pages);
         const events_report::Layout l = events_report::layoutEntries(heights, 297.0);
         QStringList got;
         for (const events_report::Placement& p : l.entries)
             got << u"%1:%2:%3"_s.arg(p.page).arg(p.column).arg(p.y);
-        QCOMPARE(got.join(u' '), placed);
-        QCOMPARE(l.pages, pages);
+        QTEST(got.join(u' '), "placed");
+        QTEST(l.pages, "pages");
     }
 
     void choicesLineRestatesTheControls_data()
@@ -115,26 +111,19 @@ private slots:
     void markedPointsPlan()
     {
         // From y 30 to 60 with lines of 5: six lines a page, an empty line between entries.
-        const struct {
-            std::vector<int> lines;
-            QString placed; // page@y of each entry
-            int pages;
-        } cases[] = {
-            {{}, u""_s, 1},
-            {{2, 2}, u"0@30 0@45"_s, 1},
-            {{2, 2, 2}, u"0@30 0@45 1@30"_s, 2}, // the third goes whole to page two
-            {{2, 3}, u"0@30 0@45"_s, 1},         // a wrapped entry that just fits
-            {{2, 4}, u"0@30 1@30"_s, 2},         // one line too many
-            {{9, 2}, u"0@30 1@30"_s, 2},         // taller than a page stays alone
-        };
-        for (const auto& c : cases) {
-            const graph::marked_points::Plan plan =
-                graph::marked_points::layoutEntries(c.lines, 30, 5, 60);
-            QStringList placed;
+        // Lines of each entry, then page@y of each entry and the pages.
+        for (const auto& [lines, placed] :
+             {std::pair{std::vector<int>{}, u" 1"_s},
+              {{2, 2}, u"0@30 0@45 1"_s},
+              {{2, 2, 2}, u"0@30 0@45 1@30 2"_s}, // the third goes whole to page two
+              {{2, 3}, u"0@30 0@45 1"_s},         // a wrapped entry that just fits
+              {{2, 4}, u"0@30 1@30 2"_s},         // one line too many
+              {{9, 2}, u"0@30 1@30 2"_s}}) {      // taller than a page stays alone
+            const auto plan = graph::marked_points::layoutEntries(lines, 30, 5, 60);
+            QStringList got;
             for (const auto& e : plan.entries)
-                placed << u"%1@%2"_s.arg(e.page).arg(e.y);
-            QCOMPARE(placed.join(u' '), c.placed);
-            QCOMPARE(plan.pages, c.pages);
+                got << u"%1@%2"_s.arg(e.page).arg(e.y);
+            QCOMPARE(got.join(u' ') + u' ' + QString::number(plan.pages), placed);
         }
     }
 };

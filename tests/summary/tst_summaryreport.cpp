@@ -4,12 +4,8 @@
 #include "ScratchDatabase.h"
 #include "reports/summary/SummaryReport.h"
 #include "reports/summary/SummaryXlsx.h"
-#include "ui/WidgetDialogService.h"
 #include "views/records/RecordsPrint.h"
 
-#include <QApplication>
-#include <QDir>
-#include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QTimer>
 #include <QtTest>
@@ -58,10 +54,8 @@ private slots:
         QVERIFY(t.excursions.first().side == summary::Side::Below ||
                 t.excursions.first().side == summary::Side::Above);
         // The contact zone starts a page of its own and counts openings instead.
-        qsizetype door = 0;
-        while (door < pages.size() && !pages[door].contains(u"[2] Πόρτα"_s))
-            ++door;
-        QVERIFY(door > 0 && door < pages.size());
+        const qsizetype door = pages.indexOf(QRegularExpression(u"(?s).*\\[2\\] Πόρτα.*"_s));
+        QVERIFY(door > 0);
         const summary::ZoneSummary& d = m_in.zones[1].summary;
         QVERIFY(pages[door].simplified().contains(u"Ανοίγματα: "_s +
                                                   QString::number(d.totals.excursions)));
@@ -74,16 +68,17 @@ private slots:
         QCOMPARE(int(summary::writeSummaryWorkbook(book, m_in)), int(xlsx::ExportStatus::Written));
         // The system Python: openpyxl comes from Debian.
         const QStringList lines =
-            toolOutput(u"/usr/bin/python3"_s,
-                       {u"-c"_s,
-                        u"import sys, openpyxl\n"
-                        "wb = openpyxl.load_workbook(sys.argv[1])\n"
-                        "print('|'.join(wb.sheetnames))\n"
-                        "for ws in wb:\n"
-                        "    print(' '.join(type(ws[c].value).__name__ for c in "
-                        "('A10','C10','E10','I10','K10')),"
-                        " ws['A10'].value.strftime('%d/%m/%Y'), ws['B6'].value, ws['D3'].value)\n"_s,
-                        book})
+            toolOutput(
+                u"/usr/bin/python3"_s,
+                {u"-c"_s,
+                 u"import sys, openpyxl\n"
+                 "wb = openpyxl.load_workbook(sys.argv[1])\n"
+                 "print('|'.join(wb.sheetnames))\n"
+                 "for ws in wb:\n"
+                 "    print(' '.join(type(ws[c].value).__name__ for c in "
+                 "('A10','C10','E10','I10','K10')),"
+                 " ws['A10'].value.strftime('%d/%m/%Y'), ws['B6'].value, ws['D3'].value)\n"_s,
+                 book})
                 .trimmed()
                 .split(u'\n');
         QCOMPARE(lines.size(), 3);
@@ -92,28 +87,6 @@ private slots:
                                m_in.zones[0].summary.totals.excursions));
         QCOMPARE(lines[2], u"datetime int NoneType datetime int 01/03/2026 %1 None"_s.arg(
                                m_in.zones[1].summary.totals.excursions));
-    }
-
-    // The preview draws the same pages: its page count is the PDF's.
-    void previewShowsThePagesPrinted()
-    {
-        int previewPages = -1;
-        QTimer::singleShot(200, this, [&] {
-            for (QWidget* w : QApplication::topLevelWidgets()) {
-                if (auto* dialog = qobject_cast<QPrintPreviewDialog*>(w)) {
-                    previewPages = dialog->findChild<QPrintPreviewWidget*>()->pageCount();
-                    // For a look by eye: SX_PREVIEW_SHOT=file.png keeps a picture of it.
-                    if (const QString shot = qEnvironmentVariable("SX_PREVIEW_SHOT");
-                        !shot.isEmpty())
-                        dialog->grab().save(shot);
-                    dialog->reject();
-                }
-            }
-        });
-        QPrinter printer(QPrinter::HighResolution);
-        WidgetDialogService dialogs;
-        dialogs.printPreview(nullptr, printer, [&](QPrinter& p) { drawSummaryReport(p, m_in); });
-        QCOMPARE(previewPages, pdfPages(m_pdf).size());
     }
 
     // From the window the summary is read on a connection of its own: the
@@ -152,14 +125,10 @@ private slots:
         QVERIFY(waited);
         QVERIFY(owner.isEnabled());
         const auto messages = fx.dialogs.messages();
-        if (broken) {
-            QCOMPARE(messages.size(), 1);
+        QCOMPARE(messages.size(), broken ? 1 : 0);
+        if (broken)
             QCOMPARE(messages[0].icon, DialogService::Icon::Critical);
-            QCOMPARE(shown, -1);
-        } else {
-            QVERIFY(messages.isEmpty());
-            QCOMPARE(shown, pdfPages(m_pdf).size());
-        }
+        QCOMPARE(shown, broken ? -1 : pdfPages(m_pdf).size());
     }
 
 private:

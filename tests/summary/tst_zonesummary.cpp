@@ -45,6 +45,13 @@ std::vector<Sample> samples(const QString& text)
     return out;
 }
 
+// The pattern with its markers filled in turn, as a chain of arg() would.
+template <typename... A> QString fill(QString pattern, const A&... a)
+{
+    ((pattern = pattern.arg(a)), ...);
+    return pattern;
+}
+
 QString timeText(qint64 secs)
 {
     const QDate d = dayOf(secs);
@@ -63,20 +70,14 @@ QString describe(const ZoneSummary& s)
                    (e.startedBefore ? u"<"_s : QString()) + (e.runsOn ? u"+"_s : QString()) +
                    (e.cutByGap ? u"#"_s : QString());
     QStringList days;
-    for (const DayRow& d : s.days) {
+    for (const DayRow& d : s.days)
         if (d.outsideSecs > 0 || d.excursions > 0)
-            days << u"%1:%2m/%3"_s.arg(d.day.day()).arg(minutesOf(d.outsideSecs)).arg(d.excursions);
-    }
+            days << fill(u"%1:%2m/%3"_s, d.day.day(), minutesOf(d.outsideSecs), d.excursions);
     const Totals& t = s.totals;
     return exc.join(u", "_s) + u" | "_s + days.join(u' ') +
-           u" | n=%1 skip=%2 %3..%4 mean=%5 out=%6m exc=%7 longest=%8m"_s.arg(t.readings)
-               .arg(t.skipped)
-               .arg(t.min)
-               .arg(t.max)
-               .arg(t.mean)
-               .arg(minutesOf(t.outsideSecs))
-               .arg(t.excursions)
-               .arg(minutesOf(t.longestSecs));
+           fill(u" | n=%1 skip=%2 %3..%4 mean=%5 out=%6m exc=%7 longest=%8m"_s, t.readings,
+                t.skipped, t.min, t.max, t.mean, minutesOf(t.outsideSecs), t.excursions,
+                minutesOf(t.longestSecs));
 }
 
 // The gaps, the days' minutes without data, their total and the usual interval.
@@ -86,14 +87,12 @@ QString coverage(const ZoneSummary& s)
     for (const Gap& g : s.gaps)
         gaps << timeText(g.startSecs) + u".."_s + timeText(g.endSecs);
     QStringList days;
-    for (const DayRow& d : s.days) {
+    for (const DayRow& d : s.days)
         if (d.noDataSecs > 0)
-            days << u"%1:%2m"_s.arg(d.day.day()).arg(minutesOf(d.noDataSecs));
-    }
+            days << fill(u"%1:%2m"_s, d.day.day(), minutesOf(d.noDataSecs));
     return gaps.join(u", "_s) + u" | "_s + days.join(u' ') +
-           u" | none=%1m longest=%2m usual=%3m"_s.arg(minutesOf(s.totals.noDataSecs))
-               .arg(minutesOf(s.totals.longestGapSecs))
-               .arg(minutesOf(s.totals.usualIntervalSecs));
+           fill(u" | none=%1m longest=%2m usual=%3m"_s, minutesOf(s.totals.noDataSecs),
+                minutesOf(s.totals.longestGapSecs), minutesOf(s.totals.usualIntervalSecs));
 }
 
 } // namespace
