@@ -13,7 +13,6 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -36,52 +35,6 @@ public:
     QString commandSerial() const override { return serial; }
     QString relayCaption() const override { return caption; }
     void refreshNow() override { ++refreshes; }
-};
-
-// What happened while a command ran: the request rows that appeared and the
-// state of the window and the wait window from the moment our row was written.
-class RequestWatch {
-public:
-    RequestWatch(Database& db, QWidget& host, Clock& clock, const QString& ownRow)
-        : m_db(db), m_host(host), m_clock(clock), m_ownRow(ownRow)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, [this] { look(); });
-        m_timer.start(20);
-    }
-
-    QStringList rows; // "serial|type|attributes|completed|reply", each once
-    bool disabledAndWaitingWhileRowExisted = true;
-    QDateTime firstSeen; // of our row
-    // Runs once, when our row is first seen.
-    std::function<void()> onOwnRow;
-
-private:
-    void look()
-    {
-        Rows r = m_db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || '|' || "
-                           u"TrmReq_Attributes || '|' || TrmReq_Requestcompleted || '|' || "
-                           u"TrmReq_Requestreply AS r FROM Terminal_Requests"_s);
-        if (!r.next())
-            return;
-        do {
-            if (!rows.contains(r.textOr(u"r")))
-                rows << r.textOr(u"r");
-        } while (r.next());
-        if (!firstSeen.isValid()) {
-            if (!rows.contains(m_ownRow))
-                return; // only rows of others so far
-            firstSeen = m_clock.now();
-            if (onOwnRow)
-                std::exchange(onOwnRow, {})();
-        }
-        disabledAndWaitingWhileRowExisted &= !m_host.isEnabled() && GuiFixture::waitWindowShown();
-    }
-
-    Database& m_db;
-    QWidget& m_host;
-    Clock& m_clock;
-    QString m_ownRow;
-    QTimer m_timer;
 };
 
 constexpr auto kSimExe = SX_SIM_EXE;
@@ -112,7 +65,6 @@ class TestUnitCommands : public QObject {
     std::unique_ptr<GuiFixture> fx;
     std::unique_ptr<TestHost> host;
     std::unique_ptr<QProcess> sim;
-    std::unique_ptr<RequestWatch> watch;
     QStringList simMode{u"none"_s};
 
     // (Re)starts the simulator with extra run options unless it already runs so.
@@ -199,7 +151,6 @@ private slots:
     void cleanupTestCase()
     {
         stopSimulator();
-        watch.reset();
         host.reset();
         fx.reset();
     }
@@ -392,11 +343,11 @@ private slots:
                 fx->dialogs.answerCode(typed);
             else if (a.startsWith(u'i'))
                 fx->dialogs.answerInput(typed);
-            else if (typed)
-                fx->dialogs.answerSelection(
-                    Selection{v.section(u',', 0, 0).toInt(), v.section(u',', 1).toInt()});
             else
-                fx->dialogs.answerSelection(std::nullopt);
+                fx->dialogs.answerSelection(
+                    typed ? std::optional(Selection{v.section(u',', 0, 0).toInt(),
+                                                    v.section(u',', 1).toInt()})
+                          : std::nullopt);
         }
         // The window stays disabled while a selection list is up.
         bool disabledAtSelection = true;
@@ -415,22 +366,39 @@ private slots:
         host->serial = serial;
         host->refreshes = 0;
         fx->dialogs.clearShown();
-        watch = std::make_unique<RequestWatch>(fx->db, *host, fx->clock,
-                                               serial + u"|"_s + sent + u"|0|0"_s);
-        if (meanwhile == u"twin")
-            watch->onOwnRow = [&] {
-                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
-            };
-        else if (meanwhile == u"late twin" || meanwhile == u"restart")
-            watch->onOwnRow = [this] { // as the server would
-                QVERIFY(fx->exec(u"UPDATE Terminal_Requests SET TrmReq_Requestcompleted=1, "
-                                 u"TrmReq_Requestreply=2"_s));
-            };
+        // What happens while the command runs: the request rows that appear, and the window
+        // and the wait window from the moment our row is first seen.
+        const QString own = serial + u"|"_s + sent + u"|0|0"_s;
+        QStringList rows; // "serial|type|attributes|completed|reply", each once
+        bool disabledAndWaiting = true;
+        QDateTime firstSeen;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            Rows r = fx->db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || "
+                                 u"'|' || TrmReq_Attributes || '|' || TrmReq_Requestcompleted || "
+                                 u"'|' || TrmReq_Requestreply AS r FROM Terminal_Requests"_s);
+            if (!r.next())
+                return;
+            do {
+                if (!rows.contains(r.textOr(u"r")))
+                    rows << r.textOr(u"r");
+            } while (r.next());
+            if (!firstSeen.isValid()) {
+                if (!rows.contains(own))
+                    return; // only rows of others so far
+                firstSeen = fx->clock.now();
+                if (meanwhile == u"twin")
+                    QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
+                else if (meanwhile == u"late twin" ||
+                         meanwhile == u"restart") // as the server would
+                    QVERIFY(fx->exec(u"UPDATE Terminal_Requests SET TrmReq_Requestcompleted=1, "
+                                     u"TrmReq_Requestreply=2"_s));
+            }
+            disabledAndWaiting &= !host->isEnabled() && GuiFixture::waitWindowShown();
+        });
+        watch.start(20);
         c.run(fx->ctx, *host);
-        const QStringList rows = watch->rows;
-        const bool disabledAndWaiting = watch->disabledAndWaitingWhileRowExisted;
-        const QDateTime firstSeen = watch->firstSeen;
-        watch.reset();
+        watch.stop();
         fx->dialogs.onShown = {};
         // Put the table back as it was before anything can fail.
         if (ending) {
@@ -458,9 +426,7 @@ private slots:
         if (!leftOver.isEmpty())
             QVERIFY(fx->exec(u"DELETE FROM Terminal_Requests"_s));
 
-        QVERIFY2(sent.isEmpty() ? rows.isEmpty()
-                                : rows.contains(serial + u"|"_s + sent + u"|0|0"_s),
-                 qPrintable(rows.join(u' ')));
+        QVERIFY2(sent.isEmpty() ? rows.isEmpty() : rows.contains(own), qPrintable(rows.join(u' ')));
         QVERIFY(disabledAndWaiting);
         QVERIFY(disabledAtSelection);
         QStringList shown;
