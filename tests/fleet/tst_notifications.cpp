@@ -69,6 +69,8 @@ private:
 
 const QString kPath = u"/org/freedesktop/Notifications"_s;
 const QString kName = u"org.freedesktop.Notifications"_s;
+const QString kAlarmU1 =
+    u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=%1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=%2"_s;
 
 } // namespace
 
@@ -110,21 +112,18 @@ private slots:
                 seed.pointCondition(u"U2"_s, 1, u"70"_s, u"1"_s, u"1"_s));
 
         ++m_round;
-        const QDBusConnection desktop =
+        QDBusConnection desktop =
             QDBusConnection::connectToBus(m_address, u"desktop%1"_s.arg(m_round));
-        QVERIFY(desktop.isConnected());
         m_receiver = std::make_unique<Receiver>();
-        QVERIFY(QDBusConnection(desktop).registerObject(kPath, m_receiver.get(),
-                                                        QDBusConnection::ExportAllSlots));
-        QVERIFY(QDBusConnection(desktop).registerService(kName));
+        QVERIFY(desktop.registerObject(kPath, m_receiver.get(), QDBusConnection::ExportAllSlots));
+        QVERIFY(desktop.registerService(kName));
 
         m_main = std::make_unique<MainWindow>(m_fx->ctx);
         m_fx->navigator->setMainView(m_main.get());
         fillSystemSelect(*m_main, 0, false);
         m_main->refreshTimer()->stop();
-        const QDBusConnection console =
-            QDBusConnection::connectToBus(m_address, u"console%1"_s.arg(m_round));
-        m_watch = std::make_unique<FleetWatch>(m_fx->ctx, console);
+        m_watch = std::make_unique<FleetWatch>(
+            m_fx->ctx, QDBusConnection::connectToBus(m_address, u"console%1"_s.arg(m_round)));
         tick();
     }
     void cleanup()
@@ -206,9 +205,7 @@ private slots:
         tick();
         QCOMPARE(m_receiver->sent.size(), 0);
         const auto setAlarm = [this](int on) {
-            QVERIFY(m_fx->exec(
-                u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=%1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=1"_s
-                    .arg(on)));
+            QVERIFY(m_fx->exec(kAlarmU1.arg(on).arg(1)));
             tick();
         };
         setAlarm(1);
@@ -263,8 +260,7 @@ private slots:
         QCOMPARE(m_receiver->sent.size(), 5);
         // A sixth unit: the five make way for one digest that names all six.
         m_fx->clock.advance(30'000);
-        QVERIFY(m_fx->exec(
-            u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=2"_s));
+        QVERIFY(m_fx->exec(kAlarmU1.arg(1).arg(2)));
         tick();
         QCOMPARE(m_receiver->sent.size(), 6);
         QCOMPARE(m_receiver->closed, (QList<uint>{1, 2, 3, 4, 5}));
@@ -333,9 +329,8 @@ private slots:
             QCOMPARE(notes.first()->text(), QString::fromUtf16(kNoDesktopNotices));
             QVERIFY(m_fx->dialogs.shown().isEmpty());
         };
-        alarm(
-            u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=1"_s,
-            u"Ψυκτικός θάλαμος [7]: Συναγερμός στη ζώνη [1] Κρέατα: 4.0 °C"_s);
+        alarm(kAlarmU1.arg(1).arg(1),
+              u"Ψυκτικός θάλαμος [7]: Συναγερμός στη ζώνη [1] Κρέατα: 4.0 °C"_s);
         alarm(
             u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, SyF_Faultinfo) VALUES ('U3', 0, '3')"_s,
             u"Αποθήκη U3 [7]: Βλάβη: ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s);
