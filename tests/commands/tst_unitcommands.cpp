@@ -84,15 +84,12 @@ class TestUnitCommands : public QObject {
         if (!sim->waitForStarted(10000))
             return false;
         QByteArray out;
-        while (!out.contains("running on")) {
-            if (!sim->waitForReadyRead(10000)) {
-                qWarning("simulator: %s", out.constData());
-                return false;
-            }
+        while (!out.contains("running on") && sim->waitForReadyRead(10000))
             out += sim->readAll();
-        }
+        if (!out.contains("running on"))
+            qWarning("simulator: %s", out.constData());
         simMode = extra;
-        return true;
+        return out.contains("running on");
     }
 
     void stopSimulator()
@@ -148,18 +145,7 @@ private slots:
         host->show();
     }
 
-    void cleanupTestCase()
-    {
-        stopSimulator();
-        host.reset();
-        fx.reset();
-    }
-
-    void init()
-    {
-        if (fx)
-            fx->clock.runFaster(1);
-    }
+    void cleanupTestCase() { stopSimulator(); }
 
     void cleanup()
     {
@@ -290,6 +276,7 @@ private slots:
     void commands()
     {
         QFETCH(Case, c);
+        fx->clock.runFaster(1);
         const QString &serial = c.serial, &sent = c.sent, &meanwhile = c.meanwhile;
         QVERIFY(useSimulator(c.simOptions));
         const int reports = fx->failures->reportsShown();

@@ -1,5 +1,5 @@
-// The fleet summary against real databases: which state each unit gets, what
-// is counted, and the unit query of the two dialects that do not run here.
+// The fleet summary against real databases: which state each unit gets and what
+// is counted.
 #include "../current/CurrentSeed.h"
 #include "ScratchDatabase.h"
 #include "model/fleet/FleetSummary.h"
@@ -120,37 +120,6 @@ private slots:
         // The newest event is the last by sequence number, not the latest date.
         QCOMPARE(u.newestEvent, std::optional<qint64>(1'700'000'000));
         QTEST(static_cast<int>(fleet->worst()), "state");
-    }
-
-    void dialectTexts_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QString>("units");
-        const QString head =
-            u"SELECT SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Online, SyI_Softver, SyCC_RelayBcondition, "_s;
-        const QString tail =
-            u" AS NewestEvent FROM Systems_Info LEFT JOIN Systems_Current_Condition ON SyCC_SyI_Serialnumber=SyI_Serialnumber WHERE SyI_Used=1"_s;
-        QTest::newRow("Access")
-            << static_cast<int>(DbKind::Access)
-            << head +
-                   u"(SELECT TOP 1 Event_Datetime FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber ORDER BY Event_SystemEventSN DESC)"_s +
-                   tail;
-        QTest::newRow("Oracle")
-            << static_cast<int>(DbKind::Oracle)
-            << head +
-                   u"(SELECT MAX(Event_Datetime) KEEP (DENSE_RANK LAST ORDER BY Event_SystemEventSN) FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber)"_s +
-                   tail;
-    }
-
-    void dialectTexts()
-    {
-        QFETCH(int, kind);
-        const FleetQueries q = fleetQueries(static_cast<DbKind>(kind));
-        QTEST(q.units, "units");
-        // The rest is what the PostgreSQL runs of the rules read with.
-        const FleetQueries pg = fleetQueries(DbKind::PostgreSQL);
-        QCOMPARE((QStringList{q.zones, q.powers, q.faults, q.messages}),
-                 (QStringList{pg.zones, pg.powers, pg.faults, pg.messages}));
     }
 };
 
