@@ -235,32 +235,20 @@ private slots:
             {say(Icon::Exclamation, bypassTitle(), kNoPointsInUse)}, {}, 0);
         row("missing unit is unreachable", relayCmd, u"NO-SUCH"_s, {}, {}, {},
             {say(Icon::Critical, relayTitle(), kUnitOffline)}, {}, 1);
-        // A stale, answered row of another console must not be taken for ours.
-        row("other rows of the unit are left alone", relayCmd, a1, {0, 0}, code, sentOn, {relayAsk},
-            relayOn, 1, {}, u"stale"_s, {u"SX100002|3|0042;1;0|1"_s});
         // An answered row like ours, left from an earlier command (reply 2), is not our
         // answer; it is another console's to remove, unless rows name no console.
         row("a leftover answer is not ours", relayCmd, a1, {0, 0}, code, sentOn, {relayAsk},
             relayOn, 1, {}, u"leftover"_s, {u"SX100002|2|0042;1|1"_s});
         row("without owners a leftover answer goes", relayCmd, a1, {0, 0}, code, sentOn, {relayAsk},
             relayOn, 1, {}, u"old leftover"_s);
-        // Another console sends the same command while we wait: the server answers both
-        // rows at once (it waits a second here, so that both are there), and that console's
-        // row stays for it to read and remove.
-        row("the same command from another console", relayCmd, a1, {0, 0}, code, sentOn, {relayAsk},
-            relayOn, 1, {u"--answer-delay"_s, u"1000"_s}, u"twin"_s, {u"SX100002|2|0042;1|1"_s});
         // Without a server: someone else (a server tidying up) removes the row while we wait,
         // or the table is gone; a failed query is reported and the window stays usable.
         const QStringList stopped{u"stopped"_s};
         row("vanished row ends without message", relayCmd, a1, {}, code, sentOn, {relayAsk}, {}, 1,
             stopped, u"delete later"_s);
-        // The test answers 2 itself. Another console's row like ours comes after the answer:
-        // ours goes, the one still waiting stays.
+        // The test answers 2 itself. The row cannot be removed after the answer and the
+        // console ends: the next start removes it.
         const QStringList wrongCode = relaySays(Icon::Critical, kBadCode);
-        row("the same command from another console, after our answer", relayCmd, a1, {}, code,
-            sentOn, wrongCode, {}, 1, stopped, u"late twin"_s, {u"SX100002|2|0042;1|0"_s});
-        // The row cannot be removed after the answer and the console ends: the next start
-        // removes it.
         row("a row left behind goes at the next start", relayCmd, a1, {}, code, sentOn,
             wrongCode + QStringList{say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped,
             u"restart"_s, {u"SX100002|2|0042;1|1"_s});
@@ -281,13 +269,10 @@ private slots:
         QVERIFY(useSimulator(c.simOptions));
         const int reports = fx->failures->reportsShown();
         const auto drop = [this] { (void)fx->db.exec(u"DROP TABLE Terminal_Requests"_s); };
-        const QString insert = u"INSERT INTO Terminal_Requests VALUES "_s;
         // The console that ends mid-way, and the file it leaves for the next start.
         std::unique_ptr<QueryFailureReporter> ending;
         const QString pendingFile = fx->settings->pendingStatementsFile();
-        if (meanwhile == u"stale")
-            QVERIFY(fx->exec(insert + u"('SX100002', 3, '0042;1;0', 1, 2, NULL)"_s));
-        else if (meanwhile.endsWith(u"leftover")) {
+        if (meanwhile.endsWith(u"leftover")) {
             // A database of an older server: its rows name no console.
             if (meanwhile == u"old leftover")
                 QVERIFY(
@@ -336,11 +321,7 @@ private slots:
             disabledAtSelection &= s.kind != u"selection" || !host->isEnabled();
             if (s.kind == u"message")
                 messageAt = fx->clock.now();
-            if (s.text != kBadCode)
-                return;
-            if (meanwhile == u"late twin")
-                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
-            else if (meanwhile == u"restart") // nothing there to remove after the answer
+            if (s.text == kBadCode && meanwhile == u"restart") // nothing to remove after the answer
                 QVERIFY(fx->exec(u"ALTER TABLE Terminal_Requests RENAME TO Requests_away"_s));
         };
         host->serial = serial;
@@ -367,10 +348,7 @@ private slots:
                 if (!rows.contains(own))
                     return; // only rows of others so far
                 firstSeen = fx->clock.now();
-                if (meanwhile == u"twin")
-                    QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
-                else if (meanwhile == u"late twin" ||
-                         meanwhile == u"restart") // as the server would
+                if (meanwhile == u"restart") // as the server would
                     QVERIFY(fx->exec(u"UPDATE Terminal_Requests SET TrmReq_Requestcompleted=1, "
                                      u"TrmReq_Requestreply=2"_s));
             }

@@ -35,10 +35,9 @@ private slots:
         QVERIFY(seed.unit(u"A3"_s, u"Καταψύκτης"_s, u"1"_s, u"'1.22'"_s, u"'3'"_s));
         QVERIFY(seed.unit(u"OFF"_s, u"Γραφείο"_s, u"0"_s, u"'1.22'"_s, u"'1'"_s));
         QVERIFY(seed.unit(u"F"_s, u"Εργαστήριο"_s, u"1"_s, u"'1.22'"_s, u"'5'"_s));
-        for (const QString& s : {u"A10"_s, u"A3"_s}) {
-            QVERIFY(seed.point(s, 1, u"'Θάλαμος'"_s));
-            QVERIFY(seed.pointCondition(s, 1, u"60"_s, u"1"_s, u"1"_s));
-        }
+        for (const QString& s : {u"A10"_s, u"A3"_s})
+            QVERIFY(seed.point(s, 1, u"'Θάλαμος'"_s) &&
+                    seed.pointCondition(s, 1, u"60"_s, u"1"_s, u"1"_s));
         QVERIFY(seed.fault(u"F"_s, 0, u"3"_s));
         QVERIFY(seed.newPointMessage(u"N"_s));
 

@@ -167,19 +167,6 @@ class TestHostileData : public QObject {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_FIXTURE(*m_fx);
-        m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
-    }
-    void cleanup()
-    {
-        m_fx.reset();
-        m_refusals.clear();
-        m_graphs = 0;
-    }
-
     void everyViewSurvives_data()
     {
         QTest::addColumn<Profile>("profile");
@@ -207,6 +194,12 @@ private slots:
     void everyViewSurvives()
     {
         QFETCH(Profile, profile);
+        m_fx.reset();
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_FIXTURE(*m_fx);
+        m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
+        m_refusals.clear();
+        m_graphs = 0;
         QVERIFY(seedUnit(*m_fx, profile, profile.serial));
         QVERIFY(seedUnit(*m_fx, profile, profile.serial + u"2"_s));
         const int units = int(readUnitList(m_fx->db).size());

@@ -77,10 +77,10 @@ class TestFaults : public QObject {
     // The explanation boxes of failed queries (not a command's own notices).
     static int failureBoxes(const ScriptedDialogs& d)
     {
-        int n = 0;
-        for (const auto& m : d.messages())
-            n += m.text.startsWith(texts::kErrorHeader) ? 1 : 0;
-        return n;
+        const auto messages = d.messages();
+        return int(std::count_if(messages.begin(), messages.end(), [](const auto& m) {
+            return m.text.startsWith(texts::kErrorHeader);
+        }));
     }
 
 private slots:
@@ -273,11 +273,10 @@ private slots:
         } else if (during == u"marking") {
             eventsView->selectAllEvents();
             eventsView->markButton()->click();
-        } else if (during == u"records load") {
-            chooseItem(recordsView->sensorSelect(), 0);
-            QVERIFY(nobodyAnswers || !filled(shown));
-        } else if (during == u"events load") {
-            chooseItem(eventsView->sensorSelect(), eventsView->sensorSelect()->count() - 1);
+        } else if (during.endsWith(u"load")) {
+            QComboBox* zones =
+                recordsView ? recordsView->sensorSelect() : eventsView->sensorSelect();
+            chooseItem(zones, recordsView ? 0 : zones->count() - 1);
             QVERIFY(nobodyAnswers || !filled(shown));
         } else {
             fleet.refresh(); // alone, then with the main view: one box between them
