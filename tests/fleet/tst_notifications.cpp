@@ -289,9 +289,7 @@ private slots:
 
         // Closed on the desktop: the next unit has a notice of its own again.
         QSignalSpy gone(m_watch->desktop(), &DesktopNotifications::closed);
-        QDBusMessage closed = QDBusMessage::createSignal(kPath, kName, u"NotificationClosed"_s);
-        closed << digest.id << 2u;
-        QVERIFY(desktop().send(closed));
+        fromDesktop(u"NotificationClosed"_s, digest.id, 2u);
         QTRY_COMPARE(gone.size(), 1);
         m_fx->clock.advance(61'000);
         QVERIFY(seed.newPointMessage(u"U3"_s));
@@ -339,13 +337,14 @@ private slots:
 
 private:
     QDBusConnection desktop() const { return QDBusConnection(u"desktop%1"_s.arg(m_round)); }
-    // The user clicks a notice.
-    void clickDefault(uint id)
+    void fromDesktop(const QString& signal, uint id, const QVariant& detail)
     {
-        QDBusMessage click = QDBusMessage::createSignal(kPath, kName, u"ActionInvoked"_s);
-        click << id << u"default"_s;
-        QVERIFY(desktop().send(click));
+        QDBusMessage m = QDBusMessage::createSignal(kPath, kName, signal);
+        m << id << detail;
+        QVERIFY(desktop().send(m));
     }
+    // The user clicks a notice.
+    void clickDefault(uint id) { fromDesktop(u"ActionInvoked"_s, id, u"default"_s); }
     // One refresh tick: the read, then every call it made to the desktop answered.
     void tick()
     {
