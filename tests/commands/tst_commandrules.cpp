@@ -176,8 +176,8 @@ private slots:
         QCOMPARE(notificationAttributes(u"1234"_s, 0, true, {}), u"1234;0"_s);
         QCOMPARE(notificationAttributes(u"0042"_s, 1, false, u"024"_s), u"0042;1;024"_s);
         QCOMPARE(notificationAttributes(u"0042"_s, 0, false, u"5"_s), u"0042;0;0"_s);
-        // Only the exact masculine "on" caption switches the relay off (both captions are
-        // walked in tst_unitcommands).
+        // Only the exact masculine "on" caption switches the relay off.
+        QCOMPARE(relayAttributes(u"0042"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΟΣ"_s), u"0042;0"_s);
         QCOMPARE(relayAttributes(u"1234"_s, {}), u"1234;1"_s);
         QCOMPARE(relayAttributes(u"1234"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s), u"1234;1"_s);
         QCOMPARE(bypassAttributes(u"12345678"_s, 17, 1), u"12345678;17;1"_s);

@@ -13,7 +13,6 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -38,57 +37,27 @@ public:
     void refreshNow() override { ++refreshes; }
 };
 
-// What happened while a command ran: the request rows that appeared and the
-// state of the window and the wait window from the moment our row was written.
-class RequestWatch {
-public:
-    RequestWatch(Database& db, QWidget& host, Clock& clock, const QString& ownRow)
-        : m_db(db), m_host(host), m_clock(clock), m_ownRow(ownRow)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, [this] { look(); });
-        m_timer.start(20);
-    }
-
-    QStringList rows; // "serial|type|attributes|completed|reply", each once
-    bool disabledAndWaitingWhileRowExisted = true;
-    QDateTime firstSeen; // of our row
-    // Runs once, when our row is first seen.
-    std::function<void()> onOwnRow;
-
-private:
-    void look()
-    {
-        Rows r = m_db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || '|' || "
-                           u"TrmReq_Attributes || '|' || TrmReq_Requestcompleted || '|' || "
-                           u"TrmReq_Requestreply AS r FROM Terminal_Requests"_s);
-        if (!r.next())
-            return;
-        do {
-            if (!rows.contains(r.textOr(u"r")))
-                rows << r.textOr(u"r");
-        } while (r.next());
-        if (!firstSeen.isValid()) {
-            if (!rows.contains(m_ownRow))
-                return; // only rows of others so far
-            firstSeen = m_clock.now();
-            if (onOwnRow)
-                std::exchange(onOwnRow, {})();
-        }
-        disabledAndWaitingWhileRowExisted &= !m_host.isEnabled() && GuiFixture::waitWindowShown();
-    }
-
-    Database& m_db;
-    QWidget& m_host;
-    Clock& m_clock;
-    QString m_ownRow;
-    QTimer m_timer;
-};
-
 constexpr auto kSimExe = SX_SIM_EXE;
+
+// One command from its first dialog to its end. Answers: cCODE (c- cancels), sENTRY,POINT
+// (s- cancels), iTEXT (i- cancels); sent: the row written after the serial, empty when none;
+// check: COLUMN=VALUE|VALUE of the unit's condition afterwards.
+struct Case {
+    void (*run)(AppContext&, CommandHost&);
+    QString serial;
+    QList<int> before; // notification, relay
+    QString answers, sent;
+    QStringList dialogs;
+    QString check;
+    int refreshes = 0;
+    QStringList simOptions;
+    QString meanwhile; // what else happens to the request table
+    QStringList left;  // the rows left afterwards
+};
 
 } // namespace
 
-Q_DECLARE_METATYPE(std::optional<QString>)
+Q_DECLARE_METATYPE(Case)
 
 class TestUnitCommands : public QObject {
     Q_OBJECT
@@ -96,7 +65,6 @@ class TestUnitCommands : public QObject {
     std::unique_ptr<GuiFixture> fx;
     std::unique_ptr<TestHost> host;
     std::unique_ptr<QProcess> sim;
-    std::unique_ptr<RequestWatch> watch;
     QStringList simMode{u"none"_s};
 
     // (Re)starts the simulator with extra run options unless it already runs so.
@@ -116,15 +84,12 @@ class TestUnitCommands : public QObject {
         if (!sim->waitForStarted(10000))
             return false;
         QByteArray out;
-        while (!out.contains("running on")) {
-            if (!sim->waitForReadyRead(10000)) {
-                qWarning("simulator: %s", out.constData());
-                return false;
-            }
+        while (!out.contains("running on") && sim->waitForReadyRead(10000))
             out += sim->readAll();
-        }
+        if (!out.contains("running on"))
+            qWarning("simulator: %s", out.constData());
         simMode = extra;
-        return true;
+        return out.contains("running on");
     }
 
     void stopSimulator()
@@ -136,12 +101,6 @@ class TestUnitCommands : public QObject {
             sim->kill();
         sim.reset();
         simMode = {u"none"_s};
-    }
-
-    int requestRows()
-    {
-        Rows r = fx->db.readFirst(u"SELECT COUNT(*) AS n FROM Terminal_Requests"_s);
-        return r.next() ? int(r.intOr(u"n", -1)) : -1;
     }
 
     // The request rows as "serial|type|attributes|completed".
@@ -186,19 +145,7 @@ private slots:
         host->show();
     }
 
-    void cleanupTestCase()
-    {
-        stopSimulator();
-        watch.reset();
-        host.reset();
-        fx.reset();
-    }
-
-    void init()
-    {
-        if (fx)
-            fx->clock.runFaster(1);
-    }
+    void cleanupTestCase() { stopSimulator(); }
 
     void cleanup()
     {
@@ -208,35 +155,23 @@ private slots:
         QCOMPARE(fx->dialogs.pendingAnswers(), 0);
         QVERIFY(host->isEnabled());
         QVERIFY(!GuiFixture::waitWindowShown());
-        QCOMPARE(requestRows(), 0);
+        QVERIFY(requestsLeft().isEmpty());
     }
 
-    // Every command from its first dialog to its end. Answers: cCODE (c- cancels), sENTRY,POINT
-    // (s- cancels), iTEXT (i- cancels); sent: the row written after the serial, empty when none;
-    // check: COLUMN=VALUE|VALUE of the unit's condition afterwards.
     void commands_data()
     {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QString>("serial");
-        QTest::addColumn<QStringList>("simOptions");
-        QTest::addColumn<QList<int>>("before"); // notification, relay
-        QTest::addColumn<QString>("answers");
-        QTest::addColumn<QString>("sent");
-        QTest::addColumn<QStringList>("dialogs");
-        QTest::addColumn<QString>("check");
-        QTest::addColumn<int>("refreshes");
-        QTest::addColumn<QString>("meanwhile"); // what else happens to the request table
-        QTest::addColumn<QStringList>("left");  // the rows left afterwards
-        const auto row = [](const char* name, const char* command, const QString& serial,
+        QTest::addColumn<Case>("c");
+        const auto row = [](const char* name, auto run, const QString& serial,
                             const QList<int>& before, const QString& answers, const QString& sent,
                             const QStringList& dialogs, const QString& check, int refreshes,
                             const QStringList& simOptions = {}, const QString& meanwhile = {},
                             const QStringList& left = {}) {
-            QTest::newRow(name) << QString::fromLatin1(command) << serial << simOptions << before
-                                << answers << sent << dialogs << check << refreshes << meanwhile
-                                << left;
+            QTest::newRow(name) << Case{run,   serial,    before,     answers,   sent, dialogs,
+                                        check, refreshes, simOptions, meanwhile, left};
         };
         using namespace commands;
+        const auto relayCmd = runRelayCommand, notifyCmd = runNotificationCommand,
+                   bypassCmd = runBypassCommand;
         const QString a1 = u"SX100002"_s, c1 = u"SX100001"_s;
         const QString relayAsk = ask(relayTitle(), securityCodePrompt());
         const QString entryAsk = ask(notificationTitle(), entryCodePrompt());
@@ -250,121 +185,94 @@ private slots:
                 u"[1] Ανώνυμη ζώνη;[3] Εξωτερικός χώρος;[4] Πίεση δικτύου;"
                 u"[5] Αποθήκη φαρμάκων;[6] Δεξαμενή;|;ΕΝΕΡΓΟΠΟΙΗΜΕΝΟ;ΠΑΡΑΚΑΜΨΗ"_s.split(u';'));
         const QString relay = u"SyCC_RelayBcondition="_s, alarm = u"SyCC_Alarmcondition="_s;
-
-        // The caption shown follows the stored relay; the leading zero of the code is kept.
-        row("relay shown off is switched on", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, relay + u"1"_s, 1);
-        row("relay shown on is switched off", "relay", a1, {0, 1}, u"c0042"_s, u"2|0042;0"_s,
-            {relayAsk}, relay + u"0"_s, 1);
+        const QString code = u"c0042"_s, sentOn = u"2|0042;1"_s, relayOn = relay + u"1"_s;
+        const QString relayOff = relay + u"0"_s;
+        const auto relaySays = [&](Icon icon, const QString& text, const QString& title = {}) {
+            return QStringList{relayAsk, say(icon, title.isEmpty() ? relayTitle() : title, text)};
+        };
+        const auto delaySays = [&](const QString& text) {
+            return QStringList{entryAsk, twoStates, delayAsk,
+                               say(Icon::Exclamation, appTitle(), text)};
+        };
+        // The leading zero of the code is kept.
+        row("relay shown off is switched on", relayCmd, a1, {0, 0}, code, sentOn, {relayAsk},
+            relayOn, 1);
         // Replies that carry nothing out.
-        row("reply 2, wrong code", "relay", a1, {0, 0}, u"c9999"_s, u"2|9999;1"_s,
-            {relayAsk, say(Icon::Critical, relayTitle(), kBadCode)}, relay + u"0"_s, 1);
-        row("reply 3, unit offline", "relay", u"SX100004"_s, {0, 0}, u"c1234"_s, u"2|1234;1"_s,
-            {relayAsk, say(Icon::Critical, relayTitle(), kUnitOffline)}, relay + u"0"_s, 1);
-        row("reply 4, unit programming", "relay", u"SX100005"_s, {0, 0}, u"c1234"_s, u"2|1234;1"_s,
-            {relayAsk, say(Icon::Exclamation, relayTitle(), kUnitProgramming)}, relay + u"0"_s, 1);
-        row("reply 6 forced, as 5", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk, say(Icon::Exclamation, relayTitle(), kNotAvailable)}, relay + u"0"_s, 1,
-            {u"--reply"_s, u"6"_s});
+        row("reply 2, wrong code", relayCmd, a1, {0, 0}, u"c9999"_s, u"2|9999;1"_s,
+            relaySays(Icon::Critical, kBadCode), relayOff, 1);
+        row("reply 4, unit programming", relayCmd, u"SX100005"_s, {0, 0}, u"c1234"_s, u"2|1234;1"_s,
+            relaySays(Icon::Exclamation, kUnitProgramming), relayOff, 1);
+        row("reply 6 forced, as 5", relayCmd, a1, {0, 0}, code, sentOn,
+            relaySays(Icon::Exclamation, kNotAvailable), relayOff, 1, {u"--reply"_s, u"6"_s});
         // Automatic flips between off (2) and on (3) by the unit's own timetable; no delay asked.
-        row("extended unit, automatic", "notification", c1, {0, 0}, u"c1234 s2,-1"_s, u"1|1234;2"_s,
+        row("extended unit, automatic", notifyCmd, c1, {0, 0}, u"c1234 s2,-1"_s, u"1|1234;2"_s,
             {ask(notificationTitle(), securityCodePrompt()),
              ask(u"Επιλογή κατάστασης τηλεφωνικής ειδοποίησης"_s, u"Παρακαλώ επιλέξτε"_s,
                  {u"ΑΠΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΕΝΕΡΓΟΠΟΙΗΜΕΝΗ"_s, u"ΑΥΤΟΜΑΤΗ"_s})},
             alarm + u"2|3"_s, 1);
-        row("1B at 1.14, enabled, 24 h", "notification", a1, {0, 0}, u"c0042 s1,-1 i24"_s,
+        row("1B at 1.14, enabled, 24 h", notifyCmd, a1, {0, 0}, u"c0042 s1,-1 i24"_s,
             u"1|0042;1;24"_s, {entryAsk, twoStates, delayAsk}, alarm + u"1"_s, 1);
-        row("disabled sends 0 hours, no question", "notification", a1, {1, 0}, u"c0042 s0,-1"_s,
+        row("disabled sends 0 hours, no question", notifyCmd, a1, {1, 0}, u"c0042 s0,-1"_s,
             u"1|0042;0;0"_s, {entryAsk, twoStates}, alarm + u"0"_s, 1);
-        row("bypass lists the points in use", "bypass", a1, {0, 0}, u"c0042 s1,1"_s,
+        row("bypass lists the points in use", bypassCmd, a1, {0, 0}, u"c0042 s1,1"_s,
             u"3|0042;3;1"_s, {bypassAsk, points}, {}, 1);
         // Refused before anything is written.
         const QString delayRefused = u"c0042 s1,-1 i"_s;
-        row("delay 25", "notification", a1, {}, delayRefused + u"25"_s, {},
-            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), kDelayRange)}, {},
+        row("delay 25", notifyCmd, a1, {}, delayRefused + u"25"_s, {}, delaySays(kDelayRange), {},
             0);
-        row("delay cancelled", "notification", a1, {}, delayRefused + u"-"_s, {},
-            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), kDelayRange)}, {},
+        row("delay 1.5", notifyCmd, a1, {}, delayRefused + u"1.5"_s, {}, delaySays(kBadChoice), {},
             0);
-        row("delay 1.5", "notification", a1, {}, delayRefused + u"1.5"_s, {},
-            {entryAsk, twoStates, delayAsk, say(Icon::Exclamation, appTitle(), kBadChoice)}, {}, 0);
         // One code check per command: they share the prompt and its checks.
-        row("relay, code of 3 digits", "relay", a1, {}, u"c123"_s, {},
-            {relayAsk, say(Icon::Exclamation, relayTitle(), kCodeLength)}, {}, 0);
-        row("notification, code 12a4", "notification", a1, {}, u"c12a4"_s, {},
+        row("relay, code of 3 digits", relayCmd, a1, {}, u"c123"_s, {},
+            relaySays(Icon::Exclamation, kCodeLength), {}, 0);
+        row("notification, code 12a4", notifyCmd, a1, {}, u"c12a4"_s, {},
             {entryAsk, say(Icon::Exclamation, notificationTitle(), kCodeDigits)}, {}, 0);
-        row("bypass, code cancelled, silent", "bypass", a1, {}, u"c-"_s, {}, {bypassAsk}, {}, 0);
-        row("notification, selection cancelled", "notification", a1, {}, u"c0042 s-"_s, {},
+        row("notification, selection cancelled", notifyCmd, a1, {}, u"c0042 s-"_s, {},
             {entryAsk, twoStates}, {}, 0);
-        row("bypass, selection cancelled", "bypass", a1, {}, u"c0042 s-"_s, {}, {bypassAsk, points},
-            {}, 0);
-        row("bypass without points in use, no code asked", "bypass", u"SX100006"_s, {}, {}, {},
+        row("bypass, selection cancelled", bypassCmd, a1, {}, u"c0042 s-"_s, {},
+            {bypassAsk, points}, {}, 0);
+        row("bypass without points in use, no code asked", bypassCmd, u"SX100006"_s, {}, {}, {},
             {say(Icon::Exclamation, bypassTitle(), kNoPointsInUse)}, {}, 0);
-        row("missing unit is unreachable", "relay", u"NO-SUCH"_s, {}, {}, {},
+        row("missing unit is unreachable", relayCmd, u"NO-SUCH"_s, {}, {}, {},
             {say(Icon::Critical, relayTitle(), kUnitOffline)}, {}, 1);
-        // A stale, answered row of another console must not be taken for ours.
-        row("other rows of the unit are left alone", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, relay + u"1"_s, 1, {}, u"stale"_s, {u"SX100002|3|0042;1;0|1"_s});
         // An answered row like ours, left from an earlier command (reply 2), is not our
         // answer; it is another console's to remove, unless rows name no console.
-        row("a leftover answer is not ours", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, relay + u"1"_s, 1, {}, u"leftover"_s, {u"SX100002|2|0042;1|1"_s});
-        row("without owners a leftover answer goes", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, relay + u"1"_s, 1, {}, u"old leftover"_s);
-        // Another console sends the same command while we wait: the server answers both
-        // rows at once (it waits a second here, so that both are there), and that console's
-        // row stays for it to read and remove.
-        row("the same command from another console", "relay", a1, {0, 0}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, relay + u"1"_s, 1, {u"--answer-delay"_s, u"1000"_s}, u"twin"_s,
-            {u"SX100002|2|0042;1|1"_s});
+        row("a leftover answer is not ours", relayCmd, a1, {0, 0}, code, sentOn, {relayAsk},
+            relayOn, 1, {}, u"leftover"_s, {u"SX100002|2|0042;1|1"_s});
+        row("without owners a leftover answer goes", relayCmd, a1, {0, 0}, code, sentOn, {relayAsk},
+            relayOn, 1, {}, u"old leftover"_s);
         // Without a server: someone else (a server tidying up) removes the row while we wait,
         // or the table is gone; a failed query is reported and the window stays usable.
         const QStringList stopped{u"stopped"_s};
-        row("vanished row ends without message", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk}, {}, 1, stopped, u"delete later"_s);
-        // The test answers 2 itself. Another console's row like ours comes after the answer:
-        // ours goes, the one still waiting stays.
-        const QStringList wrongCode{relayAsk, say(Icon::Critical, relayTitle(), kBadCode)};
-        row("the same command from another console, after our answer", "relay", a1, {}, u"c0042"_s,
-            u"2|0042;1"_s, wrongCode, {}, 1, stopped, u"late twin"_s, {u"SX100002|2|0042;1|0"_s});
-        // The row cannot be removed after the answer and the console ends: the next start
-        // removes it.
-        row("a row left behind goes at the next start", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
+        row("vanished row ends without message", relayCmd, a1, {}, code, sentOn, {relayAsk}, {}, 1,
+            stopped, u"delete later"_s);
+        // The test answers 2 itself. The row cannot be removed after the answer and the
+        // console ends: the next start removes it.
+        const QStringList wrongCode = relaySays(Icon::Critical, kBadCode);
+        row("a row left behind goes at the next start", relayCmd, a1, {}, code, sentOn,
             wrongCode + QStringList{say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped,
             u"restart"_s, {u"SX100002|2|0042;1|1"_s});
-        row("the poll fails", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop later"_s);
-        row("the write fails", "relay", a1, {}, u"c0042"_s, {},
-            {relayAsk, say(Icon::Critical, appTitle(), u"*"_s)}, {}, 1, stopped, u"drop"_s);
+        row("the poll fails", relayCmd, a1, {}, code, sentOn,
+            relaySays(Icon::Critical, u"*"_s, appTitle()), {}, 1, stopped, u"drop later"_s);
+        row("the write fails", relayCmd, a1, {}, code, {},
+            relaySays(Icon::Critical, u"*"_s, appTitle()), {}, 1, stopped, u"drop"_s);
         // Nobody answers: a minute on, whole seconds by the clock, the row is taken back.
-        row("silent server times out", "relay", a1, {}, u"c0042"_s, u"2|0042;1"_s,
-            {relayAsk, say(Icon::Critical, relayTitle(), kNoAnswer)}, {}, 1, {u"--no-answer"_s},
-            u"silent"_s);
+        row("silent server times out", relayCmd, a1, {}, code, sentOn,
+            relaySays(Icon::Critical, kNoAnswer), {}, 1, {u"--no-answer"_s}, u"silent"_s);
     }
 
     void commands()
     {
-        QFETCH(QString, command);
-        QFETCH(QString, serial);
-        QFETCH(QStringList, simOptions);
-        QFETCH(QList<int>, before);
-        QFETCH(QString, answers);
-        QFETCH(QString, sent);
-        QFETCH(QStringList, dialogs);
-        QFETCH(QString, check);
-        QFETCH(int, refreshes);
-        QFETCH(QString, meanwhile);
-        QFETCH(QStringList, left);
-        QVERIFY(useSimulator(simOptions));
+        QFETCH(Case, c);
+        fx->clock.runFaster(1);
+        const QString &serial = c.serial, &sent = c.sent, &meanwhile = c.meanwhile;
+        QVERIFY(useSimulator(c.simOptions));
         const int reports = fx->failures->reportsShown();
         const auto drop = [this] { (void)fx->db.exec(u"DROP TABLE Terminal_Requests"_s); };
-        const QString insert = u"INSERT INTO Terminal_Requests VALUES "_s;
         // The console that ends mid-way, and the file it leaves for the next start.
         std::unique_ptr<QueryFailureReporter> ending;
         const QString pendingFile = fx->settings->pendingStatementsFile();
-        if (meanwhile == u"stale")
-            QVERIFY(fx->exec(insert + u"('SX100002', 3, '0042;1;0', 1, 2, NULL)"_s));
-        else if (meanwhile.endsWith(u"leftover")) {
+        if (meanwhile.endsWith(u"leftover")) {
             // A database of an older server: its rows name no console.
             if (meanwhile == u"old leftover")
                 QVERIFY(
@@ -385,26 +293,26 @@ private slots:
             fx->clock.runFaster(20); // twenty seconds pass for every real one
         else if (meanwhile == u"delete later")
             QTimer::singleShot(700, [this] { (void)fx->exec(u"DELETE FROM Terminal_Requests"_s); });
-        if (!before.isEmpty()) {
-            QVERIFY(
-                fx->exec(u"UPDATE Systems_Current_Condition SET SyCC_Alarmcondition=%1, "
-                         u"SyCC_RelayBcondition=%2 WHERE SyCC_SyI_Serialnumber=%3"_s.arg(before[0])
-                             .arg(before[1])
-                             .arg(sqlQuote(serial))));
-            host->caption = before[1] ? kRelayOn : kRelayOff;
+        if (!c.before.isEmpty()) {
+            QVERIFY(fx->exec(
+                u"UPDATE Systems_Current_Condition SET SyCC_Alarmcondition=%1, "
+                u"SyCC_RelayBcondition=%2 WHERE SyCC_SyI_Serialnumber=%3"_s.arg(c.before[0])
+                    .arg(c.before[1])
+                    .arg(sqlQuote(serial))));
+            host->caption = c.before[1] ? kRelayOn : kRelayOff;
         }
-        for (const QString& a : answers.split(u' ', Qt::SkipEmptyParts)) {
+        for (const QString& a : c.answers.split(u' ', Qt::SkipEmptyParts)) {
             const QString v = a.mid(1);
             const auto typed = v == u"-" ? std::nullopt : std::optional<QString>(v);
             if (a.startsWith(u'c'))
                 fx->dialogs.answerCode(typed);
             else if (a.startsWith(u'i'))
                 fx->dialogs.answerInput(typed);
-            else if (typed)
-                fx->dialogs.answerSelection(
-                    Selection{v.section(u',', 0, 0).toInt(), v.section(u',', 1).toInt()});
             else
-                fx->dialogs.answerSelection(std::nullopt);
+                fx->dialogs.answerSelection(
+                    typed ? std::optional(Selection{v.section(u',', 0, 0).toInt(),
+                                                    v.section(u',', 1).toInt()})
+                          : std::nullopt);
         }
         // The window stays disabled while a selection list is up.
         bool disabledAtSelection = true;
@@ -413,36 +321,42 @@ private slots:
             disabledAtSelection &= s.kind != u"selection" || !host->isEnabled();
             if (s.kind == u"message")
                 messageAt = fx->clock.now();
-            if (s.text != kBadCode)
-                return;
-            if (meanwhile == u"late twin")
-                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
-            else if (meanwhile == u"restart") // nothing there to remove after the answer
+            if (s.text == kBadCode && meanwhile == u"restart") // nothing to remove after the answer
                 QVERIFY(fx->exec(u"ALTER TABLE Terminal_Requests RENAME TO Requests_away"_s));
         };
-        const QHash<QString, void (*)(AppContext&, CommandHost&)> byName{
-            {u"relay"_s, runRelayCommand},
-            {u"notification"_s, runNotificationCommand},
-            {u"bypass"_s, runBypassCommand}};
         host->serial = serial;
         host->refreshes = 0;
         fx->dialogs.clearShown();
-        watch = std::make_unique<RequestWatch>(fx->db, *host, fx->clock,
-                                               serial + u"|"_s + sent + u"|0|0"_s);
-        if (meanwhile == u"twin")
-            watch->onOwnRow = [&] {
-                QVERIFY(fx->exec(insert + u"('SX100002', 2, '0042;1', 0, 0, NULL)"_s));
-            };
-        else if (meanwhile == u"late twin" || meanwhile == u"restart")
-            watch->onOwnRow = [this] { // as the server would
-                QVERIFY(fx->exec(u"UPDATE Terminal_Requests SET TrmReq_Requestcompleted=1, "
-                                 u"TrmReq_Requestreply=2"_s));
-            };
-        byName[command](fx->ctx, *host);
-        const QStringList rows = watch->rows;
-        const bool disabledAndWaiting = watch->disabledAndWaitingWhileRowExisted;
-        const QDateTime firstSeen = watch->firstSeen;
-        watch.reset();
+        // What happens while the command runs: the request rows that appear, and the window
+        // and the wait window from the moment our row is first seen.
+        const QString own = serial + u"|"_s + sent + u"|0|0"_s;
+        QStringList rows; // "serial|type|attributes|completed|reply", each once
+        bool disabledAndWaiting = true;
+        QDateTime firstSeen;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            Rows r = fx->db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || "
+                                 u"'|' || TrmReq_Attributes || '|' || TrmReq_Requestcompleted || "
+                                 u"'|' || TrmReq_Requestreply AS r FROM Terminal_Requests"_s);
+            if (!r.next())
+                return;
+            do {
+                if (!rows.contains(r.textOr(u"r")))
+                    rows << r.textOr(u"r");
+            } while (r.next());
+            if (!firstSeen.isValid()) {
+                if (!rows.contains(own))
+                    return; // only rows of others so far
+                firstSeen = fx->clock.now();
+                if (meanwhile == u"restart") // as the server would
+                    QVERIFY(fx->exec(u"UPDATE Terminal_Requests SET TrmReq_Requestcompleted=1, "
+                                     u"TrmReq_Requestreply=2"_s));
+            }
+            disabledAndWaiting &= !host->isEnabled() && GuiFixture::waitWindowShown();
+        });
+        watch.start(20);
+        c.run(fx->ctx, *host);
+        watch.stop();
         fx->dialogs.onShown = {};
         // Put the table back as it was before anything can fail.
         if (ending) {
@@ -464,40 +378,38 @@ private slots:
             QueryFailureReporter next(fx->ctx);
             next.keepPendingIn(pendingFile);
             next.runPending();
-            QTRY_COMPARE(requestRows(), 0);
+            QTRY_VERIFY(requestsLeft().isEmpty());
             QTRY_VERIFY(!QFile::exists(pendingFile));
         }
         if (!leftOver.isEmpty())
             QVERIFY(fx->exec(u"DELETE FROM Terminal_Requests"_s));
 
-        QVERIFY2(sent.isEmpty() ? rows.isEmpty()
-                                : rows.contains(serial + u"|"_s + sent + u"|0|0"_s),
-                 qPrintable(rows.join(u' ')));
+        QVERIFY2(sent.isEmpty() ? rows.isEmpty() : rows.contains(own), qPrintable(rows.join(u' ')));
         QVERIFY(disabledAndWaiting);
         QVERIFY(disabledAtSelection);
         QStringList shown;
         for (const auto& s : fx->dialogs.shown())
             shown << (s.kind == u"message" ? say(s.icon, s.title, s.text)
                                            : ask(s.title, s.text, s.items));
-        for (qsizetype i = 0; i < qMin(shown.size(), dialogs.size()); ++i) {
-            if (dialogs[i].endsWith(u'*')) // the database's own words follow
-                shown[i] = shown[i].left(dialogs[i].size() - 1) + u'*';
+        for (qsizetype i = 0; i < qMin(shown.size(), c.dialogs.size()); ++i) {
+            if (c.dialogs[i].endsWith(u'*')) // the database's own words follow
+                shown[i] = shown[i].left(c.dialogs[i].size() - 1) + u'*';
         }
-        QCOMPARE(shown, dialogs);
-        QCOMPARE(host->refreshes, refreshes);
+        QCOMPARE(shown, c.dialogs);
+        QCOMPARE(host->refreshes, c.refreshes);
         QCOMPARE(fx->failures->reportsShown(), reports + meanwhile.startsWith(u"drop"));
-        QCOMPARE(leftOver, left);
+        QCOMPARE(leftOver, c.left);
         if (meanwhile == u"silent") {
             // Polls are 10 s apart here and the row is first seen up to 0.4 s late.
             const qint64 waited = firstSeen.msecsTo(messageAt);
             QVERIFY2(waited > 59000 && waited <= 72000, qPrintable(QString::number(waited)));
         }
-        if (!check.isEmpty()) {
+        if (!c.check.isEmpty()) {
             Rows r = fx->db.readFirst(
                 u"SELECT %1 AS v FROM Systems_Current_Condition WHERE "
-                u"SyCC_SyI_Serialnumber=%2"_s.arg(check.section(u'=', 0, 0), sqlQuote(serial)));
+                u"SyCC_SyI_Serialnumber=%2"_s.arg(c.check.section(u'=', 0, 0), sqlQuote(serial)));
             const QString now = r.next() ? QString::number(r.intOr(u"v", -99)) : u"none"_s;
-            QVERIFY2(check.section(u'=', 1).split(u'|').contains(now), qPrintable(now));
+            QVERIFY2(c.check.section(u'=', 1).split(u'|').contains(now), qPrintable(now));
         }
     }
 };

@@ -28,14 +28,11 @@ using namespace sx;
 namespace {
 
 struct Sent {
-    QString app;
+    QString from; // application|icon|desktop entry|actions
     uint replaces = 0;
-    QString icon;
     QString summary;
     QString body;
-    QStringList actions;
     int urgency = -1;
-    QString desktopEntry;
     uint id = 0;
 };
 
@@ -58,8 +55,10 @@ public slots:
             return 0;
         }
         const uint id = replaces ? replaces : ++m_lastId;
-        sent.append({app, replaces, icon, summary, body, actions, hints.value(u"urgency"_s).toInt(),
-                     hints.value(u"desktop-entry"_s).toString(), id});
+        const QString from =
+            QStringList{app, icon, hints.value(u"desktop-entry"_s).toString(), actions.join(u',')}
+                .join(u'|');
+        sent.append({from, replaces, summary, body, hints.value(u"urgency"_s).toInt(), id});
         return id;
     }
     void CloseNotification(uint id) { closed.append(id); }
@@ -70,6 +69,8 @@ private:
 
 const QString kPath = u"/org/freedesktop/Notifications"_s;
 const QString kName = u"org.freedesktop.Notifications"_s;
+const QString kAlarmU1 =
+    u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=%1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=%2"_s;
 
 } // namespace
 
@@ -111,21 +112,18 @@ private slots:
                 seed.pointCondition(u"U2"_s, 1, u"70"_s, u"1"_s, u"1"_s));
 
         ++m_round;
-        const QDBusConnection desktop =
+        QDBusConnection desktop =
             QDBusConnection::connectToBus(m_address, u"desktop%1"_s.arg(m_round));
-        QVERIFY(desktop.isConnected());
         m_receiver = std::make_unique<Receiver>();
-        QVERIFY(QDBusConnection(desktop).registerObject(kPath, m_receiver.get(),
-                                                        QDBusConnection::ExportAllSlots));
-        QVERIFY(QDBusConnection(desktop).registerService(kName));
+        QVERIFY(desktop.registerObject(kPath, m_receiver.get(), QDBusConnection::ExportAllSlots));
+        QVERIFY(desktop.registerService(kName));
 
         m_main = std::make_unique<MainWindow>(m_fx->ctx);
         m_fx->navigator->setMainView(m_main.get());
         fillSystemSelect(*m_main, 0, false);
         m_main->refreshTimer()->stop();
-        const QDBusConnection console =
-            QDBusConnection::connectToBus(m_address, u"console%1"_s.arg(m_round));
-        m_watch = std::make_unique<FleetWatch>(m_fx->ctx, console);
+        m_watch = std::make_unique<FleetWatch>(
+            m_fx->ctx, QDBusConnection::connectToBus(m_address, u"console%1"_s.arg(m_round)));
         tick();
     }
     void cleanup()
@@ -133,9 +131,8 @@ private slots:
         m_watch.reset();
         m_main.reset();
         if (m_receiver) {
-            QDBusConnection desktop(u"desktop%1"_s.arg(m_round));
-            desktop.unregisterService(kName);
-            desktop.unregisterObject(kPath);
+            desktop().unregisterService(kName);
+            desktop().unregisterObject(kPath);
         }
         QDBusConnection::disconnectFromBus(u"console%1"_s.arg(m_round));
         QDBusConnection::disconnectFromBus(u"desktop%1"_s.arg(m_round));
@@ -175,14 +172,12 @@ private slots:
         QCOMPARE(m_receiver->sent.size(), 1);
         const Sent& s = m_receiver->sent.first();
         // The installed entry gives the desktop the console's name and icon.
-        QCOMPARE(s.app, u"SENTORAX Monitor"_s);
-        QCOMPARE(s.icon, u"gr.sentorax.Monitor"_s);
-        QCOMPARE(s.desktopEntry, u"gr.sentorax.Monitor"_s);
+        QCOMPARE(s.from,
+                 u"SENTORAX Monitor|gr.sentorax.Monitor|gr.sentorax.Monitor|default,Άνοιγμα"_s);
         QCOMPARE(s.replaces, 0u);
         QTEST(s.summary, "summary");
         QTEST(s.body, "body");
         QTEST(s.urgency, "urgency");
-        QCOMPARE(s.actions, (QStringList{u"default"_s, u"Άνοιγμα"_s}));
         // Its default action opens the unit in the main view, but not under a
         // statement on its way.
         QCOMPARE(m_main->selectedSerial(), u"U2"_s);
@@ -210,9 +205,7 @@ private slots:
         tick();
         QCOMPARE(m_receiver->sent.size(), 0);
         const auto setAlarm = [this](int on) {
-            QVERIFY(m_fx->exec(
-                u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=%1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=1"_s
-                    .arg(on)));
+            QVERIFY(m_fx->exec(kAlarmU1.arg(on).arg(1)));
             tick();
         };
         setAlarm(1);
@@ -267,8 +260,7 @@ private slots:
         QCOMPARE(m_receiver->sent.size(), 5);
         // A sixth unit: the five make way for one digest that names all six.
         m_fx->clock.advance(30'000);
-        QVERIFY(m_fx->exec(
-            u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=2"_s));
+        QVERIFY(m_fx->exec(kAlarmU1.arg(1).arg(2)));
         tick();
         QCOMPARE(m_receiver->sent.size(), 6);
         QCOMPARE(m_receiver->closed, (QList<uint>{1, 2, 3, 4, 5}));
@@ -297,9 +289,7 @@ private slots:
 
         // Closed on the desktop: the next unit has a notice of its own again.
         QSignalSpy gone(m_watch->desktop(), &DesktopNotifications::closed);
-        QDBusMessage closed = QDBusMessage::createSignal(kPath, kName, u"NotificationClosed"_s);
-        closed << digest.id << 2u;
-        QVERIFY(QDBusConnection(u"desktop%1"_s.arg(m_round)).send(closed));
+        fromDesktop(u"NotificationClosed"_s, digest.id, 2u);
         QTRY_COMPARE(gone.size(), 1);
         m_fx->clock.advance(61'000);
         QVERIFY(seed.newPointMessage(u"U3"_s));
@@ -319,7 +309,7 @@ private slots:
     {
         QFETCH(int, how);
         if (how == 0)
-            QVERIFY(QDBusConnection(u"desktop%1"_s.arg(m_round)).unregisterService(kName));
+            QVERIFY(desktop().unregisterService(kName));
         if (how == 1) {
             m_watch.reset();
             m_watch = std::make_unique<FleetWatch>(m_fx->ctx, QDBusConnection(u"sx-no-bus"_s));
@@ -337,9 +327,8 @@ private slots:
             QCOMPARE(notes.first()->text(), QString::fromUtf16(kNoDesktopNotices));
             QVERIFY(m_fx->dialogs.shown().isEmpty());
         };
-        alarm(
-            u"UPDATE Sensors_Current_Condition SET SeCC_Alarmcondition=1 WHERE SeCC_SyI_Serialnumber='U1' AND SeCC_Sensornumber=1"_s,
-            u"Ψυκτικός θάλαμος [7]: Συναγερμός στη ζώνη [1] Κρέατα: 4.0 °C"_s);
+        alarm(kAlarmU1.arg(1).arg(1),
+              u"Ψυκτικός θάλαμος [7]: Συναγερμός στη ζώνη [1] Κρέατα: 4.0 °C"_s);
         alarm(
             u"INSERT INTO Systems_Faults (SyF_SyI_Serialnumber, SyF_Faulttype, SyF_Faultinfo) VALUES ('U3', 0, '3')"_s,
             u"Αποθήκη U3 [7]: Βλάβη: ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s);
@@ -347,13 +336,15 @@ private slots:
     }
 
 private:
-    // The user clicks a notice.
-    void clickDefault(uint id)
+    QDBusConnection desktop() const { return QDBusConnection(u"desktop%1"_s.arg(m_round)); }
+    void fromDesktop(const QString& signal, uint id, const QVariant& detail)
     {
-        QDBusMessage click = QDBusMessage::createSignal(kPath, kName, u"ActionInvoked"_s);
-        click << id << u"default"_s;
-        QVERIFY(QDBusConnection(u"desktop%1"_s.arg(m_round)).send(click));
+        QDBusMessage m = QDBusMessage::createSignal(kPath, kName, signal);
+        m << id << detail;
+        QVERIFY(desktop().send(m));
     }
+    // The user clicks a notice.
+    void clickDefault(uint id) { fromDesktop(u"ActionInvoked"_s, id, u"default"_s); }
     // One refresh tick: the read, then every call it made to the desktop answered.
     void tick()
     {

@@ -26,6 +26,7 @@
 #include <QTableWidget>
 #include <QTest>
 
+#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -45,12 +46,6 @@ struct Profile {
     QStringList dates;
     QString serial;
 };
-
-} // namespace
-
-Q_DECLARE_METATYPE(Profile)
-
-namespace {
 
 const QString kLongName = u"Ζώνη 'α' \"β\" "_s.repeated(300);
 
@@ -163,6 +158,8 @@ QString clippedCell(const QTableView& view)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Profile)
+
 // Every table full of hostile values, every unit walked through the four
 // views, the graph and every report: nothing may crash, throw, fail a query or
 // show a number that does not fit its place.
@@ -170,19 +167,6 @@ class TestHostileData : public QObject {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_fx = std::make_unique<GuiFixture>();
-        SX_REQUIRE_FIXTURE(*m_fx);
-        m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
-    }
-    void cleanup()
-    {
-        m_fx.reset();
-        m_refusals.clear();
-        m_graphs = 0;
-    }
-
     void everyViewSurvives_data()
     {
         QTest::addColumn<Profile>("profile");
@@ -210,6 +194,12 @@ private slots:
     void everyViewSurvives()
     {
         QFETCH(Profile, profile);
+        m_fx.reset();
+        m_fx = std::make_unique<GuiFixture>();
+        SX_REQUIRE_FIXTURE(*m_fx);
+        m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
+        m_refusals.clear();
+        m_graphs = 0;
         QVERIFY(seedUnit(*m_fx, profile, profile.serial));
         QVERIFY(seedUnit(*m_fx, profile, profile.serial + u"2"_s));
         const int units = int(readUnitList(m_fx->db).size());
@@ -232,8 +222,11 @@ private slots:
     }
 
 private:
-    static void expectReport(const char* step, const QString& pdf)
+    // Prints into a file that must then hold some text.
+    void expectReport(const char* step, const std::function<void()>& print)
     {
+        const QString pdf = m_fx->answerPdf();
+        print();
         QVERIFY2(!pdfPages(pdf).join(QString()).trimmed().isEmpty(), step);
     }
 
@@ -248,9 +241,8 @@ private:
             QVERIFY(!w.databaseLost());
             for (QTableWidget* grid : {w.pointsGrid(), w.powerGrid()})
                 QCOMPARE(clippedCell(*grid), QString());
-            const QString pdf = m_fx->answerPdf();
-            printCurrentCondition(m_fx->ctx, &w, m_fx->ctx.serialAt(u));
-            expectReport("current condition", pdf);
+            expectReport("current condition",
+                         [&] { printCurrentCondition(m_fx->ctx, &w, m_fx->ctx.serialAt(u)); });
         }
     }
 
@@ -271,24 +263,18 @@ private:
                 QCOMPARE(clippedCell(*w.grid()), QString());
                 w.selectRows(0, rows - 1, 0);
                 // One printout per unit keeps the run short; every zone is shown.
-                const bool print = z == 0;
-                if (print) {
-                    const QString pdf = m_fx->answerPdf();
-                    w.printRecords();
-                    expectReport("records", pdf);
-                }
+                if (z == 0)
+                    expectReport("records", [&] { w.printRecords(); });
                 w.graphButton()->click();
-                std::unique_ptr<GraphWindow> g(w.findChild<GraphWindow*>());
-                if (g) {
-                    ++m_graphs;
-                    walkGraph(*g, print);
-                }
+                if (std::unique_ptr<GraphWindow> g(w.findChild<GraphWindow*>()); g)
+                    walkGraph(*g, z == 0);
             }
         }
     }
 
     void walkGraph(GraphWindow& g, bool print)
     {
+        ++m_graphs;
         QVERIFY(QTest::qWaitForWindowExposed(&g));
         // Every value label fits the label column.
         const graph::GraphView& v = g.state().view;
@@ -304,15 +290,11 @@ private:
                          Qt::NoButton, Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(g.chart(), &move);
         QTest::mouseClick(g.chart(), Qt::LeftButton, {}, mid);
-        if (!print)
-            return;
-        QString pdf = m_fx->answerPdf();
-        g.printButton()->click();
-        expectReport("graph", pdf);
-        g.markedOption()->setChecked(true);
-        pdf = m_fx->answerPdf();
-        g.printButton()->click();
-        expectReport("marked points", pdf);
+        for (const bool marked : {false, true}) {
+            g.markedOption()->setChecked(marked);
+            if (print)
+                expectReport(marked ? "marked points" : "graph", [&] { g.printButton()->click(); });
+        }
     }
 
     void walkEvents(int units)
@@ -332,19 +314,15 @@ private:
                     continue;
                 QCOMPARE(clippedCell(*w.grid()), QString());
                 w.selectAllEvents();
-                if (printed)
+                if (std::exchange(printed, true))
                     continue;
-                printed = true;
-                const QString pdf = m_fx->answerPdf();
-                w.printEvents();
-                expectReport("events", pdf);
+                expectReport("events", [&] { w.printEvents(); });
                 // Marking finds its rows by quoted serial and extreme sequence numbers.
                 const int before = w.model()->rowCount();
                 w.markSelected();
                 QCOMPARE(w.model()->rowCount(), before);
                 Rows marked = m_fx->db.read(u"SELECT COUNT(*) FROM Events_1 WHERE Event_Ack=0"_s);
-                QVERIFY(marked.next());
-                QVERIFY(marked.integer(0).value_or(0) >= before);
+                QVERIFY(marked.next() && marked.integer(0).value_or(0) >= before);
             }
         }
         QVERIFY(w.systemSelect()->count() == units + 1);
@@ -362,7 +340,7 @@ private:
             w.printList();
             // An empty list is refused with its own message instead of a report.
             if (m_fx->dialogs.messages().size() == before)
-                expectReport("messages", pdf);
+                QVERIFY(!pdfPages(pdf).join(QString()).trimmed().isEmpty());
             else
                 m_refusals << m_fx->dialogs.messages().last().text;
         }

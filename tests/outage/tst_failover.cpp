@@ -57,22 +57,22 @@ private slots:
         QString problem;
         QVERIFY2(makeReplicatedPair(primary, standby, u"sxfail"_s, 2, problem),
                  qPrintable(problem));
+        const QString url = pairUrl(primary, standby, u"sxfail"_s);
         ConnectionSettings pair;
-        QVERIFY(parseDbUrl(pairUrl(primary, standby, u"sxfail"_s), pair));
+        QVERIFY(parseDbUrl(url, pair));
         ConnectionSettings first = pair;
         first.serverIp = primary.address();
         first.serverPort = QString::number(primary.port());
 
         sim::SimOptions run;
         run.command = sim::SimCommand::Run;
-        run.dbUrl = pairUrl(primary, standby, u"sxfail"_s);
+        run.dbUrl = url;
         run.intervalMs = 500;
         run.answerDelayMs = 2000;
         std::atomic<bool> stopSim{false};
         std::thread simulator([&] {
             QString out;
-            QTextStream o(&out);
-            QTextStream e(&out);
+            QTextStream o(&out), e(&out);
             (void)sim::runSimCommand(run, o, e, stopSim);
         });
         const auto endSim = qScopeGuard([&] {
@@ -91,22 +91,20 @@ private slots:
 
         // Two events of one unit and one of the other, marked in one transaction that
         // waits on the last row, which another connection holds.
-        Database checker;
-        checker.allowGuiThread();
-        QVERIFY(!checker.open(first).isError());
+        Database locker;
+        locker.allowGuiThread();
+        QVERIFY(!locker.open(first).isError());
         QList<events::MarkTarget> targets;
         for (const QString& order : {u"ASC"_s, u"DESC"_s}) {
-            Rows r = checker.read(u"SELECT Event_SyI_Serialnumber, Event_SystemEventSN FROM "
-                                  u"Events_1 ORDER BY Event_SyI_Serialnumber "_s +
-                                  order + u", Event_SystemEventSN LIMIT 2"_s);
+            Rows r = locker.read(u"SELECT Event_SyI_Serialnumber, Event_SystemEventSN FROM "
+                                 u"Events_1 ORDER BY Event_SyI_Serialnumber "_s +
+                                 order + u", Event_SystemEventSN LIMIT 2"_s);
             while (r.next() && targets.size() < (order == u"ASC" ? 2 : 3))
                 targets.append({r.text(0).value_or(QString()), r.integer(1).value_or(0)});
         }
         QVERIFY(targets.size() == 3 && targets[0].serial != targets[2].serial);
         const QString marked = u"SELECT COUNT(*) FROM Events_1 WHERE Event_Ack=7"_s;
-        Database locker;
-        locker.allowGuiThread();
-        QVERIFY(!locker.open(first).isError() && !locker.exec(u"BEGIN"_s).isError());
+        QVERIFY(!locker.exec(u"BEGIN"_s).isError());
         QVERIFY(!locker
                      .exec(u"SELECT 1 FROM Events_1 WHERE Event_SyI_Serialnumber="_s +
                            sqlQuote(targets[2].serial) + u" AND Event_SystemEventSN="_s +
@@ -115,9 +113,7 @@ private slots:
 
         // The command waits for its answer and the marking for its lock: then the switch.
         QElapsedTimer clock;
-        qint64 stoppedAt = -1;
-        qint64 promotedAt = -1;
-        qint64 refreshedAt = -1;
+        qint64 stoppedAt = -1, promotedAt = -1, refreshedAt = -1;
         bool marking = false;
         std::optional<DbError> markDone;
         const QString renamed = u"ΜΕΤΑ ΤΗΝ ΑΛΛΑΓΗ"_s;
