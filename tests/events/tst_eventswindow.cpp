@@ -42,11 +42,6 @@ QStringList gridRows(const EventsModel* m)
     return out;
 }
 
-const QString kDelivery =
-    u"ΝΕΑ ΜΗΝΥΜΑΤΑ ΠΑΡΑΔΟΘΗΚΑΝ ΣΕ ΕΞΕΡΧΟΜΕΝΗ ΤΗΛΕΦΩΝΙΚΗ ΚΛΗΣΗ ΣΤΟΝ 2ο ΠΑΡΑΛΗΠΤΗ. Ο ΠΑΡΑΛΗΠΤΗΣ ΑΚΥΡΩΣΕ ΤΗΝ ΠΑΡΑΔΟΣΗ ΤΩΝ ΜΗΝΥΜΑΤΩΝ ΣΤΟΥΣ ΥΠΟΛΟΙΠΟΥΣ ΠΑΡΑΛΗΠΤΕΣ"_s;
-const QString kBypass =
-    u"ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ Η ΠΑΡΑΚΑΜΨΗ ΣΤΟ ΣΗΜΕΙΟ 4 (Είσοδος) ΓΙΑ 8 ΩΡΕΣ, ΜΕΣΩ ΤΗΣ ΚΕΝΤΡΙΚΗΣ ΜΟΝΑΔΑΣ ΤΟΥ ΣΥΣΤΗΜΑΤΟΣ"_s;
-
 } // namespace
 
 // The events window on a real database: controls, the source list, the
@@ -149,9 +144,6 @@ private slots:
             << QStringList{u"Ζώνες παρακολούθησης"_s, u"[2] Ψυγείο"_s, u"[5] Ανώνυμη ζώνη"_s,
                            delivery, u"ΟΛΑ"_s}
             << QStringList{delivery};
-        QTest::newRow("no points, by the last page counter")
-            << 1 << QStringList{u"Δίκτυο ρεύματος"_s, faults, bypass, u"ΟΛΑ"_s}
-            << QStringList{faults, bypass};
         QTest::newRow("no event memory") << 2 << QStringList{} << QStringList{};
         QTest::newRow("all units, without queries")
             << 3
@@ -196,68 +188,58 @@ private slots:
         }
     }
 
-    // One row per control; which rows each filter selects is tst_eventquery's part.
+    // The wiring of every control, once; which rows each filter selects is
+    // tst_eventquery's part. Restorations of an empty month: nothing to mark.
     void filtersPickTheRowsNewestFirst_data()
     {
         QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("source");
         QTest::addColumn<int>("kind");
         QTest::addColumn<bool>("newOnly");
         QTest::addColumn<int>("month");
         QTest::addColumn<QStringList>("rows");
-        const auto row = [](const char* name, int unit, const QString& source, int kind,
-                            bool newOnly, int month, const QStringList& rows) {
-            QTest::newRow(name) << unit << source << kind << newOnly << month << rows;
+        const auto e = [](const char* when, const char* unit, const QString& text, char colour) {
+            return QString::fromLatin1(when) + u" | "_s + QString::fromLatin1(unit) + u" -> "_s +
+                   text + u" | "_s + QLatin1Char(colour);
         };
-        const auto e = [](const char* when, const QString& text, char colour) {
-            return QString::fromLatin1(when) + u" | "_s + text + u" | "_s + QLatin1Char(colour);
-        };
-        const QString a = u"Alpha [7] (A-1) -> "_s;
-        const QString b = u"Beta [9] (B-2) -> "_s;
-        const QString p2closed = u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 2 (Ψυγείο) ΕΚΤΟΣ ΟΡΙΩΝ: ΕΙΣΟΔΟΣ ΚΛΕΙΣΤΗ"_s;
-        const QString p2open = u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 2 (Ψυγείο) ΕΝΤΟΣ ΟΡΙΩΝ: ΕΙΣΟΔΟΣ ΑΝΟΙΧΤΗ"_s;
+        const QString p2 = u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 2 (Ψυγείο) "_s;
         const QString p5closed = u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 5 (Ανώνυμη ζώνη) ΕΚΤΟΣ ΟΡΙΩΝ: ΕΙΣΟΔΟΣ ΚΛΕΙΣΤΗ"_s;
-        const QString mainsCut = u"ΕΓΙΝΕ ΔΙΑΚΟΠΗ ΣΤΗΝ ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ"_s;
-        const QString mainsBack = u"Η ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ ΕΠΑΝΗΛΘΕ"_s;
-        const QString battery = u"ΒΛΑΒΗ ΣΥΣΤΗΜΑΤΟΣ: ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s;
-        const QString all = u"ΟΛΑ"_s;
-        row("alarms of every source, new, March", 0, all, 0, true, 2,
-            {e("04/03/2026 - 11:00", kDelivery, 'a'), e("03/03/2026 - 10:00", p5closed, 'a'),
-             e("01/03/2026 - 08:00", p2closed, 'a')});
-        // Sequence order, not time order: the unit's clock may have been set back.
-        row("one point, all events, the whole year, by sequence", 0, u"[5] Ανώνυμη ζώνη"_s, 2,
-            false, 12,
-            {e("10/02/2026 - 12:00", p5closed, 'a'), e("03/03/2026 - 10:00", p5closed, 'a')});
-        row("both kinds take the bypass, in blue", 1, u"Παράκαμψη ζώνης"_s, 0, true, 2,
-            {e("06/03/2026 - 13:00", kBypass, 'b')});
-        row("mains restorations", 1, u"Δίκτυο ρεύματος"_s, 1, true, 2,
-            {e("09/03/2026 - 16:00", mainsBack, 'n')});
-        row("all units, every source and kind", 3, all, 2, true, 2,
-            {e("04/03/2026 - 11:00", a + kDelivery, 'a'),
-             e("03/03/2026 - 10:00", a + p5closed, 'a'), e("02/03/2026 - 09:00", a + p2open, 'n'),
-             e("01/03/2026 - 08:00", a + p2closed, 'a'),
-             e("09/03/2026 - 16:00", b + mainsBack, 'n'),
-             e("08/03/2026 - 15:00", b + mainsCut, 'a'), e("07/03/2026 - 14:00", b + battery, 'a'),
-             e("06/03/2026 - 13:00", b + kBypass, 'b'),
-             // Listed although it has no event memory: all units are read.
-             e("01/03/2026 - 08:00",
-               u"Gamma [3] (C-3) -> ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 1 (Ανώνυμη ζώνη) ΕΚΤΟΣ ΟΡΙΩΝ: 0.0 °C"_s, 'a')});
-        row("nothing in April", 0, all, 2, false, 3, {});
+        QTest::newRow("all units, every source and kind")
+            << 3 << 2 << true << 2
+            << QStringList{
+                   e("04/03/2026 - 11:00", "Alpha [7] (A-1)",
+                     u"ΝΕΑ ΜΗΝΥΜΑΤΑ ΠΑΡΑΔΟΘΗΚΑΝ ΣΕ ΕΞΕΡΧΟΜΕΝΗ ΤΗΛΕΦΩΝΙΚΗ ΚΛΗΣΗ ΣΤΟΝ 2ο ΠΑΡΑΛΗΠΤΗ. Ο ΠΑΡΑΛΗΠΤΗΣ ΑΚΥΡΩΣΕ ΤΗΝ ΠΑΡΑΔΟΣΗ ΤΩΝ ΜΗΝΥΜΑΤΩΝ ΣΤΟΥΣ ΥΠΟΛΟΙΠΟΥΣ ΠΑΡΑΛΗΠΤΕΣ"_s,
+                     'a'),
+                   e("03/03/2026 - 10:00", "Alpha [7] (A-1)", p5closed, 'a'),
+                   e("02/03/2026 - 09:00", "Alpha [7] (A-1)",
+                     p2 + u"ΕΝΤΟΣ ΟΡΙΩΝ: ΕΙΣΟΔΟΣ ΑΝΟΙΧΤΗ"_s, 'n'),
+                   e("01/03/2026 - 08:00", "Alpha [7] (A-1)",
+                     p2 + u"ΕΚΤΟΣ ΟΡΙΩΝ: ΕΙΣΟΔΟΣ ΚΛΕΙΣΤΗ"_s, 'a'),
+                   e("09/03/2026 - 16:00", "Beta [9] (B-2)", u"Η ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ ΕΠΑΝΗΛΘΕ"_s, 'n'),
+                   e("08/03/2026 - 15:00", "Beta [9] (B-2)",
+                     u"ΕΓΙΝΕ ΔΙΑΚΟΠΗ ΣΤΗΝ ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ"_s, 'a'),
+                   e("07/03/2026 - 14:00", "Beta [9] (B-2)",
+                     u"ΒΛΑΒΗ ΣΥΣΤΗΜΑΤΟΣ: ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s, 'a'),
+                   e("06/03/2026 - 13:00", "Beta [9] (B-2)",
+                     u"ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ Η ΠΑΡΑΚΑΜΨΗ ΣΤΟ ΣΗΜΕΙΟ 4 (Είσοδος) ΓΙΑ 8 ΩΡΕΣ, ΜΕΣΩ ΤΗΣ ΚΕΝΤΡΙΚΗΣ ΜΟΝΑΔΑΣ ΤΟΥ ΣΥΣΤΗΜΑΤΟΣ"_s,
+                     'b'),
+                   // Listed although it has no event memory: all units are read.
+                   e("01/03/2026 - 08:00", "Gamma [3] (C-3)",
+                     u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 1 (Ανώνυμη ζώνη) ΕΚΤΟΣ ΟΡΙΩΝ: 0.0 °C"_s, 'a')};
+        QTest::newRow("restorations, nothing in April") << 0 << 1 << false << 3 << QStringList{};
     }
 
     void filtersPickTheRowsNewestFirst()
     {
         QFETCH(int, unit);
-        QFETCH(QString, source);
         QFETCH(int, kind);
         QFETCH(bool, newOnly);
         QFETCH(int, month);
         QFETCH(QStringList, rows);
         open(unit);
-        pickSource(source);
-        if (m_w->kindOption(kind)->isEnabled())
-            m_w->kindOption(kind)->click();
+        m_w->kindOption(kind)->click();
         m_w->newOption(newOnly ? 0 : 1)->click();
+        QCOMPARE(m_w->markButton()->text(),
+                 newOnly ? u"Μαρκάρισμα ως διαβασμένα"_s : u"Μαρκάρισμα ως νέα"_s);
         chooseItem(m_w->monthSelect(), month);
         QCOMPARE(gridRows(m_w->model()), rows);
         const bool any = !rows.isEmpty();
@@ -273,31 +255,24 @@ private slots:
         QVERIFY(m_fx->dialogs.shown().isEmpty());
     }
 
+    // All units, every source, both kinds, new, March: A-1 sn 4, 3, 2, 1, B-2 sn 13
+    // to 10, C-3. The server may refuse to change B-2's sn 12.
     void marking_data()
     {
-        QTest::addColumn<bool>("newOnly");
         QTest::addColumn<int>("first");
         QTest::addColumn<int>("last");
         QTest::addColumn<QString>("acksA");
         QTest::addColumn<QString>("acksB");
         QTest::addColumn<int>("rowsAfter");
-        QTest::addColumn<bool>("refused"); // the server refuses to change B-2's sn 12
-        // All units, every source, both kinds, March. New only: A-1 sn 4, 3, 2, 1,
-        // B-2 sn 13 to 10, C-3; with all, A-1 sn 5 comes first.
-        QTest::newRow("new: the selected rows become read and leave the list")
-            << true << 2 << 5 << u"1:1 2:1 3:0 4:0 5:1 6:0"_s << u"10:0 11:0 12:1 13:1"_s << 5
-            << false;
-        QTest::newRow("all: the selected rows become new again and stay")
-            << false << 0 << 7 << u"1:0 2:0 3:0 4:0 5:0 6:0"_s << u"10:0 11:0 12:0 13:0"_s << 10
-            << false;
+        QTest::addColumn<bool>("refused");
+        QTest::newRow("the selected rows become read and leave the list")
+            << 2 << 5 << u"1:1 2:1 3:0 4:0 5:1 6:0"_s << u"10:0 11:0 12:1 13:1"_s << 5 << false;
         QTest::newRow("refused: one transaction marks nothing")
-            << true << 0 << 8 << u"1:0 2:0 3:0 4:0 5:1 6:0"_s << u"10:0 11:0 12:0 13:0"_s << 9
-            << true;
+            << 0 << 8 << u"1:0 2:0 3:0 4:0 5:1 6:0"_s << u"10:0 11:0 12:0 13:0"_s << 9 << true;
     }
 
     void marking()
     {
-        QFETCH(bool, newOnly);
         QFETCH(int, first);
         QFETCH(int, last);
         QFETCH(QString, acksA);
@@ -317,9 +292,6 @@ private slots:
         }
         open(3);
         m_w->kindOption(2)->click();
-        m_w->newOption(newOnly ? 0 : 1)->click();
-        QCOMPARE(m_w->markButton()->text(),
-                 newOnly ? u"Μαρκάρισμα ως διαβασμένα"_s : u"Μαρκάρισμα ως νέα"_s);
         // The selection may be made from the bottom up.
         m_w->selectRows(last, first);
         const int fills = m_w->fills();
