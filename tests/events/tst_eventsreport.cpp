@@ -91,14 +91,21 @@ private slots:
         m_fx.reset();
     }
 
-    void oneRowIsPageOneOfOne()
+    // After a fill only the first row is selected: that is what prints, on one page,
+    // under the wait window. Then every row, over pages (where entries land is
+    // tst_reportlayouts' part), each description wrapped inside its column.
+    void theSelectedRowsPrint()
     {
         SX_REQUIRE_DB(m_fx->scratch);
-        seedAlpha();
+        seed();
         QVERIFY(EventsSeed(m_fx->db).event(u"A-1"_s, 2, u"2026-03-03 10:15:00"_s, 21, 1));
-        open(0);
+        for (int i = 0; i < 60; ++i) {
+            const QDateTime when = QDateTime(QDate(2026, 1, 1), QTime(8, 0)).addDays(i);
+            QVERIFY(EventsSeed(m_fx->db).event(
+                u"A-1"_s, i + 3, when.toString(u"yyyy-MM-dd HH:mm:ss"_s), 25, 0, 0, 0, u"1;4;8"_s));
+        }
+        open();
         QCOMPARE(m_w->model()->rowCount(), 2);
-        // The PDF is written while the window serves its events, under the wait window.
         bool inputBlocked = false;
         QString waiting;
         QTimer::singleShot(0, m_w.get(), [&] {
@@ -107,8 +114,7 @@ private slots:
                 if (auto* wait = qobject_cast<WaitWindow*>(w); wait && wait->isVisible())
                     waiting = wait->message();
         });
-        // After a fill only the first row is selected: that is what prints.
-        const PdfText pdf = print();
+        PdfText pdf = print();
         QVERIFY(inputBlocked);
         QCOMPARE(waiting, u"Εκτύπωση συμβάντων."_s);
         QVERIFY(m_w->isEnabled());
@@ -121,44 +127,23 @@ private slots:
         QVERIFY(page.contains(u"03/03/2026 - 10:15"_s));
         QVERIFY(!page.contains(u"02/03/2026"_s));
         QVERIFY(page.contains(u"ΕΓΙΝΕ ΔΙΑΚΟΠΗ ΣΤΗΝ ΤΑΣΗ ΤΡΟΦΟΔΟΣΙΑΣ"_s));
-        // The entry at the top of the left column, below the choices line.
-        const Word* date = nullptr;
-        const Word* title = nullptr;
-        for (const Word& w : pdf.words) {
-            if (w.text == u"03/03/2026")
-                date = &w;
-            if (w.text == u"SENTORAX" && !title)
-                title = &w;
-        }
-        QVERIFY(date && title);
-        QVERIFY(date->x < pdf.pageWidth / 2);
-        QVERIFY(date->y > title->y);
-    }
 
-    void fullLeftColumnContinuesAtTheTopOfTheRightOne()
-    {
-        SX_REQUIRE_DB(m_fx->scratch);
-        EventsSeed s(m_fx->db);
-        QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-        // One event a day in March and again in April's first days: each entry has
-        // a date of its own, so its place can be read back.
-        const int count = 60;
-        for (int i = 0; i < count; ++i) {
-            const QDateTime when = QDateTime(QDate(2026, 1, 1), QTime(8, 0)).addDays(i);
-            QVERIFY(s.event(u"A-1"_s, i + 1, when.toString(u"yyyy-MM-dd HH:mm:ss"_s), 21, 1));
-        }
-        open(0);
+        // Bypasses are listed only with both kinds.
+        m_w->kindOption(2)->click();
         chooseItem(m_w->monthSelect(), 12);
-        QCOMPARE(m_w->model()->rowCount(), count);
+        const int count = m_w->model()->rowCount();
+        QCOMPARE(count, 62);
         m_w->selectAllEvents();
-        const PdfText pdf = print();
+        pdf = print();
         const int pages = int(pdf.pages.size());
+        QVERIFY(pages > 1);
         for (int p = 0; p < pages; ++p) {
             QVERIFY2(pdf.pages.at(p).contains(u"Σελίδα %1/%2"_s.arg(p + 1).arg(pages)),
                      qPrintable(pdf.pages.at(p)));
             QVERIFY(pdf.pages.at(p).contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s));
         }
-        // The dates in report order: page, then column, then top to bottom.
+        // The dates in report order: page, then column, then top to bottom; below
+        // the choices line no word crosses the middle of the page.
         struct Spot {
             int page;
             int column;
@@ -167,67 +152,32 @@ private slots:
         };
         QList<Spot> spots;
         static const QRegularExpression dateRe(u"^\\d\\d/\\d\\d/2026$"_s);
+        const double middle = pdf.pageWidth / 2;
         for (const Word& w : pdf.words) {
             if (dateRe.match(w.text).hasMatch())
-                spots.append({w.page, w.x < pdf.pageWidth / 2 ? 0 : 1, w.y, w.text});
+                spots.append({w.page, w.x < middle ? 0 : 1, w.y, w.text});
         }
         QCOMPARE(spots.size(), count);
+        for (const Word& w : pdf.words)
+            QVERIFY2(w.y < spots.first().y || w.x >= middle || w.right < middle,
+                     qPrintable(w.text));
+        QList<double> starts; // every description takes more than one line
+        QList<double> ends;
+        for (const Word& w : pdf.words) {
+            if (w.text == u"ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ")
+                starts << w.y;
+            else if (w.text == u"ΣΥΣΤΗΜΑΤΟΣ")
+                ends << w.y;
+        }
+        QCOMPARE(starts.size(), 60);
+        QCOMPARE(ends.size(), 60);
+        for (int i = 0; i < 60; ++i)
+            QVERIFY(ends.at(i) > starts.at(i));
         std::stable_sort(spots.begin(), spots.end(), [](const Spot& a, const Spot& b) {
             return std::tie(a.page, a.column, a.y) < std::tie(b.page, b.column, b.y);
         });
         for (int i = 0; i < count; ++i)
             QCOMPARE(spots.at(i).date, m_w->model()->dateText(i).left(10));
-        // The right column of page 1 starts level with the left one, with the
-        // entry that follows the left column's last; page 2 starts at the top left.
-        const auto firstWhere = [&spots](auto pred) {
-            return int(std::find_if(spots.begin(), spots.end(), pred) - spots.begin());
-        };
-        const int firstRight =
-            firstWhere([](const Spot& x) { return x.page == 0 && x.column == 1; });
-        const int firstOnPage2 = firstWhere([](const Spot& x) { return x.page == 1; });
-        QVERIFY(firstRight > 1 && firstRight < count);
-        QCOMPARE(spots.at(firstRight).y, spots.at(0).y);
-        QVERIFY(firstOnPage2 > firstRight && firstOnPage2 < count);
-        QCOMPARE(spots.at(firstOnPage2).column, 0);
-        QCOMPARE(spots.at(firstOnPage2).y, spots.at(0).y);
-    }
-
-    void longDescriptionWrapsInsideItsColumn()
-    {
-        SX_REQUIRE_DB(m_fx->scratch);
-        EventsSeed s(m_fx->db);
-        QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-        QVERIFY(s.unit(u"B-2"_s, u"Beta"_s));
-        QVERIFY(s.zone(u"B-2"_s, 4, u"Είσοδος αποθήκης"_s));
-        QVERIFY(s.event(u"B-2"_s, 1, u"2026-03-06 13:00:00"_s, 25, 0, 0, 0, u"1;4;8"_s));
-        open(2);
-        QCOMPARE(m_w->systemSelect()->currentText(), u"ΟΛΑ"_s);
-        // Bypasses are listed only with both kinds.
-        m_w->kindOption(2)->click();
-        QCOMPARE(m_w->model()->rowCount(), 1);
-        const QString description = m_w->model()->descriptionText(0);
-        QVERIFY(description.startsWith(u"Beta [7] (B-2) -> ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ"_s));
-        const PdfText pdf = print();
-        QCOMPARE(pdf.pages.size(), 1);
-        // Every word of the description, in order, inside the left column.
-        const QStringList expected = description.split(u' ', Qt::SkipEmptyParts);
-        qsizetype start = -1;
-        for (qsizetype i = 0; i < pdf.words.size() && start < 0; ++i) {
-            if (pdf.words.at(i).text == u"Beta" && pdf.words.at(i).y > 0 &&
-                i + 1 < pdf.words.size() && pdf.words.at(i + 1).text == u"[7]")
-                start = i;
-        }
-        QVERIFY(start >= 0);
-        QVERIFY(start + expected.size() <= pdf.words.size());
-        QSet<double> lines;
-        const double columnRight = pdf.pageWidth / 2;
-        for (qsizetype k = 0; k < expected.size(); ++k) {
-            const Word& w = pdf.words.at(start + k);
-            QCOMPARE(w.text, expected.at(k));
-            QVERIFY2(w.right < columnRight, qPrintable(w.text));
-            lines.insert(w.y);
-        }
-        QVERIFY2(lines.size() >= 2, "the description should take more than one line");
     }
 
     // Three ways to set a line: drawn text, kept glyph runs, and the direct
@@ -293,8 +243,8 @@ private slots:
     void cancelledPrinterDialogPrintsNothing()
     {
         SX_REQUIRE_DB(m_fx->scratch);
-        seedAlpha();
-        open(0);
+        seed();
+        open();
         const QString pdf = m_fx->answerPdf(false);
         m_w->printAction()->trigger();
         QVERIFY(!QFile::exists(pdf));
@@ -303,11 +253,11 @@ private slots:
     }
 
 private:
-    void open(int unitIndex)
+    void open()
     {
         m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
         m_w = std::make_unique<EventsWindow>(m_fx->ctx);
-        fillSystemSelect(*m_w, unitIndex, true);
+        fillSystemSelect(*m_w, 0, true);
     }
 
     PdfText print()
@@ -318,7 +268,7 @@ private:
     }
 
     // Unit A-1 with one mains cut on 2 March 2026.
-    void seedAlpha()
+    void seed()
     {
         EventsSeed s(m_fx->db);
         QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
