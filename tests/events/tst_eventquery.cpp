@@ -13,7 +13,14 @@ using namespace sx;
 using namespace sx::events;
 
 Q_DECLARE_METATYPE(sx::DbKind)
-Q_DECLARE_METATYPE(sx::events::EventKind)
+Q_DECLARE_METATYPE(sx::events::EventFilter)
+
+// Unit SN1's events of a month of the list (11: December), by default of 2004.
+static EventFilter filter(int source, EventKind kind, bool newOnly, int month = 11, int year = 4,
+                          const QString& serial = u"SN1"_s)
+{
+    return {serial, source, kind, newOnly, eventsPeriod(year, month)};
+}
 
 static const QString kMainsAlarm =
     u"((Event_Condition=1) OR (Event_Condition BETWEEN 17 AND 19) OR (Event_Condition BETWEEN 33 "
@@ -70,13 +77,8 @@ private slots:
     void eventSql_data()
     {
         QTest::addColumn<DbKind>("db");
-        QTest::addColumn<QString>("serial");
-        QTest::addColumn<int>("source");
-        QTest::addColumn<EventKind>("kind");
-        QTest::addColumn<bool>("newOnly");
-        QTest::addColumn<int>("month");
+        QTest::addColumn<EventFilter>("filter");
         QTest::addColumn<QString>("expected");
-
         const QString allAlarms =
             u" AND (((Event_EventSource BETWEEN 1 AND 20) AND (Event_Condition=1)) OR "
             u"((Event_EventSource=21) AND "_s +
@@ -85,46 +87,44 @@ private slots:
             u" AND (((Event_EventSource BETWEEN 1 AND 20) AND (Event_Condition=0)) OR "
             u"((Event_EventSource=21) AND "_s +
             kMainsRestore + u"))"_s;
-
-        const auto row = [](const char* name, DbKind db, int source, EventKind kind, bool newOnly,
-                            int month, const QString& expected, const QString& serial = u"SN1"_s) {
-            QTest::newRow(name) << db << serial << source << kind << newOnly << month << expected;
+        const auto row = [](const char* name, DbKind db, const EventFilter& f, const QString& sql) {
+            QTest::newRow(name) << db << f << sql;
         };
         const auto access = DbKind::Access;
         const auto oracle = DbKind::Oracle;
         const auto alarms = EventKind::Alarms;
         const auto restorations = EventKind::Restorations;
-        row("access every source alarms new year", access, 0, alarms, true, 12,
+        const auto both = EventKind::Both;
+        row("access every source alarms new year", access, filter(0, alarms, true, 12),
             kHead + allAlarms + u" AND Event_Ack=0"_s + kAccessYear);
-        row("oracle every source restorations all december", oracle, 0, restorations, false, 11,
+        row("oracle every source restorations all december", oracle, filter(0, restorations, false),
             kHead + allRestorations + kOracleDec);
-        row("access every source both has no condition", access, 0, EventKind::Both, false, 11,
+        row("access every source both has no condition", access, filter(0, both, false),
             kHead + kAccessDec);
-        row("access all points alarms", access, -1, alarms, true, 11,
+        row("access all points alarms", access, filter(-1, alarms, true),
             kHead +
                 u" AND Event_EventSource BETWEEN 1 AND 20 AND Event_Condition=1 AND Event_Ack=0"_s +
                 kAccessDec);
-        row("oracle one point restorations new", oracle, 7, restorations, true, 11,
+        row("oracle one point restorations new", oracle, filter(7, restorations, true),
             kHead + u" AND Event_EventSource=7 AND Event_Condition=0 AND Event_Ack=0"_s +
                 kOracleDec);
-        row("access mains alarms", access, 21, alarms, false, 11,
+        row("access mains alarms", access, filter(21, alarms, false),
             kHead + u" AND Event_EventSource=21 AND "_s + kMainsAlarm + kAccessDec);
-        row("oracle mains restorations", oracle, 21, restorations, false, 11,
+        row("oracle mains restorations", oracle, filter(21, restorations, false),
             kHead + u" AND Event_EventSource=21 AND "_s + kMainsRestore + kOracleDec);
-        row("access unit faults ignore the kind", access, 23, alarms, true, 11,
+        row("access unit faults ignore the kind", access, filter(23, alarms, true),
             kHead + u" AND Event_EventSource=23 AND Event_Ack=0"_s + kAccessDec);
-        row("oracle bypass ignores restorations", oracle, 25, restorations, false, 11,
+        row("oracle bypass ignores restorations", oracle, filter(25, restorations, false),
             kHead + u" AND Event_EventSource=25"_s + kOracleDec);
-        row("access quote in serial is doubled", access, 22, EventKind::Both, false, 11,
+        row("access quote in serial is doubled", access, filter(22, both, false, 11, 4, u"O'K"_s),
             u"SELECT * FROM Events_1 WHERE Event_SyI_Serialnumber='O''K' AND Event_EventSource=22"_s +
-                kAccessDec,
-            u"O'K"_s);
-        row("access unknown source adds nothing", access, 30, alarms, false, 11,
+                kAccessDec);
+        row("access unknown source adds nothing", access, filter(30, alarms, false),
             kHead + kAccessDec);
-        row("sqlite stored date form", DbKind::SQLite, 3, alarms, false, 11,
+        row("sqlite stored date form", DbKind::SQLite, filter(3, alarms, false),
             kHead + u" AND Event_EventSource=3 AND Event_Condition=1 AND Event_Datetime BETWEEN "
                     u"'2004-12-01 00:00:00' AND '2004-12-31 23:59:59'"_s);
-        row("postgresql stored date form", DbKind::PostgreSQL, 0, EventKind::Both, true, 12,
+        row("postgresql stored date form", DbKind::PostgreSQL, filter(0, both, true, 12),
             kHead + u" AND Event_Ack=0 AND Event_Datetime BETWEEN '2004-01-01 00:00:00' AND "
                     u"'2004-12-31 23:59:59'"_s);
     }
@@ -132,14 +132,9 @@ private slots:
     void eventSql()
     {
         QFETCH(DbKind, db);
-        QFETCH(QString, serial);
-        QFETCH(int, source);
-        QFETCH(EventKind, kind);
-        QFETCH(bool, newOnly);
-        QFETCH(int, month);
+        QFETCH(EventFilter, filter);
         QFETCH(QString, expected);
-        const EventFilter f{serial, source, kind, newOnly, eventsPeriod(4, month)};
-        QCOMPARE(eventQuerySql(db, f), expected);
+        QCOMPARE(eventQuerySql(db, filter), expected);
     }
 
     void initTestCase()
@@ -178,41 +173,31 @@ private slots:
 
     void selectsTheRightRows_data()
     {
-        QTest::addColumn<int>("source");
-        QTest::addColumn<EventKind>("kind");
-        QTest::addColumn<bool>("newOnly");
-        QTest::addColumn<int>("yearIndex");
-        QTest::addColumn<int>("month");
+        QTest::addColumn<EventFilter>("filter");
         QTest::addColumn<int>("rows");
-        QTest::newRow("every source both all") << 0 << EventKind::Both << false << 4 << 11 << 56;
-        QTest::newRow("every source both new") << 0 << EventKind::Both << true << 4 << 11 << 55;
+        const auto both = EventKind::Both;
+        const auto alarms = EventKind::Alarms;
+        const auto restorations = EventKind::Restorations;
+        QTest::newRow("every source both all") << filter(0, both, false) << 56;
+        QTest::newRow("every source both new") << filter(0, both, true) << 55;
         // points at 1 (20), mains 1 and 17, sources 22 to 24 twice each; no bypass
-        QTest::newRow("every source alarms") << 0 << EventKind::Alarms << true << 4 << 11 << 28;
+        QTest::newRow("every source alarms") << filter(0, alarms, true) << 28;
         // points at 0 (20), mains 0, 16 and 64; no fault, delivery or bypass row
-        QTest::newRow("every source restorations")
-            << 0 << EventKind::Restorations << true << 4 << 11 << 23;
-        QTest::newRow("mains alarms") << 21 << EventKind::Alarms << false << 4 << 11 << 2;
-        QTest::newRow("mains restorations")
-            << 21 << EventKind::Restorations << false << 4 << 11 << 3;
-        QTest::newRow("bypass whatever the kind")
-            << 25 << EventKind::Alarms << false << 4 << 11 << 2;
-        QTest::newRow("all points alarms with read")
-            << -1 << EventKind::Alarms << false << 4 << 11 << 21;
-        QTest::newRow("year edges included") << 3 << EventKind::Alarms << false << 4 << 12 << 2;
-        QTest::newRow("next year first second") << 3 << EventKind::Alarms << false << 5 << 0 << 1;
+        QTest::newRow("every source restorations") << filter(0, restorations, true) << 23;
+        QTest::newRow("mains alarms") << filter(21, alarms, false) << 2;
+        QTest::newRow("mains restorations") << filter(21, restorations, false) << 3;
+        QTest::newRow("bypass whatever the kind") << filter(25, alarms, false) << 2;
+        QTest::newRow("all points alarms with read") << filter(-1, alarms, false) << 21;
+        QTest::newRow("year edges included") << filter(3, alarms, false, 12) << 2;
+        QTest::newRow("next year first second") << filter(3, alarms, false, 0, 5) << 1;
     }
 
     void selectsTheRightRows()
     {
-        QFETCH(int, source);
-        QFETCH(EventKind, kind);
-        QFETCH(bool, newOnly);
-        QFETCH(int, yearIndex);
-        QFETCH(int, month);
+        QFETCH(EventFilter, filter);
         QFETCH(int, rows);
         SX_REQUIRE_DB(*m_scratch);
-        const EventFilter f{u"SN1"_s, source, kind, newOnly, eventsPeriod(yearIndex, month)};
-        Rows r = m_db->read(orderedEventQuerySql(m_db->kind(), f));
+        Rows r = m_db->read(orderedEventQuerySql(m_db->kind(), filter));
         const int snColumn = r.column(schema::Events1::Event_SystemEventSN);
         int count = 0;
         qint64 last = -1;
