@@ -4,6 +4,7 @@
 #include "reports/Colors.h"
 #include "reports/events/EventsModel.h"
 #include "shell/SecondaryViews.h"
+#include "ui/NavigationFrame.h"
 #include "ui/UnitList.h"
 #include "views/events/EventsWindow.h"
 #include "views/records/RecordsWindow.h"
@@ -358,7 +359,7 @@ private slots:
         fillSystemSelect(*events, 3, true);
         QCOMPARE(events->systemSelect()->currentText(), u"ΟΛΑ"_s);
         // "ΟΛΑ" does not exist in the records view: its first unit is taken.
-        m_fx->navigator->navigate(*events, ViewId::Records);
+        events->navigation()->button(ViewId::Records)->click();
         auto* records = qobject_cast<RecordsWindow*>(m_fx->navigator->secondaryView());
         QVERIFY(records);
         QCOMPARE(records->unitIndex(), 0);
