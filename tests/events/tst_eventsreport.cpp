@@ -31,17 +31,15 @@ using namespace sx::events_report;
 namespace {
 
 struct Word {
-    int page = 0;
-    double x = 0; // points from the page's left edge
-    double y = 0;
-    double right = 0;
+    int page;
+    double x, y, right; // points from the page's top left corner
     QString text;
 };
 
 struct PdfText {
     QStringList pages; // as pdftotext lays them out
     QList<Word> words;
-    double pageWidth = 0; // points
+    double pageWidth = 0;
 };
 
 PdfText readPdf(const QString& pdf)
@@ -58,21 +56,12 @@ PdfText readPdf(const QString& pdf)
             ++page;
             out.pageWidth = a.value(u"width"_s).toDouble();
         } else if (xml.name() == u"word") {
-            Word w{page,
-                   a.value(u"xMin"_s).toDouble(),
-                   a.value(u"yMin"_s).toDouble(),
-                   a.value(u"xMax"_s).toDouble(),
-                   {}};
-            w.text = xml.readElementText();
-            out.words.append(w);
+            const double x = a.value(u"xMin"_s).toDouble();
+            const double y = a.value(u"yMin"_s).toDouble();
+            out.words.append({page, x, y, a.value(u"xMax"_s).toDouble(), xml.readElementText()});
         }
     }
     return out;
-}
-
-QString squeezed(QString s)
-{
-    return s.remove(QRegularExpression(u"\\s+"_s));
 }
 
 } // namespace
@@ -253,6 +242,8 @@ private slots:
     }
 
 private:
+    static QString squeezed(QString s) { return s.remove(QRegularExpression(u"\\s+"_s)); }
+
     void open()
     {
         m_fx->setNow(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));

@@ -26,21 +26,6 @@ using namespace sx::test;
 
 namespace {
 
-QString shownText(MessagesWindow& w)
-{
-    return w.textBox()->toPlainText();
-}
-
-Qt::Alignment alignment(MessagesWindow& w)
-{
-    return w.textBox()->document()->defaultTextOption().alignment() & Qt::AlignHorizontal_Mask;
-}
-
-QColor indicator(MessagesWindow& w)
-{
-    return w.navigation()->button(ViewId::Messages)->property("sxColor").value<QColor>();
-}
-
 // The unit of the printing tests.
 const QString kStore = u"U S1,'1','Αποθήκη',1;"_s;
 
@@ -255,6 +240,16 @@ private slots:
     }
 
 private:
+    static QString shownText(MessagesWindow& w) { return w.textBox()->toPlainText(); }
+    static Qt::Alignment alignment(MessagesWindow& w)
+    {
+        return w.textBox()->document()->defaultTextOption().alignment() & Qt::AlignHorizontal_Mask;
+    }
+    static QColor indicator(MessagesWindow& w)
+    {
+        return w.navigation()->button(ViewId::Messages)->property("sxColor").value<QColor>();
+    }
+
     std::unique_ptr<GuiFixture> m_fx;
 };
 
