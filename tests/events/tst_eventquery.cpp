@@ -116,7 +116,8 @@ private slots:
             kHead + u" AND Event_EventSource=23 AND Event_Ack=0"_s + kAccessDec);
         row("oracle bypass ignores restorations", oracle, filter(25, restorations, false),
             kHead + u" AND Event_EventSource=25"_s + kOracleDec);
-        row("access quote in serial is doubled", access, filter(22, both, false, 11, 4, u"O'K"_s),
+        row("access quote in serial is doubled, faults ignore the kind", access,
+            filter(22, alarms, false, 11, 4, u"O'K"_s),
             u"SELECT * FROM Events_1 WHERE Event_SyI_Serialnumber='O''K' AND Event_EventSource=22"_s +
                 kAccessDec);
         row("access unknown source adds nothing", access, filter(30, alarms, false),

@@ -346,27 +346,25 @@ private slots:
     }
 
 private:
+    // Listed by name: Alpha (0), Beta (1), Gamma (2), then "ΟΛΑ" (3). Gamma has
+    // events, but no event memory by the unit's counters.
     void seed()
     {
         EventsSeed s(m_fx->db);
-        // Listed by name: Alpha (0), Beta (1), Gamma (2), then "ΟΛΑ" (3).
-        QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s));
-        QVERIFY(s.zone(u"A-1"_s, 2, u"Ψυγείο"_s));
-        QVERIFY(s.zone(u"A-1"_s, 5, QString()));
+        QVERIFY(s.unit(u"A-1"_s, u"Alpha"_s) && s.unit(u"B-2"_s, u"Beta"_s, u"9"_s, 0, 3) &&
+                s.unit(u"C-3"_s, u"Gamma"_s, u"3"_s, 0, 0));
+        QVERIFY(s.zone(u"A-1"_s, 2, u"Ψυγείο"_s) && s.zone(u"A-1"_s, 5, QString()) &&
+                s.zone(u"B-2"_s, 4, u"Είσοδος"_s));
         QVERIFY(s.event(u"A-1"_s, 1, u"2026-03-01 08:00:00"_s, 2, 1, 2, 1));
         QVERIFY(s.event(u"A-1"_s, 2, u"2026-03-02 09:00:00"_s, 2, 0, 2, 0));
         QVERIFY(s.event(u"A-1"_s, 3, u"2026-03-03 10:00:00"_s, 5, 1, 2, 1));
         QVERIFY(s.event(u"A-1"_s, 4, u"2026-03-04 11:00:00"_s, 24, 0, 0, 0, u"2;1"_s));
         QVERIFY(s.event(u"A-1"_s, 5, u"2026-03-05 12:00:00"_s, 2, 1, 2, 1, {}, 1));
         QVERIFY(s.event(u"A-1"_s, 6, u"2026-02-10 12:00:00"_s, 5, 1, 2, 1));
-        QVERIFY(s.unit(u"B-2"_s, u"Beta"_s, u"9"_s, 0, 3));
-        QVERIFY(s.zone(u"B-2"_s, 4, u"Είσοδος"_s));
         QVERIFY(s.event(u"B-2"_s, 10, u"2026-03-06 13:00:00"_s, 25, 0, 0, 0, u"1;4;8"_s));
         QVERIFY(s.event(u"B-2"_s, 11, u"2026-03-07 14:00:00"_s, 23, 0, 0, 0, u"3"_s));
         QVERIFY(s.event(u"B-2"_s, 12, u"2026-03-08 15:00:00"_s, 21, 1));
         QVERIFY(s.event(u"B-2"_s, 13, u"2026-03-09 16:00:00"_s, 21, 0));
-        // Events, but no event memory by the unit's counters.
-        QVERIFY(s.unit(u"C-3"_s, u"Gamma"_s, u"3"_s, 0, 0));
         QVERIFY(s.event(u"C-3"_s, 1, u"2026-03-01 08:00:00"_s, 1, 1));
     }
 
