@@ -7,6 +7,7 @@ using namespace Qt::StringLiterals;
 using namespace sx::events;
 
 Q_DECLARE_METATYPE(sx::events::EventColour)
+Q_DECLARE_METATYPE(sx::events::EventRow)
 
 static NameCache names()
 {
@@ -35,11 +36,7 @@ class TestEventDescription : public QObject {
 private slots:
     void describe_data()
     {
-        QTest::addColumn<int>("source");
-        QTest::addColumn<int>("condition");
-        QTest::addColumn<int>("type");
-        QTest::addColumn<double>("value");
-        QTest::addColumn<QString>("info1");
+        QTest::addColumn<EventRow>("row");
         QTest::addColumn<QString>("text");
         QTest::addColumn<EventColour>("colour");
         const auto A = EventColour::Alarm;
@@ -47,12 +44,11 @@ private slots:
         const auto B = EventColour::Bypass;
         const auto point = [](const char* name, int source, int condition, int type, double value,
                               const QString& text, EventColour colour) {
-            QTest::newRow(name) << source << condition << type << value << QString() << text
-                                << colour;
+            QTest::newRow(name) << EventRow{source, condition, type, value, {}} << text << colour;
         };
         const auto row = [](const char* name, int source, int condition, const QString& info,
                             const QString& text, EventColour colour) {
-            QTest::newRow(name) << source << condition << 0 << 0.0 << info << text << colour;
+            QTest::newRow(name) << EventRow{source, condition, 0, 0.0, info} << text << colour;
         };
 
         point("analogue alarm named", 3, 1, 0, 25.25,
@@ -146,15 +142,10 @@ private slots:
 
     void describe()
     {
-        QFETCH(int, source);
-        QFETCH(int, condition);
-        QFETCH(int, type);
-        QFETCH(double, value);
-        QFETCH(QString, info1);
+        QFETCH(EventRow, row);
         QFETCH(QString, text);
         QFETCH(EventColour, colour);
-        const EventText out =
-            describeEvent({source, condition, type, value, info1}, names(), QLocale::c());
+        const EventText out = describeEvent(row, names(), QLocale::c());
         QCOMPARE(out.text, text);
         QCOMPARE(out.colour, colour);
     }

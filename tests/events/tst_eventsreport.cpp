@@ -5,7 +5,6 @@
 #include "reports/PdfDirectWriter.h"
 #include "reports/ReportPainter.h"
 #include "reports/events/EventsModel.h"
-#include "reports/events/EventsReport.h"
 #include "ui/UnitList.h"
 #include "ui/WaitWindow.h"
 #include "views/events/EventsWindow.h"
@@ -26,7 +25,6 @@
 using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
-using namespace sx::events_report;
 
 namespace {
 
