@@ -174,9 +174,8 @@ private slots:
         QTest::addColumn<QString>("line");
         QTest::addColumn<int>("split");   // where the second part starts, or -1
         QTest::addColumn<bool>("direct"); // the direct writer sets it itself
-        QTest::newRow("greek") << u"ΕΝΔΕΙΞΗ ΣΗΜΕΙΟΥ 20 (Ζώνη 20) ΕΚΤΟΣ ΟΡΙΩΝ: 28.7 °C"_s << -1
-                               << true;
-        QTest::newRow("pairs a font kerns") << u"AVATAR To Ty Wa ΑΤΑΥΤΟ"_s << -1 << true;
+        QTest::newRow("pairs a font kerns, greek, signs")
+            << u"AVATAR To Ty Wa ΑΤΑΥΤΟ (Ζώνη 20): 28.7 °C"_s << -1 << true;
         // Glyph numbers whose bytes a PDF string must escape: ( ) \ CR LF.
         QTest::newRow("escaped bytes") << u"EF y' *"_s << -1 << true;
         QTest::newRow("a fallback font") << u"Zone ✓ ok"_s << -1 << false;
