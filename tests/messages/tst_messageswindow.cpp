@@ -186,9 +186,6 @@ private slots:
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("end");
-        // The unit has a fault and no new message: it is printed in the new list.
-        QTest::newRow("new") << false << 0 << u"SENTORAX Monitor / ΝΕΑ ΜΗΝΥΜΑΤΑ"_s
-                             << u"ΧΑΜΗΛΗ ΕΦΕΔΡΙΚΗ ΜΠΑΤΑΡΙΑ"_s << u"ΤΕΛΟΣ ΝΕΩΝ ΜΗΝΥΜΑΤΩΝ"_s;
         QTest::newRow("archive") << true << 0 << u"SENTORAX Monitor / ΑΡΧΕΙΟ ΜΗΝΥΜΑΤΩΝ"_s
                                  << u"ΤΑΣΗ ΔΙΚΤΥΟΥ [1]:ΚΑΝΟΝΙΚΗ"_s << u"ΤΕΛΟΣ ΑΡΧΕΙΟY ΜΗΝΥΜΑΤΩΝ"_s;
         QTest::newRow("long") << false << 150 << u"SENTORAX Monitor / ΝΕΑ ΜΗΝΥΜΑΤΑ"_s
