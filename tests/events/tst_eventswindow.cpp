@@ -30,6 +30,7 @@
 
 #include <memory>
 #include <optional>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 using namespace sx;
@@ -440,42 +441,32 @@ private slots:
                      qPrintable(pdf.pages.at(p)));
             QVERIFY(pdf.pages.at(p).contains(u"SENTORAX Monitor / ΑΡΧΕΙΟ ΣΥΜΒΑΝΤΩΝ"_s));
         }
-        // The dates in report order: page, then column, then top to bottom; below
-        // the choices line no word crosses the middle of the page.
-        struct Spot {
-            int page;
-            int column;
-            double y;
-            QString date;
-        };
-        QList<Spot> spots;
+        // Below the choices line no word crosses the middle of the page; the dates
+        // come in report order: page, then column, then top to bottom.
         static const QRegularExpression dateRe(u"^\\d\\d/\\d\\d/2026$"_s);
         const double middle = pdf.pageWidth / 2;
-        for (const Word& w : pdf.words) {
-            if (dateRe.match(w.text).hasMatch())
-                spots.append({w.page, w.x < middle ? 0 : 1, w.y, w.text});
-        }
-        QCOMPARE(spots.size(), count);
-        for (const Word& w : pdf.words)
-            QVERIFY2(w.y < spots.first().y || w.x >= middle || w.right < middle,
-                     qPrintable(w.text));
+        QList<std::tuple<int, bool, double, QString>> dates;
         QList<double> starts; // every description takes more than one line
         QList<double> ends;
         for (const Word& w : pdf.words) {
-            if (w.text == u"ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ")
+            if (dateRe.match(w.text).hasMatch())
+                dates.append({w.page, w.x >= middle, w.y, w.text});
+            else if (w.text == u"ΕΝΕΡΓΟΠΟΙΗΘΗΚΕ")
                 starts << w.y;
             else if (w.text == u"ΣΥΣΤΗΜΑΤΟΣ")
                 ends << w.y;
+            QVERIFY2(dates.isEmpty() || w.y < std::get<2>(dates.first()) || w.x >= middle ||
+                         w.right < middle,
+                     qPrintable(w.text));
         }
+        QCOMPARE(dates.size(), count);
         QCOMPARE(starts.size(), 60);
         QCOMPARE(ends.size(), 60);
         for (int i = 0; i < 60; ++i)
             QVERIFY(ends.at(i) > starts.at(i));
-        std::stable_sort(spots.begin(), spots.end(), [](const Spot& a, const Spot& b) {
-            return std::tie(a.page, a.column, a.y) < std::tie(b.page, b.column, b.y);
-        });
+        std::sort(dates.begin(), dates.end());
         for (int i = 0; i < count; ++i)
-            QCOMPARE(spots.at(i).date, m_w->model()->dateText(i).left(10));
+            QCOMPARE(std::get<3>(dates.at(i)), m_w->model()->dateText(i).left(10));
     }
 
     // Three ways to set a line: drawn text, kept glyph runs, and the direct

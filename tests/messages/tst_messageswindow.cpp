@@ -26,9 +26,6 @@ using namespace sx::test;
 
 namespace {
 
-// The unit of the printing tests.
-const QString kStore = u"U S1,'1','Αποθήκη',1;"_s;
-
 constexpr int kNew = 0;
 constexpr int kArchive = 1;
 
@@ -299,7 +296,7 @@ private slots:
         QFETCH(QString, left);
         QFETCH(QString, box);
         QVERIFY(
-            seedMessages(m_fx->db, kStore + u"E S1,1,1,1,5,NULL,60,1; E S1,1,2,1,5,NULL,60,0"_s));
+            seedMessages(m_fx->db, kUnitA + u"E S1,1,1,1,5,NULL,60,1; E S1,1,2,1,5,NULL,60,0"_s));
         MessagesWindow w(m_fx->ctx);
         if (archive)
             QTest::mouseClick(w.archiveButton(), Qt::LeftButton);
@@ -345,7 +342,7 @@ private slots:
         QFETCH(QString, title);
         QFETCH(QString, line);
         QFETCH(QString, end);
-        QString rows = kStore + u"Z S1,1,'Ψυγείο',0;"_s;
+        QString rows = kUnitA + u"Z S1,1,'Ψυγείο',0;"_s;
         for (int i = 1; i <= messages; ++i)
             rows += u"E S1,1,%1,1,%1,NULL,60,1;"_s.arg(i);
         QVERIFY(
