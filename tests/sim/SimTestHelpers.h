@@ -27,18 +27,6 @@ inline sim::SeedOptions smallSeed(int days = 2, quint64 seed = 1)
     return o;
 }
 
-// The first column of the first row, as a whole number (-1 when there is none).
-inline qint64 scalar(Database& db, const QString& sql)
-{
-    Rows rows = db.read(sql);
-    if (!rows.next()) {
-        if (!rows.ok())
-            qWarning("query failed: %s: %s", qPrintable(sql), qPrintable(rows.error().description));
-        return -1;
-    }
-    return rows.integer(0).value_or(-1);
-}
-
 inline QStringList column(Database& db, const QString& sql)
 {
     QStringList out;
@@ -48,6 +36,14 @@ inline QStringList column(Database& db, const QString& sql)
     if (!rows.ok())
         qWarning("query failed: %s: %s", qPrintable(sql), qPrintable(rows.error().description));
     return out;
+}
+
+// The first column of the first row, as a whole number (-1 when there is none).
+inline qint64 scalar(Database& db, const QString& sql)
+{
+    bool ok = false;
+    const qint64 v = column(db, sql).value(0).toLongLong(&ok);
+    return ok ? v : -1;
 }
 
 // A hash over every field of every row, NULL told apart from empty text.

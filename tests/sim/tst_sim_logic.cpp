@@ -168,23 +168,6 @@ private slots:
         QCOMPARE(decideRequest(UnitFacts{}, type, attrs).reply, int(kReplyOffline));
     }
 
-    void fleetIsTheSameForTheSameSeed()
-    {
-        // Serials do not depend on the seed, so a re-seed keeps the units; codes do.
-        const QList<DemoUnit> a = buildDemoFleet(20, 5);
-        const QList<DemoUnit> c = buildDemoFleet(20, 6);
-        QCOMPARE(a.size(), 20);
-        QSet<QString> serials;
-        bool codesDiffer = false;
-        for (qsizetype i = 0; i < a.size(); ++i) {
-            QCOMPARE(a[i].serial, c[i].serial);
-            codesDiffer |= a[i].code != c[i].code;
-            serials.insert(a[i].serial);
-        }
-        QVERIFY(codesDiffer);
-        QCOMPARE(serials.size(), a.size());
-    }
-
     // Both counters are 0 exactly when the store is empty; pages hold 2048 bytes.
     void storeCounters_data()
     {
