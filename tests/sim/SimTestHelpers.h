@@ -6,7 +6,6 @@
 #include "sim/StoreCounters.h"
 
 #include <QCryptographicHash>
-#include <QSet>
 #include <QTest>
 
 namespace sx::test {
@@ -61,30 +60,20 @@ inline QByteArray digest(Database& db, const QString& sql)
     return rows.ok() ? hash.result().toHex() : QByteArray("query failed");
 }
 
-// Every record (or event) store counter against its rows: whether stores with
-// and without rows were seen, empty on the first counter that disagrees.
-inline QSet<bool> storesAgree(Database& db, bool events)
+// Counts the record (or event) stores whose counters disagree with their rows.
+inline QString storesDisagree(bool events)
 {
-    Rows rows = db.read(
-        events ? QStringLiteral(
-                     "SELECT SyI_EventsTable_Pagebyteswritt, SyI_EventsTable_Lastpagesn, (SELECT "
-                     "COUNT(*) FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber) FROM "
-                     "Systems_Info")
-               : QStringLiteral(
-                     "SELECT SeI_RecordsTable_Pagebyteswrit, SeI_RecordsTable_Lastpagesn, (SELECT "
-                     "COUNT(*) FROM Records WHERE Rec_SyI_Serialnumber=SeI_SyI_Serialnumber AND "
-                     "Rec_SeI_Sensornumber=SeI_Sensornumber) FROM Sensors_Info"));
-    QSet<bool> seen;
-    while (rows.next()) {
-        const qint64 n = rows.integer(2).value_or(-1);
-        const sim::StoreCounters c =
-            sim::storeCounters(n, events ? sim::kEventEntryBytes : sim::kRecordEntryBytes);
-        if (rows.integer(0).value_or(-1) != c.pageBytes ||
-            rows.integer(1).value_or(-1) != c.lastPage)
-            return {};
-        seen.insert(n > 0);
-    }
-    return rows.ok() ? seen : QSet<bool>{};
+    const qint64 bytes = events ? sim::kEventEntryBytes : sim::kRecordEntryBytes;
+    return QStringLiteral(
+               "SELECT COUNT(*) FROM (SELECT %1 b, %2 p, (SELECT COUNT(*) FROM %3) * %4 n "
+               "FROM %5) t WHERE b <> n % %6 OR p <> n / %6")
+        .arg(events ? u"SyI_EventsTable_Pagebyteswritt" : u"SeI_RecordsTable_Pagebyteswrit",
+             events ? u"SyI_EventsTable_Lastpagesn" : u"SeI_RecordsTable_Lastpagesn",
+             events ? u"Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber"
+                    : u"Records WHERE Rec_SyI_Serialnumber=SeI_SyI_Serialnumber AND "
+                      "Rec_SeI_Sensornumber=SeI_Sensornumber",
+             QString::number(bytes), events ? u"Systems_Info" : u"Sensors_Info",
+             QString::number(sim::kStorePageBytes));
 }
 
 } // namespace sx::test
