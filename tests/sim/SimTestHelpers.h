@@ -18,12 +18,7 @@ inline qint64 seedEnd()
 
 inline sim::SeedOptions smallSeed(int days = 2, quint64 seed = 1)
 {
-    sim::SeedOptions o;
-    o.units = 12;
-    o.days = days;
-    o.seed = seed;
-    o.endSecs = seedEnd();
-    return o;
+    return {.units = 12, .days = days, .seed = seed, .endSecs = seedEnd()};
 }
 
 inline QStringList column(Database& db, const QString& sql)
@@ -58,6 +53,22 @@ inline QByteArray digest(Database& db, const QString& sql)
         }
     }
     return rows.ok() ? hash.result().toHex() : QByteArray("query failed");
+}
+
+// Counts the powered points whose out-of-bounds flag disagrees with the reading and the limits
+// in force (unpowered ones only when a reading is out yet not flagged).
+inline QString boundsDisagree()
+{
+    const QString out = QStringLiteral(
+        "(SeI_Sensortype=2 AND SeCC_Currvalue>0 OR SeI_Sensortype<>2 AND (SeI_Maxlimitused=1 AND "
+        "SeCC_Currvalue>SeI_Maxlimit+(%1) OR SeI_Minlimitused=1 AND "
+        "SeCC_Currvalue<SeI_Minlimit-(%1)))");
+    return QStringLiteral(
+               "SELECT COUNT(*) FROM Sensors_Info JOIN Sensors_Current_Condition ON "
+               "SeCC_SyI_Serialnumber=SeI_SyI_Serialnumber AND "
+               "SeCC_Sensornumber=SeI_Sensornumber WHERE COALESCE(SeCC_Outofbounds, 0)<>1 "
+               "AND %1 OR SeCC_Outofbounds=1 AND SeCC_Notpowered=0 AND NOT %2")
+        .arg(out.arg(u"0.001"), out.arg(u"-0.001"));
 }
 
 // Counts the record (or event) stores whose counters disagree with their rows.
