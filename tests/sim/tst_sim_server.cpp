@@ -119,51 +119,44 @@ private slots:
         QCOMPARE(lastEvent(), lastSn + 1);
     }
 
-    void forcedReplyChangesNothing()
+    // Replies of SX100002 (relay off, asked on) at 10000, 10999 and 11000 ms; of offline
+    // SX100004 at the end. Only a real answer moves the relay.
+    void policies_data()
     {
-        const QString relay = u"SyCC_RelayBcondition"_s, serial = u"SX100009"_s;
-        const qint64 before = unitState(relay, serial);
-        insertRequest(serial, 2, code(serial) + (before == 1 ? u";0"_s : u";1"_s));
-        insertRequest(u"SX100004"_s, 2, u"1;1"_s);
-        sim::RequestPolicy policy;
-        policy.forcedReply = 6;
-        QCOMPARE(answerNow(policy), 2);
-        QCOMPARE(replyOf(serial), 6);
-        QCOMPARE(replyOf(u"SX100004"_s), 6);
-        QCOMPARE(unitState(relay, serial), before);
+        QTest::addColumn<int>("delayMs");
+        QTest::addColumn<bool>("noAnswer");
+        QTest::addColumn<int>("forced");
+        QTest::addColumn<QList<qint64>>("replies");
+        QTest::addColumn<qint64>("offline");
+        QTest::newRow("after the delay") << 1000 << false << 0 << QList<qint64>{0, 0, 1} << 3LL;
+        QTest::newRow("no answer") << 0 << true << 0 << QList<qint64>{0, 0, 0} << 0LL;
+        QTest::newRow("forced reply changes nothing")
+            << 0 << false << 6 << QList<qint64>{6, 6, 6} << 6LL;
     }
-
-    void noAnswerLeavesRowsPending()
+    void policies()
     {
-        insertRequest(u"SX100001"_s, 2, u"1234;1"_s);
-        sim::RequestPolicy policy;
-        policy.answerDelayMs = 0;
-        policy.noAnswer = true;
-        sim::RequestHandler handler(m_db, policy);
-        for (qint64 t : {0, 1000, 100000}) {
-            int answered = -1;
-            QVERIFY(!handler.poll(t, &answered).isError());
-            QCOMPARE(answered, 0);
-        }
-        QCOMPARE(count(u"Terminal_Requests WHERE TrmReq_Requestcompleted=0"_s), 1);
-    }
-
-    void answerWaitsForTheDelay()
-    {
-        sim::RequestPolicy policy;
-        policy.answerDelayMs = 1000;
+        QFETCH(int, delayMs);
+        QFETCH(bool, noAnswer);
+        QFETCH(int, forced);
+        QFETCH(QList<qint64>, replies);
+        const sim::RequestPolicy policy{.answerDelayMs = delayMs,
+                                        .forcedReply =
+                                            forced ? std::optional(forced) : std::nullopt,
+                                        .noAnswer = noAnswer};
+        QVERIFY(!m_db.exec(u"UPDATE Systems_Current_Condition SET SyCC_RelayBcondition=0 WHERE "
+                           "SyCC_SyI_Serialnumber='SX100002'"_s)
+                     .isError());
         sim::RequestHandler handler(m_db, policy);
         QVERIFY(!handler.poll(5000).isError()); // nothing pending yet
-        insertRequest(u"SX100002"_s, 2, u"0042;0"_s);
+        insertRequest(u"SX100002"_s, 2, u"0042;1"_s);
+        insertRequest(u"SX100004"_s, 2, u"1;1"_s);
         // The delay counts from when the row was first seen, not from the handler's start.
-        for (qint64 t : {10000, 10999}) {
-            QVERIFY(!handler.poll(t).isError());
-            QCOMPARE(replyOf(u"SX100002"_s), 0);
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(!handler.poll(QList<qint64>{10000, 10999, 11000}[i]).isError());
+            QCOMPARE(replyOf(u"SX100002"_s), replies[i]);
         }
-        int answered = 0;
-        QVERIFY(!handler.poll(11000, &answered).isError());
-        QCOMPARE(answered, 1);
-        QCOMPARE(replyOf(u"SX100002"_s), 1);
+        QTEST(replyOf(u"SX100004"_s), "offline");
+        QCOMPARE(unitState(u"SyCC_RelayBcondition"_s, u"SX100002"_s), replies.last() == 1 ? 1 : 0);
     }
 
     void oddRowsAreAnsweredOnceAndRight()
@@ -207,16 +200,14 @@ private slots:
         QVERIFY(total.readings > 0);
 
         // Clocks that are set follow the polls; unset ones stay unset.
-        const auto rtc = [&](const char* serial) {
-            return column(m_db, u"SELECT SyCC_Rtc FROM Systems_Current_Condition WHERE "
-                                "SyCC_SyI_Serialnumber='%1'"_s.arg(QLatin1StringView(serial)))
-                .value(0)
-                .left(19);
-        };
-        QCOMPARE(rtc("SX100001"), sqlDateTimeText(m_now));
-        QCOMPARE(rtc("SX100003"), u"<null>"_s);
-        QCOMPARE(rtc("SX100010").left(10), u"1899-12-30"_s);
-        QVERIFY(rtc("SX100004") != sqlDateTimeText(m_now));
+        const QStringList rtc = column(
+            m_db, u"SELECT SyCC_Rtc FROM Systems_Current_Condition WHERE SyCC_SyI_Serialnumber IN "
+                  "('SX100001','SX100003','SX100004','SX100010') ORDER BY SyCC_SyI_Serialnumber"_s);
+        QCOMPARE(rtc.size(), 4);
+        QCOMPARE(rtc[0].left(19), sqlDateTimeText(m_now));
+        QCOMPARE(rtc[1], u"<null>"_s);
+        QVERIFY(rtc[2].left(19) != sqlDateTimeText(m_now));
+        QCOMPARE(rtc[3].left(10), u"1899-12-30"_s);
 
         // Out of bounds always agrees with the reading and the limits in force.
         QCOMPARE(scalar(m_db, boundsDisagree()), 0);
