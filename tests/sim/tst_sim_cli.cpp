@@ -12,12 +12,6 @@ using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
 
-// The simulator's exit code and what it printed.
-ToolRun runSim(const QStringList& args)
-{
-    return runTool(QString::fromUtf8(SX_SIM_EXE), args);
-}
-
 class TestSimCli : public QObject {
     Q_OBJECT
 
@@ -25,9 +19,11 @@ class TestSimCli : public QObject {
     ScratchDatabase m_scratch;
     Database m_db;
 
+    const QString m_sim = QString::fromUtf8(SX_SIM_EXE);
+
     ToolRun onScratch(const QStringList& args)
     {
-        return runSim(QStringList{u"--db"_s, m_scratch.url()} + args);
+        return runTool(m_sim, QStringList{u"--db"_s, m_scratch.url()} + args);
     }
 
     // Leaves the shared database without any table.
@@ -101,7 +97,7 @@ private slots:
         QFETCH(QString, args);
         QFETCH(int, exitCode);
         QFETCH(QString, mentions);
-        const ToolRun o = runSim(args.split(u' '));
+        const ToolRun o = runTool(m_sim, args.split(u' '));
         QCOMPARE(o.code, exitCode);
         QVERIFY2(o.err.contains(mentions), qPrintable(o.err));
         QCOMPARE(o.err.trimmed().count(u'\n'), 0);
@@ -121,7 +117,7 @@ private slots:
             QVERIFY(f.open(QIODevice::WriteOnly));
             f.write("not a database, just text\n");
         }
-        const ToolRun o = runSim({u"--db"_s, url, u"run"_s});
+        const ToolRun o = runTool(m_sim, {u"--db"_s, url, u"run"_s});
         QCOMPARE(o.code, 1);
         QCOMPARE(o.err.trimmed().count(u'\n'), 0);
         if (m_scratch.isPostgres()) {
@@ -138,8 +134,7 @@ private slots:
     {
         QCOMPARE(onScratch({u"init"_s}).code, 0);
         QProcess p;
-        p.start(QString::fromUtf8(SX_SIM_EXE),
-                {u"--db"_s, m_scratch.url(), u"run"_s, u"--interval"_s, u"100"_s});
+        p.start(m_sim, {u"--db"_s, m_scratch.url(), u"run"_s, u"--interval"_s, u"100"_s});
         QVERIFY(p.waitForReadyRead(10000)); // the start line: it is running
         p.terminate();
         QVERIFY(p.waitForFinished(10000));

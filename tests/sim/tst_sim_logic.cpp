@@ -15,11 +15,6 @@ using namespace sx::sim;
 
 namespace {
 
-QStringList words(const QString& line)
-{
-    return line.split(u' ', Qt::SkipEmptyParts);
-}
-
 // The parsed options that a row looks at, as one text.
 QString summary(const SimOptions& o)
 {
@@ -75,7 +70,7 @@ private slots:
     {
         QFETCH(QString, args);
         QFETCH(QString, mentions);
-        const ParsedOptions p = parseSimOptions(words(args));
+        const ParsedOptions p = parseSimOptions(args.split(u' ', Qt::SkipEmptyParts));
         const bool rejected = mentions.startsWith(u"error: ");
         const QString got = rejected ? p.error : summary(p.options);
         QVERIFY2(p.error.isEmpty() != rejected && got.contains(mentions.mid(rejected ? 7 : 0)),
@@ -83,7 +78,8 @@ private slots:
         QVERIFY(!p.error.contains(u'\n'));
 
         // Help asked first wins over anything after it.
-        const ParsedOptions help = parseSimOptions(words(u"--help "_s + args + u" --bogus"_s));
+        const ParsedOptions help =
+            parseSimOptions((u"--help "_s + args + u" --bogus"_s).split(u' '));
         QVERIFY(help.error.isEmpty());
         QCOMPARE(help.options.command, SimCommand::Help);
     }
