@@ -6,7 +6,6 @@
 #include "sim/StoreCounters.h"
 
 #include <QCryptographicHash>
-#include <QSet>
 #include <QTest>
 
 namespace sx::test {
@@ -19,24 +18,7 @@ inline qint64 seedEnd()
 
 inline sim::SeedOptions smallSeed(int days = 2, quint64 seed = 1)
 {
-    sim::SeedOptions o;
-    o.units = 12;
-    o.days = days;
-    o.seed = seed;
-    o.endSecs = seedEnd();
-    return o;
-}
-
-// The first column of the first row, as a whole number (-1 when there is none).
-inline qint64 scalar(Database& db, const QString& sql)
-{
-    Rows rows = db.read(sql);
-    if (!rows.next()) {
-        if (!rows.ok())
-            qWarning("query failed: %s: %s", qPrintable(sql), qPrintable(rows.error().description));
-        return -1;
-    }
-    return rows.integer(0).value_or(-1);
+    return {.units = 12, .days = days, .seed = seed, .endSecs = seedEnd()};
 }
 
 inline QStringList column(Database& db, const QString& sql)
@@ -48,6 +30,14 @@ inline QStringList column(Database& db, const QString& sql)
     if (!rows.ok())
         qWarning("query failed: %s: %s", qPrintable(sql), qPrintable(rows.error().description));
     return out;
+}
+
+// The first column of the first row, as a whole number (-1 when there is none).
+inline qint64 scalar(Database& db, const QString& sql)
+{
+    bool ok = false;
+    const qint64 v = column(db, sql).value(0).toLongLong(&ok);
+    return ok ? v : -1;
 }
 
 // A hash over every field of every row, NULL told apart from empty text.
@@ -65,30 +55,36 @@ inline QByteArray digest(Database& db, const QString& sql)
     return rows.ok() ? hash.result().toHex() : QByteArray("query failed");
 }
 
-// Every record (or event) store counter against its rows: whether stores with
-// and without rows were seen, empty on the first counter that disagrees.
-inline QSet<bool> storesAgree(Database& db, bool events)
+// Counts the powered points whose out-of-bounds flag disagrees with the reading and the limits
+// in force (unpowered ones only when a reading is out yet not flagged).
+inline QString boundsDisagree()
 {
-    Rows rows = db.read(
-        events ? QStringLiteral(
-                     "SELECT SyI_EventsTable_Pagebyteswritt, SyI_EventsTable_Lastpagesn, (SELECT "
-                     "COUNT(*) FROM Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber) FROM "
-                     "Systems_Info")
-               : QStringLiteral(
-                     "SELECT SeI_RecordsTable_Pagebyteswrit, SeI_RecordsTable_Lastpagesn, (SELECT "
-                     "COUNT(*) FROM Records WHERE Rec_SyI_Serialnumber=SeI_SyI_Serialnumber AND "
-                     "Rec_SeI_Sensornumber=SeI_Sensornumber) FROM Sensors_Info"));
-    QSet<bool> seen;
-    while (rows.next()) {
-        const qint64 n = rows.integer(2).value_or(-1);
-        const sim::StoreCounters c =
-            sim::storeCounters(n, events ? sim::kEventEntryBytes : sim::kRecordEntryBytes);
-        if (rows.integer(0).value_or(-1) != c.pageBytes ||
-            rows.integer(1).value_or(-1) != c.lastPage)
-            return {};
-        seen.insert(n > 0);
-    }
-    return rows.ok() ? seen : QSet<bool>{};
+    const QString out = QStringLiteral(
+        "(SeI_Sensortype=2 AND SeCC_Currvalue>0 OR SeI_Sensortype<>2 AND (SeI_Maxlimitused=1 AND "
+        "SeCC_Currvalue>SeI_Maxlimit+(%1) OR SeI_Minlimitused=1 AND "
+        "SeCC_Currvalue<SeI_Minlimit-(%1)))");
+    return QStringLiteral(
+               "SELECT COUNT(*) FROM Sensors_Info JOIN Sensors_Current_Condition ON "
+               "SeCC_SyI_Serialnumber=SeI_SyI_Serialnumber AND "
+               "SeCC_Sensornumber=SeI_Sensornumber WHERE COALESCE(SeCC_Outofbounds, 0)<>1 "
+               "AND %1 OR SeCC_Outofbounds=1 AND SeCC_Notpowered=0 AND NOT %2")
+        .arg(out.arg(u"0.001"), out.arg(u"-0.001"));
+}
+
+// Counts the record (or event) stores whose counters disagree with their rows.
+inline QString storesDisagree(bool events)
+{
+    const qint64 bytes = events ? sim::kEventEntryBytes : sim::kRecordEntryBytes;
+    return QStringLiteral(
+               "SELECT COUNT(*) FROM (SELECT %1 b, %2 p, (SELECT COUNT(*) FROM %3) * %4 n "
+               "FROM %5) t WHERE b <> n % %6 OR p <> n / %6")
+        .arg(events ? u"SyI_EventsTable_Pagebyteswritt" : u"SeI_RecordsTable_Pagebyteswrit",
+             events ? u"SyI_EventsTable_Lastpagesn" : u"SeI_RecordsTable_Lastpagesn",
+             events ? u"Events_1 WHERE Event_SyI_Serialnumber=SyI_Serialnumber"
+                    : u"Records WHERE Rec_SyI_Serialnumber=SeI_SyI_Serialnumber AND "
+                      "Rec_SeI_Sensornumber=SeI_Sensornumber",
+             QString::number(bytes), events ? u"Systems_Info" : u"Sensors_Info",
+             QString::number(sim::kStorePageBytes));
 }
 
 } // namespace sx::test

@@ -44,25 +44,24 @@ private slots:
         QTest::addColumn<int>("reply");
         QTest::addColumn<QString>("stateColumn");
         QTest::addColumn<int>("state"); // -1: unchanged
-
-        const QString relay = u"SyCC_RelayBcondition"_s;
-        const QString phone = u"SyCC_Alarmcondition"_s;
+        const auto row = [](const char* tag, const QString& serial, int type, const QString& fields,
+                            int reply, const QString& column, int state) {
+            QTest::newRow(tag) << serial << type << fields << reply << column << state;
+        };
+        const QString relay = u"SyCC_RelayBcondition"_s, phone = u"SyCC_Alarmcondition"_s;
         // The decisions themselves are tst_sim_logic's table; here what is read from and
         // written to the database. SX100001: relay on, code 1234. SX100002: 1B 1.14 (older
         // form), relay off, code 0042, point 2 unused. SX100003: 1A 1.15 (extended by model
         // and version). SX100004 offline.
-        QTest::newRow("stored code keeps its leading zero")
-            << u"SX100002"_s << 2 << u"!042;1"_s << 2 << relay << -1;
-        QTest::newRow("offline unit") << u"SX100004"_s << 2 << u";1"_s << 3 << relay << -1;
-        QTest::newRow("unknown unit") << u"SX999999"_s << 2 << u"!1234;1"_s << 3 << QString() << -1;
-        QTest::newRow("relay on") << u"SX100002"_s << 2 << u";1"_s << 1 << relay << 1;
-        QTest::newRow("relay off") << u"SX100001"_s << 2 << u";0"_s << 1 << relay << 0;
-        QTest::newRow("quoted serial") << u"SX'Q7"_s << 2 << u";1"_s << 1 << relay << 1;
-        QTest::newRow("extended at 1.15") << u"SX100003"_s << 1 << u";0"_s << 1 << phone << 0;
-        QTest::newRow("older form with delay")
-            << u"SX100002"_s << 1 << u";1;05"_s << 1 << phone << 1;
-        QTest::newRow("bypass of unused point")
-            << u"SX100002"_s << 3 << u";2;1"_s << 5 << QString() << -1;
+        row("stored code keeps its leading zero", u"SX100002"_s, 2, u"!042;1"_s, 2, relay, -1);
+        row("offline unit", u"SX100004"_s, 2, u";1"_s, 3, relay, -1);
+        row("unknown unit", u"SX999999"_s, 2, u"!1234;1"_s, 3, {}, -1);
+        row("relay on", u"SX100002"_s, 2, u";1"_s, 1, relay, 1);
+        row("relay off", u"SX100001"_s, 2, u";0"_s, 1, relay, 0);
+        row("quoted serial", u"SX'Q7"_s, 2, u";1"_s, 1, relay, 1);
+        row("extended at 1.15", u"SX100003"_s, 1, u";0"_s, 1, phone, 0);
+        row("older form with delay", u"SX100002"_s, 1, u";1;05"_s, 1, phone, 1);
+        row("bypass of unused point", u"SX100002"_s, 3, u";2;1"_s, 5, {}, -1);
     }
 
     void answers()
@@ -70,60 +69,42 @@ private slots:
         QFETCH(QString, serial);
         QFETCH(int, type);
         QFETCH(QString, fields);
-        QFETCH(int, reply);
         QFETCH(QString, stateColumn);
         QFETCH(int, state);
-
-        const QString attributes = fields.startsWith(u'!') ? fields.mid(1) : code(serial) + fields;
-        const QString stateSql = u"SELECT "_s + stateColumn +
-                                 u" FROM Systems_Current_Condition WHERE SyCC_SyI_Serialnumber="_s +
-                                 sqlQuote(serial);
-        const qint64 before = stateColumn.isEmpty() ? 0 : scalar(m_db, stateSql);
-        const qint64 eventsBefore = scalar(m_db, u"SELECT COUNT(*) FROM Events_1"_s);
-        insertRequest(serial, type, attributes);
+        const qint64 before = stateColumn.isEmpty() ? 0 : unitState(stateColumn, serial);
+        const qint64 events = count(u"Events_1"_s);
+        insertRequest(serial, type,
+                      fields.startsWith(u'!') ? fields.mid(1) : code(serial) + fields);
         QCOMPARE(answerNow(), 1);
-        QCOMPARE(replyOf(serial), reply);
+        QTEST(int(replyOf(serial)), "reply");
         if (!stateColumn.isEmpty())
-            QCOMPARE(scalar(m_db, stateSql), state < 0 ? before : qint64(state));
-        // Only a bypass writes an event.
-        QCOMPARE(scalar(m_db, u"SELECT COUNT(*) FROM Events_1"_s), eventsBefore);
+            QCOMPARE(unitState(stateColumn, serial), state < 0 ? before : qint64(state));
+        QCOMPARE(count(u"Events_1"_s), events); // only a bypass writes an event
     }
 
     void bypassRecordsAnEventAndClearsTheAlarm()
     {
         // SX100001 point 7 is in alarm and out of its limits after the seed.
-        const QString point =
-            u" FROM Sensors_Current_Condition WHERE SeCC_SyI_Serialnumber='SX100001' AND "
-            "SeCC_Sensornumber=7"_s;
-        QCOMPARE(scalar(m_db, u"SELECT SeCC_Alarmcondition"_s + point), 1);
-        const qint64 lastSn = scalar(m_db, u"SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE "
-                                           "Event_SyI_Serialnumber='SX100001'"_s);
+        QCOMPARE(pointAlarm(7), 1);
+        const qint64 lastSn = lastEvent();
         insertRequest(u"SX100001"_s, 3, u"1234;7;1"_s);
         const qint64 now = secsFromCivil({2024, 3, 10, 12, 30, 0});
-        sim::RequestPolicy policy;
-        policy.answerDelayMs = 0;
-        sim::RequestHandler handler(m_db, policy, [now] { return now; });
+        sim::RequestHandler handler(m_db, {.answerDelayMs = 0, .forcedReply = {}},
+                                    [now] { return now; });
         QVERIFY(!handler.poll(0).isError());
         QCOMPARE(replyOf(u"SX100001"_s), 1);
-        QCOMPARE(scalar(m_db, u"SELECT SeCC_Alarmcondition"_s + point), 0);
-
-        Rows ev = m_db.read(
-            u"SELECT Event_SystemEventSN, Event_Datetime, Event_EventSource, Event_Info1, "
-            "Event_Ack FROM Events_1 WHERE Event_SyI_Serialnumber='SX100001' AND "
-            "Event_SystemEventSN>"_s +
-            QString::number(lastSn));
-        QVERIFY(ev.next());
-        QCOMPARE(ev.integer(0).value_or(-1), lastSn + 1);
-        QCOMPARE(ev.dateTime(1).value_or(-1), now);
-        QCOMPARE(ev.integer(2).value_or(-1), 25);
-        QCOMPARE(ev.text(3).value_or(QString()), u"2;7;24"_s);
-        QCOMPARE(ev.integer(4).value_or(-1), 0);
-        QVERIFY(!ev.next());
+        QCOMPARE(pointAlarm(7), 0);
+        const QString added =
+            u" FROM Events_1 WHERE Event_SyI_Serialnumber='SX100001' AND Event_SystemEventSN>"_s +
+            QString::number(lastSn);
+        QCOMPARE(column(m_db, u"SELECT Event_SystemEventSN || '|' || Event_EventSource || '|' || "
+                              "Event_Info1 || '|' || Event_Ack"_s +
+                                  added),
+                 QStringList{u"%1|25|2;7;24|0"_s.arg(lastSn + 1)});
+        QCOMPARE(column(m_db, u"SELECT Event_Datetime"_s + added).value(0).left(19),
+                 sqlDateTimeText(now));
         QVERIFY(handler.bypasses().contains(sim::bypassKey(u"SX100001"_s, 7)));
-        // The event store counters follow the new event.
-        QVERIFY(scalar(m_db,
-                       u"SELECT SyI_EventsTable_Pagebyteswritt + SyI_EventsTable_Lastpagesn FROM "
-                       "Systems_Info WHERE SyI_Serialnumber='SX100001'"_s) > 0);
+        QCOMPARE(scalar(m_db, storesDisagree(true)), 0); // the counters follow the new event
 
         // Back in service: done, no further event, the bypass is gone.
         QVERIFY(!m_db.deleteRows(schema::TerminalRequests::table, {}).isError());
@@ -131,61 +112,47 @@ private slots:
         QVERIFY(!handler.poll(0).isError());
         QCOMPARE(replyOf(u"SX100001"_s), 1);
         QVERIFY(handler.bypasses().isEmpty());
-        QCOMPARE(scalar(m_db, u"SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE "
-                              "Event_SyI_Serialnumber='SX100001'"_s),
-                 lastSn + 1);
+        QCOMPARE(lastEvent(), lastSn + 1);
     }
 
-    void forcedReplyChangesNothing()
+    // Replies of SX100002 (relay off, asked on) at 10000, 10999 and 11000 ms; of offline
+    // SX100004 at the end. Only a real answer moves the relay.
+    void policies_data()
     {
-        const QString relaySql =
-            u"SELECT SyCC_RelayBcondition FROM Systems_Current_Condition WHERE "
-            "SyCC_SyI_Serialnumber='SX100009'"_s;
-        const qint64 relay = scalar(m_db, relaySql);
-        insertRequest(u"SX100009"_s, 2, code(u"SX100009"_s) + (relay == 1 ? u";0"_s : u";1"_s));
-        insertRequest(u"SX100004"_s, 2, u"1;1"_s);
-        sim::RequestPolicy policy;
-        policy.forcedReply = 6;
-        QCOMPARE(answerNow(policy), 2);
-        QCOMPARE(replyOf(u"SX100009"_s), 6);
-        QCOMPARE(replyOf(u"SX100004"_s), 6);
-        QCOMPARE(scalar(m_db, relaySql), relay);
+        QTest::addColumn<int>("delayMs");
+        QTest::addColumn<bool>("noAnswer");
+        QTest::addColumn<int>("forced");
+        QTest::addColumn<QList<qint64>>("replies");
+        QTest::addColumn<qint64>("offline");
+        QTest::newRow("after the delay") << 1000 << false << 0 << QList<qint64>{0, 0, 1} << 3LL;
+        QTest::newRow("no answer") << 0 << true << 0 << QList<qint64>{0, 0, 0} << 0LL;
+        QTest::newRow("forced reply changes nothing")
+            << 0 << false << 6 << QList<qint64>{6, 6, 6} << 6LL;
     }
-
-    void noAnswerLeavesRowsPending()
+    void policies()
     {
-        insertRequest(u"SX100001"_s, 2, u"1234;1"_s);
-        sim::RequestPolicy policy;
-        policy.answerDelayMs = 0;
-        policy.noAnswer = true;
-        sim::RequestHandler handler(m_db, policy);
-        for (qint64 t : {0, 1000, 100000}) {
-            int answered = -1;
-            QVERIFY(!handler.poll(t, &answered).isError());
-            QCOMPARE(answered, 0);
-        }
-        QCOMPARE(
-            scalar(m_db,
-                   u"SELECT COUNT(*) FROM Terminal_Requests WHERE TrmReq_Requestcompleted=0"_s),
-            1);
-    }
-
-    void answerWaitsForTheDelay()
-    {
-        sim::RequestPolicy policy;
-        policy.answerDelayMs = 1000;
+        QFETCH(int, delayMs);
+        QFETCH(bool, noAnswer);
+        QFETCH(int, forced);
+        QFETCH(QList<qint64>, replies);
+        const sim::RequestPolicy policy{.answerDelayMs = delayMs,
+                                        .forcedReply =
+                                            forced ? std::optional(forced) : std::nullopt,
+                                        .noAnswer = noAnswer};
+        QVERIFY(!m_db.exec(u"UPDATE Systems_Current_Condition SET SyCC_RelayBcondition=0 WHERE "
+                           "SyCC_SyI_Serialnumber='SX100002'"_s)
+                     .isError());
         sim::RequestHandler handler(m_db, policy);
         QVERIFY(!handler.poll(5000).isError()); // nothing pending yet
-        insertRequest(u"SX100002"_s, 2, u"0042;0"_s);
+        insertRequest(u"SX100002"_s, 2, u"0042;1"_s);
+        insertRequest(u"SX100004"_s, 2, u"1;1"_s);
         // The delay counts from when the row was first seen, not from the handler's start.
-        QVERIFY(!handler.poll(10000).isError());
-        QCOMPARE(replyOf(u"SX100002"_s), 0);
-        QVERIFY(!handler.poll(10999).isError());
-        QCOMPARE(replyOf(u"SX100002"_s), 0);
-        int answered = 0;
-        QVERIFY(!handler.poll(11000, &answered).isError());
-        QCOMPARE(answered, 1);
-        QCOMPARE(replyOf(u"SX100002"_s), 1);
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(!handler.poll(QList<qint64>{10000, 10999, 11000}[i]).isError());
+            QCOMPARE(replyOf(u"SX100002"_s), replies[i]);
+        }
+        QTEST(replyOf(u"SX100004"_s), "offline");
+        QCOMPARE(unitState(u"SyCC_RelayBcondition"_s, u"SX100002"_s), replies.last() == 1 ? 1 : 0);
     }
 
     void oddRowsAreAnsweredOnceAndRight()
@@ -199,86 +166,62 @@ private slots:
         QCOMPARE(answerNow(), 3);            // the identical pair counts once
         QCOMPARE(replyOf(u"SX100001"_s), 2); // missing attributes are malformed
         QCOMPARE(replyOf(u"SX100003"_s), 4); // a completed row is left alone
-        const QString done =
-            u"SELECT COUNT(*) FROM Terminal_Requests WHERE TrmReq_Requestcompleted=1 AND "_s;
-        QCOMPARE(
-            scalar(m_db, done + u"TrmReq_SyI_Serialnumber='SX100002' AND TrmReq_Requestreply=1"_s),
-            2);
-        QCOMPARE(
-            scalar(m_db, done + u"TrmReq_SyI_Serialnumber IS NULL AND TrmReq_Requestreply=3"_s), 1);
+        const QString done = u"Terminal_Requests WHERE TrmReq_Requestcompleted=1 AND "_s;
+        QCOMPARE(count(done + u"TrmReq_SyI_Serialnumber='SX100002' AND TrmReq_Requestreply=1"_s),
+                 2);
+        QCOMPARE(count(done + u"TrmReq_SyI_Serialnumber IS NULL AND TrmReq_Requestreply=3"_s), 1);
     }
 
     void ticksMoveOnlineUnits()
     {
-        const QString conditions =
-            u"SELECT * FROM Sensors_Current_Condition WHERE SeCC_SyI_Serialnumber IN "
-            "('SX100004','SX100005','SX100008') ORDER BY 1, 2"_s;
-        const QByteArray quiet = digest(m_db, conditions);
-        const QString unpowered = u"SELECT SeCC_Currvalue FROM Sensors_Current_Condition WHERE "
-                                  "SeCC_SyI_Serialnumber='SX100001' AND SeCC_Sensornumber=6"_s;
-        const QByteArray unpoweredBefore = digest(m_db, unpowered);
-        const QString onlineValues =
-            u"SELECT SeCC_Currvalue FROM Sensors_Current_Condition WHERE "
-            "SeCC_SyI_Serialnumber='SX100001' ORDER BY SeCC_Sensornumber"_s;
-        const QByteArray online = digest(m_db, onlineValues);
-
-        sim::LiveOptions o;
-        o.recordSecs = 60;
-        sim::LiveServer live(m_db, o);
+        const QString values = u"SELECT * FROM Sensors_Current_Condition WHERE "_s;
+        const QString quiet = values + u"SeCC_SyI_Serialnumber IN ('SX100004','SX100005',"
+                                       "'SX100008') ORDER BY 1, 2"_s,
+                      unpowered = values + u"SeCC_SyI_Serialnumber='SX100001' AND "
+                                           "SeCC_Sensornumber=6"_s,
+                      online = values + u"SeCC_SyI_Serialnumber='SX100001' ORDER BY 2"_s;
+        const QByteArray quietBefore = digest(m_db, quiet),
+                         unpoweredBefore = digest(m_db, unpowered),
+                         onlineBefore = digest(m_db, online);
+        sim::LiveServer live(m_db, {});
         sim::TickSummary total;
         runTicks(live, 3, 2, &total);
 
         // Offline, programming and unused units report nothing; neither do unpowered points.
-        QCOMPARE(digest(m_db, conditions), quiet);
+        QCOMPARE(digest(m_db, quiet), quietBefore);
         QCOMPARE(digest(m_db, unpowered), unpoweredBefore);
-        QVERIFY(digest(m_db, onlineValues) != online);
+        QVERIFY(digest(m_db, online) != onlineBefore);
         QVERIFY(total.readings > 0);
 
         // Clocks that are set follow the polls; unset ones stay unset.
-        const auto rtc = [&](const char* serial) {
-            return column(m_db, u"SELECT SyCC_Rtc FROM Systems_Current_Condition WHERE "
-                                "SyCC_SyI_Serialnumber='%1'"_s.arg(QLatin1StringView(serial)))
-                .value(0)
-                .left(19);
-        };
-        QCOMPARE(rtc("SX100001"), sqlDateTimeText(m_now));
-        QCOMPARE(rtc("SX100003"), u"<null>"_s);
-        QCOMPARE(rtc("SX100010").left(10), u"1899-12-30"_s);
-        QVERIFY(rtc("SX100004") != sqlDateTimeText(m_now));
+        const QStringList rtc = column(
+            m_db, u"SELECT SyCC_Rtc FROM Systems_Current_Condition WHERE SyCC_SyI_Serialnumber IN "
+                  "('SX100001','SX100003','SX100004','SX100010') ORDER BY SyCC_SyI_Serialnumber"_s);
+        QCOMPARE(rtc.size(), 4);
+        QCOMPARE(rtc[0].left(19), sqlDateTimeText(m_now));
+        QCOMPARE(rtc[1], u"<null>"_s);
+        QVERIFY(rtc[2].left(19) != sqlDateTimeText(m_now));
+        QCOMPARE(rtc[3].left(10), u"1899-12-30"_s);
 
         // Out of bounds always agrees with the reading and the limits in force.
-        Rows rows = m_db.read(
-            u"SELECT SeI_Sensortype, SeI_Minlimit, SeI_Maxlimit, SeI_Minlimitused, "
-            u"SeI_Maxlimitused, "
-            "SeCC_Currvalue, SeCC_Outofbounds FROM Sensors_Info JOIN Sensors_Current_Condition ON "
-            "SeCC_SyI_Serialnumber=SeI_SyI_Serialnumber AND SeCC_Sensornumber=SeI_Sensornumber "
-            "WHERE SeI_SyI_Serialnumber='SX100001' AND SeCC_Notpowered=0"_s);
-        while (rows.next()) {
-            const bool out = sim::outOfLimits(
-                int(rows.intOr(u"SeI_Sensortype")), rows.intOr(u"SeI_Minlimitused") == 1,
-                rows.realOr(u"SeI_Minlimit"), rows.intOr(u"SeI_Maxlimitused") == 1,
-                rows.realOr(u"SeI_Maxlimit"), rows.realOr(u"SeCC_Currvalue"));
-            QCOMPARE(rows.intOr(u"SeCC_Outofbounds"), qint64(out ? 1 : 0));
-        }
-        QVERIFY(rows.ok());
+        QCOMPARE(scalar(m_db, boundsDisagree()), 0);
     }
 
     void recordsAndEventsContinueTheirSequences()
     {
-        const qint64 recordsBefore = scalar(m_db, u"SELECT COUNT(*) FROM Records"_s);
-        const qint64 unloggedBefore =
-            scalar(m_db, u"SELECT COUNT(*) FROM Sensors_Info WHERE SeI_Used=1 AND "
-                         "SeI_RecordsTable_Pagebyteswrit=0 AND SeI_RecordsTable_Lastpagesn=0"_s);
-        sim::LiveOptions o;
-        o.recordSecs = 0; // a record every round
-        o.stepSecs = 120; // long rounds: many crossings in few ticks
-        sim::LiveServer live(m_db, o);
+        const qint64 recordsBefore = count(u"Records"_s);
+        const QString unlogged =
+            u"Sensors_Info WHERE SeI_Used=1 AND "
+            "SeI_RecordsTable_Pagebyteswrit=0 AND SeI_RecordsTable_Lastpagesn=0"_s;
+        const qint64 unloggedBefore = count(unlogged);
+        // A record every round; long rounds: many crossings in few ticks.
+        sim::LiveServer live(m_db, {.recordSecs = 0, .stepSecs = 120});
         sim::TickSummary total;
         runTicks(live, 15, 120, &total);
 
         QVERIFY(total.records > 0);
         QVERIFY(total.events > 0);
-        QCOMPARE(scalar(m_db, u"SELECT COUNT(*) FROM Records"_s), recordsBefore + total.records);
+        QCOMPARE(count(u"Records"_s), recordsBefore + total.records);
         // Every sequence stays 1..n without gaps or repeats; live point events carry the point's
         // condition and type.
         for (const char* broken :
@@ -291,101 +234,88 @@ private slots:
               "Events_1 e JOIN Sensors_Info ON SeI_SyI_Serialnumber=Event_SyI_Serialnumber AND "
               "SeI_Sensornumber=Event_EventSource WHERE Event_Datetime>'2024-03-10 12:00:00' AND "
               "(Event_Condition NOT IN (0,1) OR Event_SeI_Sensortype<>SeI_Sensortype)"})
-            QVERIFY2(scalar(m_db, u"SELECT COUNT(*) FROM "_s + QLatin1StringView(broken)) == 0,
-                     broken);
+            QVERIFY2(count(QString::fromLatin1(broken)) == 0, broken);
         // Points without a record store stay without records.
-        QCOMPARE(scalar(m_db,
-                        u"SELECT COUNT(*) FROM Sensors_Info WHERE SeI_Used=1 AND "
-                        "SeI_RecordsTable_Pagebyteswrit=0 AND SeI_RecordsTable_Lastpagesn=0"_s),
-                 unloggedBefore);
-
-        QVERIFY(!storesAgree(m_db, false).isEmpty());
-        QVERIFY(!storesAgree(m_db, true).isEmpty());
+        QCOMPARE(count(unlogged), unloggedBefore);
+        QCOMPARE(scalar(m_db, storesDisagree(false)), 0);
+        QCOMPARE(scalar(m_db, storesDisagree(true)), 0);
     }
 
     void bypassedPointRaisesNothing()
     {
-        sim::RequestPolicy policy;
-        policy.answerDelayMs = 0;
-        sim::RequestHandler requests(m_db, policy, [this] { return m_now; });
-        QVERIFY(
-            !m_db.exec(
-                     u"INSERT INTO Terminal_Requests VALUES ('SX100001', 3, '1234;3;1', 0, 0, NULL)"_s)
-                 .isError());
+        sim::RequestHandler requests(m_db, {.answerDelayMs = 0, .forcedReply = {}},
+                                     [this] { return m_now; });
+        insertRequest(u"SX100001"_s, 3, u"1234;3;1"_s);
         QVERIFY(!requests.poll(0).isError());
-
-        sim::LiveOptions o;
-        o.stepSecs = 120;
-        sim::LiveServer live(m_db, o, &requests.bypasses());
+        sim::LiveServer live(m_db, {.stepSecs = 120}, &requests.bypasses());
         runTicks(live, 15, 120);
 
-        const QString since = u" AND Event_Datetime>'2024-03-10 12:00:00'"_s;
         // Point 3 is a contact input; unbypassed it opens and closes in these rounds.
-        QVERIFY(scalar(m_db,
-                       u"SELECT COUNT(*) FROM Events_1 WHERE Event_SyI_Serialnumber='SX100001' AND "
-                       "Event_EventSource BETWEEN 1 AND 20 AND Event_EventSource<>3"_s +
-                           since) > 0);
-        QCOMPARE(
-            scalar(m_db,
-                   u"SELECT COUNT(*) FROM Events_1 WHERE Event_SyI_Serialnumber='SX100001' AND "
-                   "Event_EventSource=3"_s +
-                       since),
-            0);
-        QCOMPARE(scalar(m_db, u"SELECT SeCC_Alarmcondition FROM Sensors_Current_Condition WHERE "
-                              "SeCC_SyI_Serialnumber='SX100001' AND SeCC_Sensornumber=3"_s),
-                 0);
+        const QString since = u"Events_1 WHERE Event_SyI_Serialnumber='SX100001' AND "
+                              "Event_Datetime>'2024-03-10 12:00:00' AND "_s;
+        QVERIFY(count(since + u"Event_EventSource BETWEEN 1 AND 20 AND Event_EventSource<>3"_s) >
+                0);
+        QCOMPARE(count(since + u"Event_EventSource=3"_s), 0);
+        QCOMPARE(pointAlarm(3), 0);
     }
 
     void newMessagesAge()
     {
-        auto counters = [this] {
-            QHash<QString, std::pair<qint64, qint64>> out; // message -> (recipients, age)
-            Rows rows =
-                m_db.read(u"SELECT SeE_SyI_Serialnumber, SeE_Sensornumber, SeE_Eventnumber, "
-                          "SeE_Recipients, SeE_BeforeCounter FROM Sensors_Events"_s);
-            while (rows.next()) {
-                out.insert(rows.textOr(u"SeE_SyI_Serialnumber") + u'#' +
-                               QString::number(rows.intOr(u"SeE_Sensornumber")) + u'#' +
-                               QString::number(rows.intOr(u"SeE_Eventnumber")),
-                           {rows.intOr(u"SeE_Recipients"), rows.intOr(u"SeE_BeforeCounter")});
-            }
+        const auto ages = [this](const char* age) {
+            QHash<QString, qint64> out;
+            Rows rows = m_db.read(
+                u"SELECT SeE_SyI_Serialnumber || '#' || SeE_Sensornumber || '#' "
+                "|| SeE_Eventnumber, %1 FROM Sensors_Events"_s.arg(QLatin1StringView(age)));
+            while (rows.next())
+                out.insert(rows.text(0).value_or(QString()), rows.integer(1).value_or(-1));
             return out;
         };
-        sim::LiveServer live(m_db, sim::LiveOptions{});
+        sim::LiveServer live(m_db, {});
         runTicks(live, 1, 2);
-        const auto before = counters();
+        QVERIFY(count(u"Sensors_Events WHERE SeE_Recipients<>0"_s) > 0);
+        // Waiting messages grow older by the time between rounds; archived ones keep their age.
+        const auto expected =
+            ages("SeE_BeforeCounter + CASE WHEN SeE_Recipients<>0 THEN 7 ELSE 0 END");
         runTicks(live, 1, 7);
-        const auto after = counters();
-        int waiting = 0;
-        for (auto it = before.begin(); it != before.end(); ++it) {
-            // Waiting messages grow older by the time between rounds; archived ones keep their age.
-            const qint64 expected = it->second + (it->first != 0 ? 7 : 0);
-            QCOMPARE(after.value(it.key()).second, expected);
-            waiting += it->first != 0;
-        }
-        QVERIFY(waiting > 0);
+        const auto after = ages("SeE_BeforeCounter");
+        for (auto it = expected.begin(); it != expected.end(); ++it)
+            QCOMPARE(after.value(it.key(), -1), it.value());
     }
 
 private:
     void insertRequest(const QString& serial, int type, const QString& attributes)
     {
-        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES (%1, %2, %3, 0, 0, NULL)"_s
-                               .arg(sqlQuote(serial))
-                               .arg(type)
-                               .arg(sqlQuote(attributes)))
+        QVERIFY(!m_db.exec(u"INSERT INTO Terminal_Requests VALUES (%1, %2, %3, 0, 0, NULL)"_s.arg(
+                               sqlQuote(serial), QString::number(type), sqlQuote(attributes)))
                      .isError());
     }
 
-    // The unit's code as the seed stored it.
     QString code(const QString& serial) { return sim::unitCode(m_db, serial).value_or(QString()); }
+    qint64 count(const QString& from) { return scalar(m_db, u"SELECT COUNT(*) FROM "_s + from); }
+    qint64 lastEvent()
+    {
+        return scalar(m_db, u"SELECT MAX(Event_SystemEventSN) FROM Events_1 WHERE "
+                            "Event_SyI_Serialnumber='SX100001'"_s);
+    }
+    qint64 unitState(const QString& column, const QString& serial)
+    {
+        return scalar(m_db, u"SELECT %1 FROM Systems_Current_Condition WHERE "
+                            "SyCC_SyI_Serialnumber=%2"_s.arg(column, sqlQuote(serial)));
+    }
+    qint64 pointAlarm(int point)
+    {
+        return scalar(m_db,
+                      u"SELECT SeCC_Alarmcondition FROM Sensors_Current_Condition WHERE "
+                      "SeCC_SyI_Serialnumber='SX100001' AND SeCC_Sensornumber=%1"_s.arg(point));
+    }
 
     // The reply of the unit's request, 0 while it is pending.
     qint64 replyOf(const QString& serial)
     {
-        Rows rows = m_db.read(u"SELECT TrmReq_Requestreply FROM Terminal_Requests WHERE "
-                              u"TrmReq_Requestcompleted<>0 AND TrmReq_SyI_Serialnumber="_s +
-                              sqlQuote(serial));
-        return rows.next() ? rows.integer(0).value_or(-1) : 0;
+        const qint64 r = scalar(m_db, u"SELECT TrmReq_Requestreply FROM Terminal_Requests WHERE "
+                                      u"TrmReq_Requestcompleted<>0 AND TrmReq_SyI_Serialnumber="_s +
+                                          sqlQuote(serial));
+        return r < 0 ? 0 : r;
     }
 
     // One poll with no answer delay; how many rows it answered, -1 on error.
@@ -397,11 +327,11 @@ private:
         return handler.poll(0, &answered).isError() ? -1 : answered;
     }
 
-    // Runs `count` rounds `stepSecs` apart after the seeded history.
-    void runTicks(sim::LiveServer& live, int count, qint64 stepSecs,
+    // Runs `rounds` rounds `stepSecs` apart after the seeded history.
+    void runTicks(sim::LiveServer& live, int rounds, qint64 stepSecs,
                   sim::TickSummary* total = nullptr)
     {
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < rounds; ++i) {
             m_now += stepSecs;
             sim::TickSummary s;
             const DbError e = live.tick(m_now, &s);
