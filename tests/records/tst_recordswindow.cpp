@@ -3,6 +3,7 @@
 #include "PdfText.h"
 #include "RecordsSeed.h"
 #include "SkipOrFail.h"
+#include "model/records/RecordsQuery.h"
 #include "reports/Colors.h"
 #include "reports/ReportPainter.h"
 #include "reports/records/RecordsModel.h"
@@ -39,12 +40,27 @@
 using namespace Qt::StringLiterals;
 using namespace sx;
 using namespace sx::test;
+using records::Marking;
+using records::ZoneEntry;
+
+Q_DECLARE_METATYPE(sx::records::ZoneEntry)
 
 namespace {
+
+ZoneEntry zone(int type, float max = 30, float min = 10, bool maxUsed = true, bool minUsed = true,
+               const QString& serial = u"S"_s, int number = 1)
+{
+    return {serial, number, type, max, min, maxUsed, minUsed, {}};
+}
 
 constexpr char16_t kMain[] = u"http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 // The system Python: openpyxl, the independent reader of the workbooks, comes from Debian.
 const QString kPython = u"/usr/bin/python3"_s;
+#ifdef SX_TEMPLATE_FILE
+const QString kTemplate = QStringLiteral(SX_TEMPLATE_FILE);
+#else
+const QString kTemplate;
+#endif
 
 // The sheet's dimension, then "ref=text|style" of each cell in document order
 // (text inline or the raw <v>); a cell outside the sheet's namespace is marked.
@@ -156,14 +172,13 @@ class TestRecordsWindow : public QObject {
 private slots:
     void init()
     {
-        // The workbook's own parts need no database.
+        // The rules and the workbook's own parts need no window.
         const QByteArray test = QTest::currentTestFunction();
-        if (test.startsWith("sheet") || test.startsWith("template"))
+        if (test.startsWith("rule") || test.startsWith("sheet") || test.startsWith("template"))
             return;
         if (test.startsWith("export") || test.startsWith("failedSaves")) {
-#ifndef SX_TEMPLATE_FILE
-            SX_SKIP_OR_FAIL("built without the workbook template");
-#endif
+            if (kTemplate.isEmpty())
+                SX_SKIP_OR_FAIL("built without the workbook template");
             if (toolOutput(kPython, {u"-c"_s, u"import openpyxl; print(1)"_s}) != u"1\n")
                 SX_SKIP_OR_FAIL("python3 with openpyxl is not installed");
         }
@@ -181,6 +196,150 @@ private slots:
         m_fx.reset();
     }
 
+    void rulePeriodIncludesBothEnds_data()
+    {
+        QTest::addColumn<int>("year");
+        QTest::addColumn<int>("month"); // index in the list; 12 is the whole year
+        QTest::addColumn<QString>("period");
+        QTest::newRow("leap february") << 2024 << 1 << u"2024-02-01 00:00:00 2024-02-29 23:59:59"_s;
+        QTest::newRow("plain february")
+            << 2026 << 1 << u"2026-02-01 00:00:00 2026-02-28 23:59:59"_s;
+        QTest::newRow("december") << 2025 << 11 << u"2025-12-01 00:00:00 2025-12-31 23:59:59"_s;
+        QTest::newRow("last listed year")
+            << 2255 << 12 << u"2255-01-01 00:00:00 2255-12-31 23:59:59"_s;
+    }
+
+    void rulePeriodIncludesBothEnds()
+    {
+        QFETCH(int, year);
+        QFETCH(int, month);
+        const records::Period p = records::recordsPeriod(records::yearIndexOf(year), month);
+        QTEST(sqlDateTimeText(p.fromSecs) + u' ' + sqlDateTimeText(p.toSecs), "period");
+    }
+
+    void ruleQueryText()
+    {
+        const QString sql =
+            records::recordsSql(DbKind::Oracle, zone(0, 30, 10, true, true, u"O'K"_s, 7),
+                                records::recordsPeriod(26, 2));
+        QCOMPARE(
+            sql,
+            u"SELECT Rec_SyI_Serialnumber, Rec_SeI_Sensornumber, Rec_Datetime, Rec_Value, Rec_Sensortype, Rec_SensRecSN FROM Records WHERE Rec_SyI_Serialnumber='O''K' AND Rec_SeI_Sensornumber=7 AND Rec_Datetime BETWEEN TO_DATE('1-3-2026 0:0:0','DD-MM-YYYY HH24:MI:SS') AND TO_DATE('31-3-2026 23:59:59','DD-MM-YYYY HH24:MI:SS')"_s);
+    }
+
+    void ruleLimitTexts_data()
+    {
+        QTest::addColumn<ZoneEntry>("zone");
+        QTest::addColumn<QString>("expected"); // min text, max text, min caption, max caption
+        const auto row = [](const char* name, int type, bool minUsed, bool maxUsed,
+                            const QString& expected) {
+            QTest::newRow(name) << zone(type, 30.5f, -5.0f, maxUsed, minUsed) << expected;
+        };
+        row("both in force", 0, true, true, u"-5.0|30.5|-5.0 °C|30.5 °C"_s);
+        row("maximum only", 3, false, true, u"|30.5||30.5 bar"_s);
+        row("contact input", 2, true, true, u"|||"_s);
+        row("unknown type", 42, true, false, u"-5.0||-5.0|"_s);
+    }
+
+    void ruleLimitTexts()
+    {
+        QFETCH(ZoneEntry, zone);
+        const records::ZoneLimits l = records::zoneLimits(zone, QLocale::c());
+        QTEST(QStringList({l.minText, l.maxText, l.minCaption, l.maxCaption}).join(u'|'),
+              "expected");
+    }
+
+    // The record is of the zone's type unless told.
+    void ruleMarkingIsStrictAndOnlyForTheZonesType_data()
+    {
+        QTest::addColumn<ZoneEntry>("zone");
+        QTest::addColumn<float>("value");
+        QTest::addColumn<int>("recordType");
+        QTest::addColumn<int>("marking");
+        const auto row = [](const char* name, ZoneEntry z, float value, int recordType, Marking m) {
+            QTest::newRow(name) << z << value << (recordType < 0 ? z.sensorType : recordType)
+                                << int(m);
+        };
+        const ZoneEntry both = zone(0);
+        row("above", both, 30.1f, -1, Marking::AboveMax);
+        row("equal to the maximum", both, 30.0f, -1, Marking::None);
+        row("below", both, 9.9f, -1, Marking::BelowMin);
+        row("maximum not in force", zone(0, 30, 10, false), 99.0f, -1, Marking::None);
+        row("minimum not in force", zone(0, 30, 10, true, false), -99.0f, -1, Marking::None);
+        row("another type logged", both, 99.0f, 1, Marking::None);
+        row("contact zone", zone(2), 99.0f, -1, Marking::None);
+        row("limits crossed over", zone(5, 10, 30), 20.0f, -1, Marking::AboveMax);
+    }
+
+    void ruleMarkingIsStrictAndOnlyForTheZonesType()
+    {
+        QFETCH(ZoneEntry, zone);
+        QFETCH(float, value);
+        QFETCH(int, recordType);
+        QTEST(int(records::LimitRule(zone)({0, value, static_cast<quint8>(recordType)})),
+              "marking");
+    }
+
+    // Beside the window's own units: the zones offered, then the records loaded.
+    void zonesWithRecordsInNumberOrderThenRecordsInSequenceOrder()
+    {
+        Database& db = m_fx->db;
+        RecordsSeed s(db);
+        const QString serial = u"Q'1"_s;
+        // Offered: a zone with records written (bytes or an earlier page), never an empty one.
+        for (const ZoneRow& z :
+             {ZoneRow{.number = 9, .name = u"'Θάλαμος'"_s, .pageBytes = 0, .lastPage = 3},
+              ZoneRow{.number = 2, .name = u"NULL"_s, .type = 2, .pageBytes = 10},
+              ZoneRow{.number = 4, .name = u"'Κενή'"_s, .pageBytes = 0},
+              ZoneRow{
+                  .number = 7, .name = u"''"_s, .maxLimit = 30.25, .minLimit = -4, .minUsed = 2}})
+            QVERIFY(s.zone(serial, z));
+        QVERIFY(s.zone(u"OTHER"_s, {.number = 1, .name = u"'Ξένη'"_s}));
+
+        DbError e;
+        const QList<records::ZoneEntry> zones = records::readZones(db, serial, &e);
+        QVERIFY2(!e.isError(), qPrintable(e.description));
+        QStringList texts;
+        for (const auto& z : zones)
+            texts << records::zoneItemText(z);
+        QCOMPARE(texts,
+                 (QStringList{u"[2] Ανώνυμη ζώνη"_s, u"[7] Ανώνυμη ζώνη"_s, u"[9] Θάλαμος"_s}));
+        QCOMPARE(zones[0].sensorType, 2);
+        // Only exactly 1 puts a limit in force.
+        QCOMPARE(u"%1 %2 %3 %4 %5"_s.arg(zones[1].serial)
+                     .arg(zones[1].maxLimit)
+                     .arg(zones[1].minLimit)
+                     .arg(zones[1].maxUsed)
+                     .arg(zones[1].minUsed),
+                 u"Q'1 30.25 -4 1 0"_s);
+
+        // A unit whose clock was set back: sequence 3 carries an older time than 2.
+        QVERIFY(s.record(u"U1"_s, 1, u"2026-05-01 10:00:00"_s, 1.5, 0, 1) &&
+                s.record(u"U1"_s, 1, u"2026-05-01 10:02:00"_s, 2.5, 3, 2) &&
+                s.record(u"U1"_s, 1, u"2026-05-01 10:01:00"_s, 0.5, 2, 3) &&
+                s.record(u"U1"_s, 1, u"2026-05-01 09:00:00"_s, -7.25, 0, 10));
+        const ZoneEntry u1 = zone(0, 30, 10, true, true, u"U1"_s);
+        const records::RecordsLoad got = records::loadRecords(
+            db, records::recordsSql(db.kind(), u1, records::recordsPeriod(26, 4)));
+        QVERIFY2(!got.error.isError(), qPrintable(got.error.description));
+        QStringList rows;
+        for (const RecordPoint& r : got.records)
+            rows << u"%1 %2 %3"_s.arg(sqlDateTimeText(r.secs)).arg(r.value).arg(r.sensorType);
+        QCOMPARE(rows,
+                 (QStringList{u"2026-05-01 09:00:00 -7.25 0"_s, u"2026-05-01 10:01:00 0.5 2"_s,
+                              u"2026-05-01 10:02:00 2.5 3"_s, u"2026-05-01 10:00:00 1.5 0"_s}));
+
+        // Without the table, both ways of loading carry the error, as does a database
+        // that cannot be opened.
+        QVERIFY(!db.exec(u"ALTER TABLE Records RENAME TO Records_away"_s).isError());
+        const QString sql = records::recordsSql(db.kind(), u1, records::recordsPeriod(25, 6));
+        ConnectionSettings nowhere = db.settings();
+        nowhere.file = m_fx->scratch.folder() + u"/missing/none.db"_s;
+        nowhere.dataSource = u"sx_no_such_database"_s;
+        QVERIFY(records::loadRecords(db, sql).error.isError() &&
+                records::loadRecordsAside(db.settings(), sql).error.isError() &&
+                records::loadRecordsAside(nowhere, sql).error.isError());
+    }
     void sheetMergeKeepsTheTemplate_data()
     {
         QTest::addColumn<QString>("prefix");
@@ -342,7 +501,7 @@ private slots:
         QVERIFY2(total <= grid->viewport()->width(), qPrintable(QString::number(total)));
     }
 
-    // The row rules are tst_recordsrules' part; here the wiring to the grid.
+    // The row rules are the rule rows' part; here the wiring to the grid.
     void zoneFillsTheGridNewestFirstAndEveryChoiceLoadsAnew()
     {
         open();
@@ -530,7 +689,7 @@ private slots:
         QFETCH(int, top);
         QFETCH(int, written);
         open();
-        const QByteArray templateBefore = fileHash(templateFile());
+        const QByteArray templateBefore = fileHash(kTemplate);
         const QString dir = m_fx->scratch.folder();
         m_w->setSheetRows(sheetRows);
         // The current row below the selection's end.
@@ -570,7 +729,7 @@ private slots:
         // The template's look (E2 bold, E5 framed, frozen under the header), its
         // other parts unchanged and the zip sound; the template itself untouched.
         QCOMPARE(got[u"look"].toString(), u"True thin A2 True True True"_s);
-        QCOMPARE(fileHash(templateFile()), templateBefore);
+        QCOMPARE(fileHash(kTemplate), templateBefore);
         if (top == 0)
             return;
 
@@ -622,8 +781,8 @@ private slots:
         const QString dir = m_fx->scratch.folder();
         const QString tpl = dir + u"/TEMPLATEv2.xlsx"_s;
         if (!python.isEmpty()) {
-            QCOMPARE(QProcess::execute(kPython, {u"-c"_s, u"import sys, zipfile\n"_s + python, tpl,
-                                                 templateFile()}),
+            QCOMPARE(QProcess::execute(
+                         kPython, {u"-c"_s, u"import sys, zipfile\n"_s + python, tpl, kTemplate}),
                      0);
         }
         m_w->setTemplatePath(tpl);
@@ -658,29 +817,27 @@ private:
             u"A-100"_s, 1, at(u"2026-03-02 08:00:00"_s), 3600, 5,
             [&march](int i) { return march[i]; }, 0, 100));
         QVERIFY(s.record(u"A-100"_s, 1, u"2026-03-02 13:00:00"_s, 25, 3, 105));
-        QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 10:00:00"_s, 0.5, 2, 1));
-        QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 11:00:00"_s, 0, 2, 2));
-        QVERIFY(s.record(u"A-100"_s, 5, u"2026-03-03 12:00:00"_s, -1, 2, 3));
+        const double contact[] = {0.5, 0, -1};
+        QVERIFY(s.series(
+            u"A-100"_s, 5, at(u"2026-03-03 10:00:00"_s), 3600, 3,
+            [&contact](int i) { return contact[i]; }, 2));
         QVERIFY(s.unit(u"B-200"_s, u"Beta"_s));
         QVERIFY(s.zone(u"B-200"_s, {.number = 1, .name = u"'Χ'"_s, .pageBytes = 0, .lastPage = 0}));
     }
 
-    void open(int unitIndex = 0);
-
-    static QString templateFile()
+    void open(int unitIndex = 0)
     {
-#ifdef SX_TEMPLATE_FILE
-        return QStringLiteral(SX_TEMPLATE_FILE);
-#else
-        return {};
-#endif
+        m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
+        m_w->setTemplatePath(kTemplate);
+        m_tester = std::make_unique<QAbstractItemModelTester>(
+            m_w->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        fillSystemSelect(*m_w, unitIndex, false);
     }
 
     static QJsonObject readBack(const QString& path)
     {
         return QJsonDocument::fromJson(
-                   toolOutput(kPython,
-                              {u"-c"_s, QString::fromUtf8(kReadWorkbook), path, templateFile()})
+                   toolOutput(kPython, {u"-c"_s, QString::fromUtf8(kReadWorkbook), path, kTemplate})
                        .toUtf8())
             .object();
     }
@@ -709,15 +866,6 @@ private:
     std::unique_ptr<RecordsWindow> m_w;
     std::unique_ptr<QAbstractItemModelTester> m_tester;
 };
-
-void TestRecordsWindow::open(int unitIndex)
-{
-    m_w = std::make_unique<RecordsWindow>(m_fx->ctx);
-    m_w->setTemplatePath(templateFile());
-    m_tester = std::make_unique<QAbstractItemModelTester>(
-        m_w->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-    fillSystemSelect(*m_w, unitIndex, false);
-}
 
 QTEST_MAIN(TestRecordsWindow)
 #include "tst_recordswindow.moc"
