@@ -1,6 +1,7 @@
 // The start of the console against a real database: first run, failed connections
-// and the protected settings change, the main window's unit list, the refusal of a
-// second copy, the end of the process and the version box of the "Διάφορα" menu.
+// and the protected settings change, the main window's unit list and its order, the
+// refusal of a second copy, the end of the process and the version box of "Διάφορα".
+#include "../events/EventsSeed.h"
 #include "ChooseItem.h"
 #include "FaultProxy.h"
 #include "GuiFixture.h"
@@ -131,13 +132,17 @@ QString unitInUse(const QString& serial, const QString& location, const QString&
 struct StartRun {
     GuiFixture f;
     ProbeMain* main = nullptr;
+    MainWindow* realMain = nullptr; // when asked for, the real window refreshing every 100 ms
+    bool wantRealMain = false;
     std::optional<Startup> startup;
     std::optional<int> code;
     QString waitShown; // the wait window's heading, message and whether all fits
     bool waitVisible = false;
     bool waitLeft = false;       // a wait window still up once the attempt was over
     QStringList valuesWhenAsked; // the stored settings when the settings dialog opened
-    QString lock;
+    int ticks = 0;               // of a 10 ms timer started as the connect begins
+    QTimer tick;
+    QString lock() const { return f.scratch.folder() + u"/console.lock"_s; }
 
     // Two units in use, stored in the reverse of their listed order.
     bool seedUnits()
@@ -172,12 +177,16 @@ struct StartRun {
     void run()
     {
         startup.emplace(f.ctx, [this](AppContext& ctx) -> ViewWindow* {
-            main = new ProbeMain(ctx);
-            return main;
+            if (!wantRealMain)
+                return main = new ProbeMain(ctx);
+            realMain = new MainWindow(ctx);
+            realMain->refreshTimer()->setInterval(100);
+            return realMain;
         });
-        lock = f.scratch.folder() + u"/console.lock"_s;
-        startup->setLockFile(lock);
+        startup->setLockFile(lock());
+        QObject::connect(&tick, &QTimer::timeout, [this] { ++ticks; });
         startup->setConnectingHook([this](QWidget* w) {
+            tick.start(10);
             waitVisible = qobject_cast<WaitWindow*>(w) && w->isVisible();
             // As the user reads it: the heading, the message whole, the picture.
             const auto* text = w->findChild<QLabel*>(u"Label2"_s);
@@ -187,6 +196,7 @@ struct StartRun {
                         (fits ? u"|fits"_s : u"|cut or no picture"_s);
         });
         code = startup->run();
+        tick.stop();
         for (QWidget* w : QApplication::topLevelWidgets())
             waitLeft |= qobject_cast<WaitWindow*>(w) && w->isVisible();
     }
@@ -349,7 +359,7 @@ private slots:
         QCOMPARE(main->serials, idle ? QStringList() : QStringList{u"S1"_s});
         QCOMPARE(r.f.ctx.systemSerials,
                  (idle ? QStringList{u"kept"_s} : QStringList{u"S1"_s, u"S2"_s}));
-        QLockFile other(r.lock);
+        QLockFile other(r.lock());
         QVERIFY(!other.tryLock(0));
         r.startup.reset();
         QVERIFY(other.tryLock(0));
@@ -374,9 +384,9 @@ private slots:
     {
         QFETCH(QString, fault);
         QFETCH(int, exitCode);
-        GuiFixture f;
-        SX_REQUIRE_FIXTURE(f);
-        ConnectionSettings where = f.scratch.settings();
+        StartRun r;
+        SX_REQUIRE_FIXTURE(r.f);
+        ConnectionSettings where = r.f.scratch.settings();
         std::optional<test::ScratchDatabase> bare;
         std::unique_ptr<test::FaultProxy> proxy;
         if (fault == u"bare") {
@@ -393,35 +403,20 @@ private slots:
                                             : test::FaultProxy::Mode::BlackHole,
                            100);
         }
-        QVERIFY(f.exec(unitInUse(u"S1"_s, u"1"_s, u"Alpha"_s)));
-        QVERIFY(store(*f.settings, where, u"1"_s));
-        f.dialogs.answerMessage(Answer::No);
-
-        MainWindow* main = nullptr;
-        Startup startup(f.ctx, [&main](AppContext& ctx) -> ViewWindow* {
-            main = new MainWindow(ctx);
-            main->refreshTimer()->setInterval(100);
-            return main;
-        });
-        startup.setLockFile(f.scratch.folder() + u"/console.lock"_s);
-        int ticks = 0;
-        QTimer tick;
-        QObject::connect(&tick, &QTimer::timeout, [&ticks] { ++ticks; });
-        bool waitVisible = false;
-        startup.setConnectingHook([&](QWidget* w) {
-            waitVisible = w->isVisible();
-            tick.start(10);
-        });
-        const std::optional<int> code = startup.run();
-        tick.stop();
-        QVERIFY(waitVisible);
+        QVERIFY(r.f.exec(unitInUse(u"S1"_s, u"1"_s, u"Alpha"_s)));
+        QVERIFY(store(*r.f.settings, where, u"1"_s));
+        r.answer(u"No"_s);
+        r.wantRealMain = true;
+        r.run();
+        QVERIFY(r.waitVisible);
         // A connect that took long was waited for with the event loop running.
         if (!bare)
-            QVERIFY2(ticks > 10, qPrintable(QString::number(ticks)));
-        QTEST(seen(f.dialogs), "expected");
-        QCOMPARE(code.value_or(-1), exitCode);
+            QVERIFY2(r.ticks > 10, qPrintable(QString::number(r.ticks)));
+        QTEST(seen(r.f.dialogs), "expected");
+        QCOMPARE(r.code.value_or(-1), exitCode);
         if (exitCode != -1)
             return;
+        MainWindow* main = r.realMain;
         QVERIFY(main && main->isVisible());
         if (bare) {
             // The server application creates its tables after the console started.
@@ -431,7 +426,7 @@ private slots:
             QVERIFY(!later.exec(unitInUse(u"S1"_s, u"1"_s, u"Alpha"_s)).isError());
         }
         QTRY_COMPARE(test::comboTexts(main->systemSelect()), QStringList{u"Alpha [1] (S1)"_s});
-        QTEST(seen(f.dialogs), "expected"); // and no box more
+        QTEST(seen(r.f.dialogs), "expected"); // and no box more
     }
 
     void secondCopy_data()
@@ -446,15 +441,13 @@ private slots:
     {
         QFETCH(QString, holder);
         const bool refused = holder != u"dead";
-        GuiFixture f;
-        SX_REQUIRE_FIXTURE(f);
-        QVERIFY(store(*f.settings, f.scratch.settings(), u"0"_s));
-        f.dialogs.answerSettings([] { return false; });
-        f.dialogs.answerMessage(Answer::Cancel);
-
-        const QString path = f.scratch.folder() + u"/console.lock"_s;
-        QLockFile first(path);
-        QFile file(path);
+        StartRun r;
+        SX_REQUIRE_FIXTURE(r.f);
+        QVERIFY(store(*r.f.settings, r.f.scratch.settings(), u"0"_s));
+        if (!refused)
+            r.answer(u"refuse Cancel"_s);
+        QLockFile first(r.lock());
+        QFile file(r.lock());
         if (holder == u"dead") {
             // QLockFile's own layout: pid, application, host.
             QVERIFY(file.open(QIODevice::WriteOnly));
@@ -469,14 +462,41 @@ private slots:
                                      QFileDevice::FileModificationTime));
         }
         file.close();
-
-        Startup startup(f.ctx, [](AppContext& ctx) -> ViewWindow* { return new ProbeMain(ctx); });
-        startup.setLockFile(path);
-        QCOMPARE(startup.run(), std::optional<int>(kExitNormal));
+        r.run();
         // Refused silently, and before anything is read or written.
-        QCOMPARE(seen(f.dialogs), refused ? QString() : u"welcome|settings|setup refused"_s);
-        QCOMPARE(f.settings->protectionCode(), refused ? u"1234"_s : QString());
-        QVERIFY(f.terminated == 0 && !startup.mainWindow());
+        QCOMPARE(seen(r.f.dialogs), refused ? QString() : u"welcome|settings|setup refused"_s);
+        r.expectEnd(kExitNormal, u"0"_s, 0, {});
+        QCOMPARE(r.f.settings->protectionCode(), refused ? u"1234"_s : QString());
+    }
+
+    void unitsAreOrderedAsAGreekReaderExpects_data()
+    {
+        QTest::addColumn<QStringList>("names"); // in the order stored; "-" for a missing name
+        QTest::addColumn<QStringList>("listed");
+        QTest::newRow("accents and case do not count")
+            << QStringList{u"Βόλος"_s, u"άλσος"_s, u"Αγορά"_s, u"Άλσος Β"_s, u"αεροδρόμιο"_s}
+            << QStringList{u"Αγορά"_s, u"αεροδρόμιο"_s, u"άλσος"_s, u"Άλσος Β"_s, u"Βόλος"_s};
+        QTest::newRow("diaeresis and final sigma")
+            << QStringList{u"Ταιρι"_s, u"Ταΐζω"_s, u"Κόσμος Β"_s, u"κοσμοσ Α"_s}
+            << QStringList{u"κοσμοσ Α"_s, u"Κόσμος Β"_s, u"Ταΐζω"_s, u"Ταιρι"_s};
+        QTest::newRow("missing names first, then unaccented, then capitals")
+            << QStringList{u"Ζ"_s, u"αγορα"_s, u"-"_s, u"Αγορά"_s, u"Αγορα"_s}
+            << QStringList{u"Ανώνυμο σύστημα"_s, u"Αγορα"_s, u"αγορα"_s, u"Αγορά"_s, u"Ζ"_s};
+    }
+    void unitsAreOrderedAsAGreekReaderExpects()
+    {
+        QFETCH(QStringList, names);
+        GuiFixture f;
+        SX_REQUIRE_FIXTURE(f);
+        test::EventsSeed seed(f.db);
+        for (int i = 0; i < names.size(); ++i)
+            QVERIFY(seed.unit(u"S%1"_s.arg(i), names[i] == u"-"_s ? QString() : names[i]));
+        DbError error;
+        QStringList got;
+        for (const UnitEntry& u : readUnitList(f.db, &error))
+            got << u.text.left(u.text.indexOf(u" ["_s));
+        QVERIFY(!error.isError());
+        QTEST(got, "listed");
     }
 
     void shutdownLeavesEveryLoopWithoutAskingWindows()
