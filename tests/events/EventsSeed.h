@@ -21,18 +21,15 @@ public:
     {
         return run(
             u"INSERT INTO Systems_Info (SyI_Serialnumber, SyI_Locationnumber, SyI_Systemname, SyI_Used, SyI_Online, SyI_Softver, SyI_Model, SyI_EventsTable_Pagebyteswritt, SyI_EventsTable_Lastpagesn) VALUES (%1, %2, %3, 1, 1, '1.22', 'SENTORAX-1C', %4, %5)"_s
-                .arg(sqlQuote(serial), sqlQuote(location),
-                     name.isNull() ? u"NULL"_s : sqlQuote(name))
-                .arg(pageBytes)
-                .arg(lastPage));
+                .arg(sqlQuote(serial), sqlQuote(location), orNull(name), QString::number(pageBytes),
+                     QString::number(lastPage)));
     }
 
     bool zone(const QString& serial, int number, const QString& name)
     {
         return run(
             u"INSERT INTO Sensors_Info (SeI_SyI_Serialnumber, SeI_Sensornumber, SeI_Sensorname, SeI_Sensortype, SeI_Used) VALUES (%1, %2, %3, 0, 1)"_s
-                .arg(sqlQuote(serial), QString::number(number),
-                     name.isNull() ? u"NULL"_s : sqlQuote(name)));
+                .arg(sqlQuote(serial), QString::number(number), orNull(name)));
     }
 
     // when: "YYYY-MM-DD HH:MM:SS"
@@ -44,8 +41,7 @@ public:
                 .arg(sqlQuote(serial), QString::number(sn),
                      sqlDateTimeLiteral(m_db.kind(), *parseSqlDateTime(QStringView(when))),
                      QString::number(source), QString::number(condition), QString::number(type),
-                     QString::number(value, 'g', 9), info.isNull() ? u"NULL"_s : sqlQuote(info),
-                     QString::number(ack)));
+                     QString::number(value, 'g', 9), orNull(info), QString::number(ack)));
     }
 
     // Acks of a unit's events by sequence number, "sn:ack" joined by blanks.
@@ -70,6 +66,8 @@ public:
     }
 
 private:
+    static QString orNull(const QString& s) { return s.isNull() ? u"NULL"_s : sqlQuote(s); }
+
     Database& m_db;
 };
 

@@ -348,12 +348,6 @@ private slots:
         add(u"SN2"_s, 3, 1, dec, 0);
     }
 
-    void cleanupTestCase()
-    {
-        m_db.reset();
-        m_scratch.reset();
-    }
-
     void selectsTheRightRows_data()
     {
         QTest::addColumn<EventFilter>("filter");

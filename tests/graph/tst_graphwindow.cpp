@@ -157,7 +157,6 @@ private slots:
         QCOMPARE(g->timeReadout(), u"03/03/2026 - 07:40"_s);
         QCOMPARE(g->chartPaints(), paints);
 
-        // Before a first zoom the right button does nothing.
         zoomOut(g);
         QCOMPARE(g->state().view, full);
         QCOMPARE(g->chartPaints(), paints);
@@ -167,7 +166,6 @@ private slots:
         QCOMPARE(g->state().view, zoomed);
         QCOMPARE(g->chartPaints(), ++paints);
         QVERIFY(m_fx->ctx.graphZoomed);
-        // The click that ends a drag adds no marker; the band is gone.
         QVERIFY(g->state().markers.empty() && !g->chart()->rubberBand());
         QCOMPARE(g->hScroll()->value(), 50);
         // A drag within one minute zooms nowhere.
@@ -177,10 +175,12 @@ private slots:
         // The bars move the view (their sums are tst_graphrules' part): a step is one
         // minute; the top arrow lifts the values, the bottom one lowers them.
         g->hScroll()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
-        pressBar(g, QStyle::SC_ScrollBarSubLine);
+        QTest::mouseClick(g->vScroll(), Qt::LeftButton, {},
+                          scrollBarPart(g->vScroll(), QStyle::SC_ScrollBarSubLine).center());
         QCOMPARE(g->state().view, (graph::GraphView{zoomed.startSecs + 60, 100, 8.0f, 24.0f}));
         g->hScroll()->triggerAction(QAbstractSlider::SliderSingleStepSub);
-        pressBar(g, QStyle::SC_ScrollBarAddLine);
+        QTest::mouseClick(g->vScroll(), Qt::LeftButton, {},
+                          scrollBarPart(g->vScroll(), QStyle::SC_ScrollBarAddLine).center());
         QCOMPARE(g->state().view, zoomed);
 
         // Usable on a 1280 x 800 screen; smaller, it redraws the same view and value scale.
@@ -211,7 +211,6 @@ private slots:
         const int paints = g->chartPaints();
         g->markedOption()->setChecked(true);
 
-        // No markers: a notice, and no printer dialog.
         QVERIFY(!QFile::exists(printTo(g)));
         expectMessage(u"SENTORAX Monitor / Δέν υπάρχουν μαρκαρισμένα σημεία !"_s,
                       DialogService::Icon::Information);
@@ -228,7 +227,6 @@ private slots:
         QVERIFY(colourNear(g->chart()->pixmap(), g->pixelOf({40.0, 2}), QColor(0, 0, 128)));
         QVERIFY(colourNear(g->chart()->pixmap(), g->pixelOf({160.0, 2}), QColor(Qt::black)));
 
-        // The list: newest first, CR LF, the readout texts.
         const QString list = g->markerList();
         QVERIFY(list.startsWith(u"Χρόνος μαρκαρισμένου σημείου 9: 03/03/2026 - 09:00\r\n"
                                 u"Ένδειξη μαρκαρισμένου σημείου 9: "_s));
@@ -280,7 +278,6 @@ private slots:
                      pages[i].count(u"Ένδειξη μαρκαρισμένου"_s));
         }
         QVERIFY(pages[0].contains(u"Ένδειξη μαρκαρισμένου σημείου 1: 8.5 °C"_s));
-        // Every entry once, in order.
         const QString all = pages.join(u'\n');
         qsizetype from = 0;
         for (int k = 1; k <= 255; ++k) {
@@ -364,11 +361,6 @@ private:
     void zoomOut(GraphWindow* g)
     {
         QTest::mouseClick(g->chart(), Qt::RightButton, {}, g->pixelOf({50, 10}).toPoint());
-    }
-    void pressBar(GraphWindow* g, QStyle::SubControl part)
-    {
-        QTest::mouseClick(g->vScroll(), Qt::LeftButton, {},
-                          scrollBarPart(g->vScroll(), part).center());
     }
     void dragFromTo(GraphWindow* g, QPointF from, QPointF to)
     {

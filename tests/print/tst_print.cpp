@@ -1,10 +1,14 @@
 #include "PdfText.h"
+#include "model/graph/GraphRules.h"
 #include "reports/PrintRoutines.h"
 #include "reports/ReportPainter.h"
+#include "reports/graph/GraphPainting.h"
+#include "reports/graph/GraphPrint.h"
 #include "ui/PrintPreview.h"
 
 #include <QDir>
 #include <QFontInfo>
+#include <QImage>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPrinter>
@@ -12,6 +16,7 @@
 #include <QTest>
 
 #include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -49,29 +54,46 @@ struct PdfReport {
     }
 };
 
+// A white picture of the given size, drawn on by draw(painter, size).
+template <typename Draw> QImage painted(QSize size, Draw draw)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter p(&image);
+    draw(p, size);
+    return image;
+}
+
+QRect inkBox(const QImage& image)
+{
+    QRect box;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (qGray(image.pixel(x, y)) < 128)
+                box |= QRect(x, y, 1, 1);
+    return box;
+}
+
 } // namespace
 
 class TestPrint : public QObject {
     Q_OBJECT
 
 private slots:
-    void reportFontScalesWithPaperWidth()
+    // The report font, sized by the paper's width; a centred banner in it in bold, the line
+    // under it, a line placed at x, y and the next one, then a wrapped text in one column.
+    void linesLandWhereAsked()
     {
         // A4 portrait is 11906 twips wide, landscape 16838.
         for (const auto& [orientation, size] :
              {std::pair{QPageLayout::Portrait, 8.0}, {QPageLayout::Landscape, 8.0 * 16838 / 11906}})
             QVERIFY(qAbs(sx::reportFont(PdfReport(orientation).writer).pointSizeF() - size) < 0.01);
-    }
-    // A centred banner in the bold report font, the line under it, a line placed at x, y and
-    // the next one, then a wrapped text in one column.
-    void linesLandWhereAsked()
-    {
         PdfReport pdf;
         sx::ReportPainter& p = *pdf.painter;
         const QString family = QFontInfo(sx::reportFont(pdf.writer)).family();
         QVERIFY2(family == u"Arial"_s || family == u"Liberation Sans"_s, qPrintable(family));
-        QVERIFY(qAbs(p.pageWidth() - (210.0 - 2 * marginMm)) < 0.1);
-        QVERIFY(qAbs(p.pageHeight() - (297.0 - 2 * marginMm)) < 0.1);
+        QVERIFY(qAbs(p.pageWidth() - (210.0 - 2 * marginMm)) < 0.1 &&
+                qAbs(p.pageHeight() - (297.0 - 2 * marginMm)) < 0.1);
         sx::printBanner(p, 10.0, 12.0, u"ΑΝΑΦΟΡΑ ΣΥΜΒΑΝΤΩΝ"_s);
         p.print(u"Γραμμή μετά τον τίτλο"_s);
         p.setCurrentX(30.0);
@@ -180,6 +202,37 @@ private slots:
         QVERIFY(old.open(QIODevice::ReadOnly));
         QCOMPARE(old.read(4) == "%PDF", drawn);
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{u"report.pdf"_s});
+    }
+    // A page much wider than the graph's layout: the chart stays at the left edge. Where the
+    // labels go is tst_graphrules' part (the scales and their margins).
+    void chartPageStartsAtTheTopLeft()
+    {
+        const std::vector<sx::RecordPoint> none;
+        sx::graph::ChartPrintInput in;
+        in.data = {&none, 0, 0, sx::graph::GraphView{0, 100, 0.0f, 10.0f}, {}, {}};
+        in.unitRect = QRect(0, 0, 60, 418);
+        in.chartRect = QRect(60, 9, 800, 400);
+        in.timeRect = QRect(51, 410, 818, 130);
+        in.details = {{u"Mονάδα μέτρησης: °C"_s, Qt::black}};
+        double scale = 0;
+        const QRect box = inkBox(painted(QSize(4000, 700), [&](QPainter& p, QSize s) {
+            scale = sx::graph::paintChartPage(p, s, in);
+        }));
+        QVERIFY(scale > 0.5 && scale < 1.5);
+        QVERIFY2(box.left() < 60 * scale && box.top() < 20 * scale,
+                 qPrintable(u"%1,%2"_s.arg(box.left()).arg(box.top())));
+        QVERIFY2(box.right() <= 869 * scale + 2, qPrintable(QString::number(box.right())));
+    }
+    void graphNumbers()
+    {
+        using sx::graph::plainNumber;
+        QCOMPARE(plainNumber(23.5), u"23.5"_s);
+        QCOMPARE(plainNumber(double(23.1f)), u"23.1"_s); // a float's digits, not a double's
+        QCOMPARE(plainNumber(-19.6 + 1e-13), u"-19.6"_s);
+        QCOMPARE(plainNumber(1234567), u"1234567"_s); // no grouping
+        QCOMPARE(plainNumber(-0.0), u"0"_s);
+        QCOMPARE(sx::graph::limitValue(u"25.0"_s).value_or(-1), 25.0);
+        QVERIFY(!sx::graph::limitValue(QString()));
     }
 };
 

@@ -159,9 +159,8 @@ private slots:
     {
         QFETCH(int, type);
         QFETCH(QString, input);
-        ZoneRule rule{type, std::nullopt, std::nullopt};
-        if (type != kContactType)
-            rule = {type, 10.0, 30.0};
+        const ZoneRule rule = type == kContactType ? ZoneRule{type, std::nullopt, std::nullopt}
+                                                   : ZoneRule{type, 10.0, 30.0};
         // A last item "... now" is the present moment, not a reading.
         const bool untilNow = input.endsWith(u"now");
         std::vector<Sample> in = samples(untilNow ? input.chopped(4) + u" 0"_s : input);
