@@ -103,13 +103,14 @@ class TestUnitCommands : public QObject {
         simMode = {u"none"_s};
     }
 
-    // The request rows as "serial|type|attributes|completed".
-    QStringList requestsLeft()
+    // The request rows as "serial|type|attributes|completed", then "|reply" when asked.
+    QStringList requestsLeft(bool withReply = false)
     {
         QStringList out;
         Rows r = fx->db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || "
-                             u"'|' || TrmReq_Attributes || '|' || TrmReq_Requestcompleted AS r "
-                             u"FROM Terminal_Requests ORDER BY 1"_s);
+                             u"'|' || TrmReq_Attributes || '|' || TrmReq_Requestcompleted%1 AS r "
+                             u"FROM Terminal_Requests ORDER BY 1"_s.arg(
+                                 withReply ? u" || '|' || TrmReq_Requestreply"_s : QString()));
         while (r.next())
             out << r.textOr(u"r");
         return out;
@@ -335,15 +336,12 @@ private slots:
         QDateTime firstSeen;
         QTimer watch;
         QObject::connect(&watch, &QTimer::timeout, [&] {
-            Rows r = fx->db.read(u"SELECT TrmReq_SyI_Serialnumber || '|' || TrmReq_Requesttype || "
-                                 u"'|' || TrmReq_Attributes || '|' || TrmReq_Requestcompleted || "
-                                 u"'|' || TrmReq_Requestreply AS r FROM Terminal_Requests"_s);
-            if (!r.next())
+            const QStringList now = requestsLeft(true);
+            if (now.isEmpty())
                 return;
-            do {
-                if (!rows.contains(r.textOr(u"r")))
-                    rows << r.textOr(u"r");
-            } while (r.next());
+            for (const QString& row : now)
+                if (!rows.contains(row))
+                    rows << row;
             if (!firstSeen.isValid()) {
                 if (!rows.contains(own))
                     return; // only rows of others so far

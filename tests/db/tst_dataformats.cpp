@@ -31,27 +31,24 @@ private slots:
         QTest::addColumn<int>("dbType");
         QTest::addColumn<QString>("fields"); // file|source|ip|port
         QTest::addColumn<QString>("expected");
-        QTest::newRow("access")
-            << 0 << u"C:\\data\\sxdb.mdb|||"_s
-            << u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\data\\sxdb.mdb;Jet OLEDB:Engine Type=5;;Jet OLEDB:Database Password=pvlrkmzd5173;"_s;
-        QTest::newRow("oracle by name")
-            << 1 << u"|SXDB||1521"_s
-            << u"Provider=oraOLEDB.Oracle;Data Source=SXDB;User ID=sentorax;Password=pvlrkmzd5173"_s;
-        QTest::newRow("oracle by address")
-            << 1 << u"|ORCL|10.0.0.5|1521"_s
-            << u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=10.0.0.5)(PORT=1521)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s;
-        QTest::newRow("oracle address empty port")
-            << 7 << u"|ORCL|srv|"_s
-            << u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=srv)(PORT=)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s;
-        QTest::newRow("sqlite")
-            << 2 << u"/var/lib/sx/sxdb.db|||"_s
-            << u"Driver=SQLite;Data Source=/var/lib/sx/sxdb.db;Password=pvlrkmzd5173;"_s;
-        QTest::newRow("postgresql this computer")
-            << 3 << u"|sxdb||"_s
-            << u"Driver=PostgreSQL;Server=localhost;Port=5432;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s;
-        QTest::newRow("postgresql address")
-            << 3 << u"|sxdb|192.0.2.7|6543"_s
-            << u"Driver=PostgreSQL;Server=192.0.2.7;Port=6543;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s;
+        const auto row = [](const char* name, int dbType, const QString& fields,
+                            const QString& expected) {
+            QTest::newRow(name) << dbType << fields << expected;
+        };
+        row("access", 0, u"C:\\data\\sxdb.mdb|||"_s,
+            u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\data\\sxdb.mdb;Jet OLEDB:Engine Type=5;;Jet OLEDB:Database Password=pvlrkmzd5173;"_s);
+        row("oracle by name", 1, u"|SXDB||1521"_s,
+            u"Provider=oraOLEDB.Oracle;Data Source=SXDB;User ID=sentorax;Password=pvlrkmzd5173"_s);
+        row("oracle by address", 1, u"|ORCL|10.0.0.5|1521"_s,
+            u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=10.0.0.5)(PORT=1521)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s);
+        row("oracle address empty port", 7, u"|ORCL|srv|"_s,
+            u"Provider=OraOLEDB.Oracle;Data Source=(DESCRIPTION=(CID=KRN_APP)(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCP)(HOST=srv)(PORT=)))(CONNECT_DATA=(SID=ORCL)(SERVER=DEDICATED)));User Id=sentorax;Password=pvlrkmzd5173"_s);
+        row("sqlite", 2, u"/var/lib/sx/sxdb.db|||"_s,
+            u"Driver=SQLite;Data Source=/var/lib/sx/sxdb.db;Password=pvlrkmzd5173;"_s);
+        row("postgresql this computer", 3, u"|sxdb||"_s,
+            u"Driver=PostgreSQL;Server=localhost;Port=5432;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s);
+        row("postgresql address", 3, u"|sxdb|192.0.2.7|6543"_s,
+            u"Driver=PostgreSQL;Server=192.0.2.7;Port=6543;Database=sxdb;User Id=sentorax;Password=pvlrkmzd5173;"_s);
     }
     void connectionStrings()
     {
@@ -91,16 +88,16 @@ private slots:
         QFETCH(QString, url);
         ConnectionSettings s;
         const bool ok = parseDbUrl(url, s);
-        const QStringList fields = {QString::number(int(s.kind)),
-                                    s.file,
-                                    s.serverIp,
-                                    s.serverPort,
-                                    s.dataSource,
-                                    s.user,
-                                    s.password,
-                                    s.sslMode,
-                                    s.sslRootCert,
-                                    s.targetSessionAttrs};
+        const QStringList fields{QString::number(int(s.kind)),
+                                 s.file,
+                                 s.serverIp,
+                                 s.serverPort,
+                                 s.dataSource,
+                                 s.user,
+                                 s.password,
+                                 s.sslMode,
+                                 s.sslRootCert,
+                                 s.targetSessionAttrs};
         QTEST(ok ? fields.join(u'|') : QString(), "parsed");
     }
 

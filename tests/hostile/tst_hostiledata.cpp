@@ -78,19 +78,14 @@ QString literal(const QString& token, char type, bool pg, int row)
 bool seedUnit(GuiFixture& fx, const Profile& p, const QString& serial)
 {
     const bool pg = fx.scratch.isPostgres();
-    QMap<QString, QList<sim::SchemaColumn>> tables;
-    QStringList order;
-    for (const sim::SchemaColumn& c : sim::schemaColumns()) {
-        if (!tables.contains(c.table))
-            order << c.table;
+    QMap<QString, QList<sim::SchemaColumn>> tables; // the schema has no foreign keys
+    for (const sim::SchemaColumn& c : sim::schemaColumns())
         tables[c.table] << c;
-    }
     static const QStringList keyColumns = {u"SeI_Sensornumber"_s,     u"SeCC_Sensornumber"_s,
                                            u"PmI_Powernumber"_s,      u"PmCC_Powernumber"_s,
                                            u"Rec_SeI_Sensornumber"_s, u"SeE_Sensornumber"_s,
                                            u"Event_SystemEventSN"_s};
-    for (const QString& table : order) {
-        const QList<sim::SchemaColumn>& cols = tables[table];
+    for (const auto& [table, cols] : tables.asKeyValueRange()) {
         const int rows = table.startsWith(u"Systems_I"_s) || table.startsWith(u"Systems_C"_s)
                              ? 1
                              : (table == u"Records"_s ? kRows * kMinutes : kRows);
