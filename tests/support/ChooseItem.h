@@ -4,9 +4,8 @@
 
 namespace sx::test {
 
-// The user picks entry `index` of a drop-down list, as from its pop-up: the
-// entry becomes current and the list reports it as chosen, even when it was
-// current already.
+// The user picks entry `index` of a drop-down list, as from its pop-up: the entry becomes
+// current and the list reports it as chosen, even when it was current already.
 inline void chooseItem(QComboBox* list, int index)
 {
     list->setCurrentIndex(index);

@@ -10,27 +10,26 @@ namespace sx::test {
 // Lives in the proxy's thread; every call from outside is a blocking queued call.
 class ProxyCore : public QObject {
 public:
-    ProxyCore(QString host, quint16 port) : m_host(std::move(host)), m_targetPort(port) {}
+    // The server moves to the proxy's thread with its parent and listens there.
+    ProxyCore(QString host, quint16 port)
+        : m_server(new QTcpServer(this)), m_host(std::move(host)), m_targetPort(port)
+    {
+        connect(m_server, &QTcpServer::newConnection, this, &ProxyCore::accept);
+    }
 
     quint16 listen()
     {
-        if (!m_server) {
-            m_server = new QTcpServer(this);
-            connect(m_server, &QTcpServer::newConnection, this, &ProxyCore::accept);
-        }
-        if (!m_server->listen(QHostAddress::LocalHost, m_port))
-            return 0;
-        m_port = m_server->serverPort();
-        return m_port;
+        if (m_server->listen(QHostAddress::LocalHost, m_port))
+            m_port = m_server->serverPort();
+        return m_server->isListening() ? m_port : 0;
     }
 
     void setMode(FaultProxy::Mode mode, int delayMs)
     {
-        const FaultProxy::Mode before = m_mode;
+        if (m_mode == FaultProxy::Mode::BlackHole && mode != m_mode)
+            cutAll();
         m_mode = mode;
         m_delayMs = delayMs;
-        if (before == FaultProxy::Mode::BlackHole && mode != before)
-            cutAll();
         if (mode == FaultProxy::Mode::Refuse)
             m_server->close();
         else if (!m_server->isListening())
@@ -46,22 +45,6 @@ public:
             }
         }
         m_sockets.clear();
-    }
-
-    // Everything with a socket notifier goes in its own thread.
-    void shutDown()
-    {
-        // A socket deleted with its peer's handlers still wired would have
-        // them reach it half destroyed.
-        for (const QPointer<QTcpSocket>& s : std::as_const(m_sockets)) {
-            if (s)
-                s->disconnect(this);
-        }
-        for (const QPointer<QTcpSocket>& s : std::as_const(m_sockets))
-            delete s.data();
-        m_sockets.clear();
-        delete m_server;
-        m_server = nullptr;
     }
 
 private:
@@ -124,12 +107,13 @@ FaultProxy::FaultProxy(const QString& targetHost, quint16 targetPort)
         m_core, [this] { m_port = m_core->listen(); }, Qt::BlockingQueuedConnection);
 }
 
+// Everything with a socket notifier goes in its own thread: the thread deletes the core as it
+// ends, and the core's connections go before its sockets, so no handler meets one half destroyed.
 FaultProxy::~FaultProxy()
 {
-    QMetaObject::invokeMethod(m_core, &ProxyCore::shutDown, Qt::BlockingQueuedConnection);
+    m_core->deleteLater();
     m_thread.quit();
     m_thread.wait();
-    delete m_core;
 }
 
 void FaultProxy::setMode(Mode mode, int delayMs)

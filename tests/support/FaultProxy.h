@@ -8,9 +8,9 @@ namespace sx::test {
 
 class ProxyCore;
 
-// A TCP proxy between the console and a database server, in a thread of its
-// own, that fails on demand: it passes, refuses new connections, cuts every
-// connection, black-holes (accepts, then never answers) or delays each packet.
+// A TCP proxy between the console and a database server, in a thread of its own, that fails on
+// demand: it passes, refuses new connections, cuts every connection, black-holes (accepts, then
+// never answers) or delays each packet.
 class FaultProxy {
 public:
     enum class Mode { Pass, Refuse, BlackHole, Delay };

@@ -11,9 +11,7 @@ namespace sx::test {
 GuiFixture::GuiFixture()
 {
     settings = std::make_unique<SettingsStore>(scratch.folder() + u"/settings.ini"_s);
-    m_ready = scratch.open(db);
-    if (m_ready)
-        m_ready = !link.openAndWait(scratch.settings()).isError();
+    m_ready = scratch.open(db) && !link.openAndWait(scratch.settings()).isError();
     ctx.db = &link;
     ctx.dialogs = &dialogs;
     ctx.settings = settings.get();
@@ -25,15 +23,12 @@ GuiFixture::GuiFixture()
     ctx.terminate = [this] { ++terminated; };
 }
 
-GuiFixture::~GuiFixture() = default;
-
 bool GuiFixture::exec(const QString& sql)
 {
     for (const QString& statement : sql.split(u";\n"_s, Qt::SkipEmptyParts)) {
         if (statement.trimmed().isEmpty())
             continue;
-        const DbError e = db.exec(statement);
-        if (e.isError()) {
+        if (const DbError e = db.exec(statement); e.isError()) {
             qWarning("%s\n  in: %s", qPrintable(e.description), qPrintable(statement));
             return false;
         }
@@ -58,11 +53,10 @@ bool GuiFixture::waitWindowShown()
 QString GuiFixture::clippedChild(const QWidget& top)
 {
     for (const QWidget* child : top.findChildren<QWidget*>()) {
-        if (child->objectName().isEmpty() || child->objectName().startsWith(u"qt_"_s) ||
-            !child->isVisible())
-            continue;
-        if (!child->parentWidget()->rect().contains(child->geometry()))
-            return child->objectName();
+        const QString name = child->objectName();
+        if (!name.isEmpty() && !name.startsWith(u"qt_"_s) && child->isVisible() &&
+            !child->parentWidget()->rect().contains(child->geometry()))
+            return name;
     }
     return {};
 }

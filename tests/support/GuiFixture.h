@@ -36,13 +36,11 @@ private:
     QDateTime m_start = QDateTime::currentDateTime();
 };
 
-// Everything a view needs, against a scratch database with the schema, with
-// scripted dialogs, a settings file of its own and a terminate hook that
-// only counts.
+// Everything a view needs: a scratch database with the schema, scripted dialogs, a settings
+// file of its own and a terminate hook that only counts.
 class GuiFixture {
 public:
     GuiFixture();
-    ~GuiFixture();
 
     [[nodiscard]] bool ready() const { return m_ready; }
     [[nodiscard]] QString problem() const { return scratch.problem(); }

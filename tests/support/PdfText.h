@@ -16,7 +16,7 @@ inline QStringList pdfPages(const QString& pdf)
     QStringList pages = toolOutput(QStringLiteral("pdftotext"),
                                    {QStringLiteral("-layout"), pdf, QStringLiteral("-")})
                             .split(u'\f');
-    if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
+    if (pages.last().trimmed().isEmpty())
         pages.removeLast();
     return pages;
 }
@@ -24,15 +24,12 @@ inline QStringList pdfPages(const QString& pdf)
 // The non-empty lines of each page, trimmed, blanks inside a line squeezed to one.
 inline QList<QStringList> pdfLines(const QString& pdf)
 {
-    static const QRegularExpression blanks(QStringLiteral(" +"));
     QList<QStringList> pages;
     for (const QString& page : pdfPages(pdf)) {
         QStringList lines;
-        for (QString line : page.split(u'\n')) {
-            line = line.trimmed().replace(blanks, QStringLiteral(" "));
-            if (!line.isEmpty())
-                lines << line;
-        }
+        for (const QString& line : page.split(u'\n'))
+            lines << line.simplified();
+        lines.removeAll(QString());
         if (!lines.isEmpty())
             pages << lines;
     }
@@ -48,12 +45,11 @@ inline QRectF pdfBox(const QString& pdf, const QString& line)
                                      {QStringLiteral("-bbox"), pdf, QStringLiteral("-")});
     constexpr double mmPerPoint = 25.4 / 72.0;
     QRectF result;
-    for (const QString& part : line.split(u' ')) {
-        for (const auto& m : word.globalMatch(xhtml)) {
-            if (m.captured(5) == part)
-                result |= QRectF(QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()),
-                                 QPointF(m.captured(3).toDouble(), m.captured(4).toDouble()));
-        }
+    const QStringList parts = line.split(u' ');
+    for (const auto& m : word.globalMatch(xhtml)) {
+        if (parts.contains(m.captured(5)))
+            result |= QRectF(QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()),
+                             QPointF(m.captured(3).toDouble(), m.captured(4).toDouble()));
     }
     return QRectF(result.topLeft() * mmPerPoint, result.bottomRight() * mmPerPoint);
 }

@@ -2,7 +2,6 @@
 
 #include "ToolRun.h"
 #include "model/ConnectionSettings.h"
-#include "model/Database.h"
 #include "sim/SimRunner.h"
 
 #include <QDir>
@@ -23,6 +22,12 @@ QString baseFolder()
     const QFileInfo shm(u"/dev/shm"_s);
     return (shm.isDir() && shm.isWritable() ? shm.filePath() : QDir::tempPath()) +
            u"/sx-cluster-XXXXXX"_s;
+}
+
+// Run as root, the server is the user postgres and its files must be its own.
+bool ownByServer(const QString& path)
+{
+    return geteuid() != 0 || runTool(u"chown"_s, {u"postgres:"_s, path}).code == 0;
 }
 
 } // namespace
@@ -59,8 +64,7 @@ PgCluster::PgCluster(QString name) : m_name(std::move(name)), m_dir(baseFolder()
     QFile::setPermissions(m_dir.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
                                             QFileDevice::ExeOwner | QFileDevice::ReadOther |
                                             QFileDevice::ExeOther);
-    if (geteuid() == 0)
-        runTool(u"chown"_s, {u"postgres:"_s, m_dir.path()});
+    ownByServer(m_dir.path());
 }
 
 PgCluster::~PgCluster()
@@ -88,29 +92,19 @@ bool PgCluster::run(const QString& program, const QStringList& args)
 
 bool PgCluster::init()
 {
-    const QString pw = m_dir.path() + u"/pw"_s;
-    QFile f(pw);
-    if (!f.open(QIODevice::WriteOnly) || f.write(QString::fromUtf16(kDbPassword).toUtf8()) < 0)
+    QFile pw(m_dir.path() + u"/pw"_s);
+    if (!pw.open(QIODevice::WriteOnly) || pw.write(QString::fromUtf16(kDbPassword).toUtf8()) < 0)
         return false;
-    f.close();
-    if (geteuid() == 0)
-        runTool(u"chown"_s, {u"postgres:"_s, pw});
+    pw.close();
+    ownByServer(pw.fileName());
     if (!run(u"initdb"_s, {u"-D"_s, dataDir(), u"-U"_s, QString::fromUtf16(kDbUser),
-                           u"--pwfile="_s + pw, u"-A"_s, u"scram-sha-256"_s, u"-E"_s, u"UTF8"_s,
-                           u"--locale=C.UTF-8"_s, u"--no-sync"_s}))
+                           u"--pwfile="_s + pw.fileName(), u"-A"_s, u"scram-sha-256"_s, u"-E"_s,
+                           u"UTF8"_s, u"--locale=C.UTF-8"_s, u"--no-sync"_s}))
         return false;
     QFile hba(dataDir() + u"/pg_hba.conf"_s);
     return hba.open(QIODevice::Append) &&
            hba.write("host all all 127.0.0.0/8 scram-sha-256\n"
                      "host replication all 127.0.0.0/8 scram-sha-256\n") > 0;
-}
-
-bool PgCluster::cloneOf(const PgCluster& primary)
-{
-    return run(u"pg_basebackup"_s,
-               {u"-h"_s, primary.address(), u"-p"_s, QString::number(primary.port()), u"-U"_s,
-                QString::fromUtf16(kDbUser), u"-D"_s, dataDir(), u"-R"_s, u"-X"_s, u"stream"_s,
-                u"--no-sync"_s, u"-c"_s, u"fast"_s});
 }
 
 bool PgCluster::start(const QString& address, int port, const QStringList& settings)
@@ -130,10 +124,8 @@ bool PgCluster::start(const QString& address, int port, const QStringList& setti
 
 bool PgCluster::stop()
 {
-    if (!m_running)
-        return true;
-    m_running = false;
-    return run(u"pg_ctl"_s, {u"-D"_s, dataDir(), u"-m"_s, u"immediate"_s, u"-w"_s, u"stop"_s});
+    return !std::exchange(m_running, false) ||
+           run(u"pg_ctl"_s, {u"-D"_s, dataDir(), u"-m"_s, u"immediate"_s, u"-w"_s, u"stop"_s});
 }
 
 bool PgCluster::promote()
@@ -145,10 +137,9 @@ bool PgCluster::give(const QString& from, const QString& name) const
 {
     const QString to = dataDir() + u'/' + name;
     QFile::remove(to);
-    if (!QFile::copy(from, to) ||
-        !QFile::setPermissions(to, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-        return false;
-    return geteuid() != 0 || runTool(u"chown"_s, {u"postgres:"_s, to}).code == 0;
+    return QFile::copy(from, to) &&
+           QFile::setPermissions(to, QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
+           ownByServer(to);
 }
 
 QString pairUrl(const PgCluster& primary, const PgCluster& standby, const QString& name)
@@ -162,22 +153,10 @@ bool makeReplicatedPair(PgCluster& primary, PgCluster& standby, const QString& n
                         QString& problem)
 {
     const int port = PgCluster::freePort();
-    if (!primary.init() || !primary.start(u"127.0.0.1"_s, port)) {
+    if (!primary.init() || !primary.start(u"127.0.0.1"_s, port) ||
+        !primary.run(u"createdb"_s, {u"-h"_s, primary.address(), u"-p"_s, QString::number(port),
+                                     u"-U"_s, QString::fromUtf16(kDbUser), name})) {
         problem = primary.problem();
-        return false;
-    }
-    Database admin;
-    admin.allowGuiThread();
-    ConnectionSettings where;
-    where.kind = DbKind::PostgreSQL;
-    where.serverIp = primary.address();
-    where.serverPort = QString::number(port);
-    where.dataSource = u"postgres"_s;
-    DbError e = admin.open(where);
-    if (!e.isError())
-        e = admin.exec(u"CREATE DATABASE "_s + name);
-    if (e.isError()) {
-        problem = e.description;
         return false;
     }
     sim::SimOptions seed;
@@ -186,16 +165,18 @@ bool makeReplicatedPair(PgCluster& primary, PgCluster& standby, const QString& n
         QString::fromUtf16(kDbUser), QString::fromUtf16(kDbPassword), QString::number(port), name);
     seed.units = units;
     seed.days = 1;
-    QString out;
-    QString err;
-    QTextStream o(&out);
-    QTextStream r(&err);
+    QString said;
+    QTextStream out(&said);
     const std::atomic<bool> stop{false};
-    if (sim::runSimCommand(seed, o, r, stop) != sim::kExitOk) {
-        problem = err;
+    if (sim::runSimCommand(seed, out, out, stop) != sim::kExitOk) {
+        problem = said;
         return false;
     }
-    if (!standby.cloneOf(primary) || !standby.start(u"127.0.0.2"_s, port)) {
+    if (!standby.run(u"pg_basebackup"_s,
+                     {u"-h"_s, primary.address(), u"-p"_s, QString::number(port), u"-U"_s,
+                      QString::fromUtf16(kDbUser), u"-D"_s, standby.dataDir(), u"-R"_s, u"-X"_s,
+                      u"stream"_s, u"--no-sync"_s, u"-c"_s, u"fast"_s}) ||
+        !standby.start(u"127.0.0.2"_s, port)) {
         problem = standby.problem();
         return false;
     }

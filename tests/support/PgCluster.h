@@ -5,9 +5,8 @@
 
 namespace sx::test {
 
-// A PostgreSQL server of a test's own, on one loopback address: made with
-// initdb (as the user postgres when run as root), fsync off, the fixed
-// credentials, password log-on from all of 127/8 (replication included).
+// A PostgreSQL server of a test's own on one loopback address: initdb (as the user postgres when
+// run as root), fsync off, the fixed credentials, password log-on from 127/8 (replication too).
 class PgCluster {
 public:
     // Where the server's programs are (SX_PG_BIN, else the newest installed); empty: none.
@@ -19,8 +18,6 @@ public:
     ~PgCluster();
 
     [[nodiscard]] bool init();
-    // A standby of `primary`, which must be running (pg_basebackup -R).
-    [[nodiscard]] bool cloneOf(const PgCluster& primary);
     // Starts on address:port with extra settings ("ssl=on", ...).
     [[nodiscard]] bool start(const QString& address, int port, const QStringList& settings = {});
     bool stop(); // immediate
@@ -33,10 +30,10 @@ public:
     [[nodiscard]] int port() const { return m_port; }
     // What failed last, with the server's log.
     [[nodiscard]] QString problem() const { return m_problem; }
-
-private:
+    // Runs one of the server's programs (bin/`program`) as the server's user.
     bool run(const QString& program, const QStringList& args);
 
+private:
     QString m_name;
     QTemporaryDir m_dir;
     QString m_address;
@@ -45,9 +42,8 @@ private:
     QString m_problem;
 };
 
-// A primary on 127.0.0.1 and its streaming standby on 127.0.0.2, one port,
-// with a database `name` that the simulator seeded with `units` units; on
-// failure `problem` says why. The pair's URL is pairUrl().
+// A primary on 127.0.0.1 and its streaming standby on 127.0.0.2, one port, with a database `name`
+// that the simulator seeded with `units` units; on failure `problem` says why.
 [[nodiscard]] bool makeReplicatedPair(PgCluster& primary, PgCluster& standby, const QString& name,
                                       int units, QString& problem);
 [[nodiscard]] QString pairUrl(const PgCluster& primary, const PgCluster& standby,

@@ -15,11 +15,9 @@ namespace sx::test {
 namespace {
 QAtomicInt g_counter;
 
-// The server's database that holds the schema; copying it is cheaper than running
-// the schema's statements in every scratch database. Its name carries a digest of
-// those statements, so a server that outlives a change of schema gets a new one.
-// The first process that needs it makes it under an advisory lock, under another
-// name first, so that a copy never meets a half-made template.
+// A database with the schema: cheaper to copy than the statements are to run. A digest of
+// them names it, so a change of schema makes a new one. The first process that needs it
+// makes it under an advisory lock and another name, so a copy never meets half of one.
 QString schemaTemplate(Database& server, const ConnectionSettings& admin, DbError& e)
 {
     static QString made;
@@ -64,8 +62,7 @@ QString ScratchDatabase::serverUrl()
 
 QString ScratchDatabase::kindName()
 {
-    const QString kind = qEnvironmentVariable("SX_TEST_DB");
-    return kind.isEmpty() ? u"sqlite"_s : kind;
+    return qEnvironmentVariable("SX_TEST_DB", u"sqlite"_s);
 }
 
 ScratchDatabase::ScratchDatabase()
@@ -85,18 +82,15 @@ ScratchDatabase::ScratchDatabase()
                                 .arg(g_counter.fetchAndAddRelaxed(1));
     // A server that does not answer shows here, where the test asks for problem().
     m_server.allowGuiThread();
-    const DbError e = m_server.open(m_admin);
-    if (e.isError())
+    if (const DbError e = m_server.open(m_admin); e.isError())
         m_problem = u"cannot create a test database: "_s + e.description;
 }
 
 ScratchDatabase::~ScratchDatabase()
 {
-    if (!m_created)
-        return;
     const QString drop = u"DROP DATABASE IF EXISTS "_s + m_settings.dataSource + u" WITH (FORCE)"_s;
     // The test may have cut this connection, as it cuts others.
-    if (m_server.exec(drop).isError() && !m_server.reopen().isError())
+    if (m_created && m_server.exec(drop).isError() && !m_server.reopen().isError())
         (void)m_server.exec(drop);
 }
 

@@ -10,11 +10,9 @@
 
 namespace sx::test {
 
-// A fresh, empty database of the kind the test run names (SX_TEST_DB =
-// "sqlite" or "postgresql"): a file in a temporary folder, or a new database
-// on the server of SX_TEST_PG, dropped again at the end. The server's database
-// is made on first use: a copy of a template that holds the schema when that
-// use is open() with the schema, an empty one otherwise.
+// A fresh database of the kind SX_TEST_DB names ("sqlite", "postgresql"): a file in a
+// temporary folder, or one on the server of SX_TEST_PG, made on first use (a copy of a
+// template with the schema when that is open() with it) and dropped at the end.
 class ScratchDatabase {
 public:
     ScratchDatabase();

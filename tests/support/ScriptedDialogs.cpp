@@ -19,9 +19,11 @@ template <typename T> T take(QList<T>& answers, ScriptedDialogs::Shown& shown, T
 
 } // namespace
 
-ScriptedDialogs::Shown& ScriptedDialogs::record(Shown s)
+ScriptedDialogs::Shown& ScriptedDialogs::record(const QString& kind, const QString& title,
+                                                const QString& text, const QStringList& items,
+                                                Icon icon, Buttons buttons)
 {
-    m_shown.append(std::move(s));
+    m_shown.append({kind, icon, buttons, title, text, items, false});
     if (onShown)
         onShown(m_shown.last());
     return m_shown.last();
@@ -30,10 +32,8 @@ ScriptedDialogs::Shown& ScriptedDialogs::record(Shown s)
 QList<ScriptedDialogs::Shown> ScriptedDialogs::messages() const
 {
     QList<Shown> out;
-    for (const Shown& s : m_shown) {
-        if (s.kind == u"message")
-            out << s;
-    }
+    std::copy_if(m_shown.begin(), m_shown.end(), std::back_inserter(out),
+                 [](const Shown& s) { return s.kind == u"message"; });
     return out;
 }
 
@@ -52,7 +52,7 @@ int ScriptedDialogs::pendingAnswers() const
 DialogService::Answer ScriptedDialogs::message(QWidget*, Icon icon, const QString& title,
                                                const QString& text, Buttons buttons)
 {
-    Shown& s = record({u"message"_s, icon, buttons, title, text, {}, false});
+    Shown& s = record(u"message"_s, title, text, {}, icon, buttons);
     // A box with only OK needs no script.
     const Answer answer =
         buttons == Buttons::Ok
@@ -71,16 +71,13 @@ DialogService::Answer ScriptedDialogs::message(QWidget*, Icon icon, const QStrin
 std::optional<QString> ScriptedDialogs::inputText(QWidget*, const QString& title,
                                                   const QString& prompt, const QString& defaultText)
 {
-    return take(
-        m_inputs,
-        record({u"input"_s, Icon::None, Buttons::OkCancel, title, prompt, {defaultText}, false}));
+    return take(m_inputs, record(u"input"_s, title, prompt, {defaultText}));
 }
 
 std::optional<QString> ScriptedDialogs::codePrompt(QWidget*, const QString& title,
                                                    const QString& label)
 {
-    return take(m_codes,
-                record({u"code"_s, Icon::None, Buttons::OkCancel, title, label, {}, false}));
+    return take(m_codes, record(u"code"_s, title, label));
 }
 
 std::optional<DialogService::Selection> ScriptedDialogs::selection(QWidget*, const QString& caption,
@@ -88,33 +85,25 @@ std::optional<DialogService::Selection> ScriptedDialogs::selection(QWidget*, con
                                                                    const QStringList& first,
                                                                    const QStringList& second)
 {
-    QStringList items = first;
-    if (!second.isEmpty())
-        items << u"|"_s << second;
-    return take(m_selections, record({u"selection"_s, Icon::None, Buttons::OkCancel, caption, label,
-                                      items, false}));
+    const QStringList items = second.isEmpty() ? first : first + QStringList{u"|"_s} + second;
+    return take(m_selections, record(u"selection"_s, caption, label, items));
 }
 
 QString ScriptedDialogs::openFileName(QWidget*, const QString& title, const QString& filter,
                                       const QString& proposed)
 {
-    return take(
-        m_files,
-        record({u"open"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false}));
+    return take(m_files, record(u"open"_s, title, filter, {proposed}));
 }
 
 QString ScriptedDialogs::saveFileName(QWidget*, const QString& title, const QString& filter,
                                       const QString& proposed)
 {
-    return take(
-        m_files,
-        record({u"save"_s, Icon::None, Buttons::OkCancel, title, filter, {proposed}, false}));
+    return take(m_files, record(u"save"_s, title, filter, {proposed}));
 }
 
 bool ScriptedDialogs::printDialog(QWidget*, QPrinter& printer)
 {
-    const auto [accept, setup] =
-        take(m_prints, record({u"print"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false}));
+    const auto [accept, setup] = take(m_prints, record(u"print"_s));
     if (setup)
         setup(printer);
     return accept;
@@ -123,15 +112,14 @@ bool ScriptedDialogs::printDialog(QWidget*, QPrinter& printer)
 void ScriptedDialogs::printPreview(QWidget*, QPrinter& printer,
                                    const std::function<void(QPrinter&)>& paint)
 {
-    record({u"preview"_s, Icon::None, Buttons::Ok, {}, {}, {}, m_previews.isEmpty()});
-    if (!m_previews.isEmpty())
-        m_previews.takeFirst()(printer, paint);
+    if (const PreviewHook hook =
+            take(m_previews, record(u"preview"_s, {}, {}, {}, Icon::None, Buttons::Ok)))
+        hook(printer, paint);
 }
 
 bool ScriptedDialogs::settingsDialog(QWidget*)
 {
-    const std::function<bool()> hook =
-        take(m_settings, record({u"settings"_s, Icon::None, Buttons::OkCancel, {}, {}, {}, false}));
+    const std::function<bool()> hook = take(m_settings, record(u"settings"_s));
     return hook && hook();
 }
 

@@ -10,9 +10,8 @@
 
 namespace sx::test {
 
-// Dialog answers given in advance. Every dialog shown is recorded; a dialog
-// with no scripted answer is recorded as unexpected and answered with the
-// negative choice (No, Cancel, cancelled), so a test never blocks.
+// Dialog answers given in advance. Every dialog shown is recorded; one with no scripted answer
+// counts as unexpected and gets the negative choice (No, Cancel, none), so a test never blocks.
 class ScriptedDialogs : public DialogService {
 public:
     struct Shown {
@@ -32,26 +31,20 @@ public:
     void answerCode(std::optional<QString> code) { m_codes << code; }
     void answerSelection(std::optional<Selection> s) { m_selections << s; }
     void answerFile(const QString& path) { m_files << path; }
-    // The print dialog: true lets the given printer stand (set up by the
-    // test, e.g. PDF output) or edits it first.
+    // The print dialog: accepted as `setup` leaves the printer (e.g. PDF output), or refused.
     void answerPrint(bool accept, std::function<void(QPrinter&)> setup = {})
     {
         m_prints.append({accept, std::move(setup)});
     }
-    // The print preview: the hook plays the user's part with the printer and
-    // the drawing (e.g. draws into a PDF to count the pages).
+    // The print preview: the hook plays the user's part with the printer and the drawing.
     using PreviewHook = std::function<void(QPrinter&, const std::function<void(QPrinter&)>&)>;
     void answerPreview(PreviewHook hook) { m_previews << std::move(hook); }
     // The settings dialog: the hook plays the user's part and returns accepted.
     void answerSettings(std::function<bool()> hook) { m_settings << std::move(hook); }
 
-    // The next message boxes stand open this long each before their answer,
-    // as when nobody is at the desk; events flow meanwhile, as under a real box.
-    void leaveOpen(int ms, int boxes = 1)
-    {
-        for (int i = 0; i < boxes; ++i)
-            m_leaveOpen << ms;
-    }
+    // The next message box not yet held stands open this long before its answer, as
+    // when nobody is at the desk; events flow meanwhile, as under a real box.
+    void leaveOpen(int ms) { m_leaveOpen << ms; }
     // How many boxes stand open now.
     [[nodiscard]] int standing() const { return m_standing; }
 
@@ -83,7 +76,9 @@ public:
     bool settingsDialog(QWidget* parent) override;
 
 private:
-    Shown& record(Shown s);
+    Shown& record(const QString& kind, const QString& title = {}, const QString& text = {},
+                  const QStringList& items = {}, Icon icon = Icon::None,
+                  Buttons buttons = Buttons::OkCancel);
 
     QList<Answer> m_messages;
     QList<std::optional<QString>> m_inputs;

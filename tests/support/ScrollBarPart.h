@@ -6,23 +6,15 @@
 
 namespace sx::test {
 
-// Where the style draws a part of a scroll bar (an arrow, the trough on either
-// side of the handle), for real clicks on it.
+// Where the style draws a part of a scroll bar (an arrow, the trough by the handle), to click.
 inline QRect scrollBarPart(const QScrollBar* bar, QStyle::SubControl part)
 {
+    // The bar's own options, as it paints with them: protected, reached by a member pointer.
+    struct Open : QScrollBar {
+        using QScrollBar::initStyleOption;
+    };
     QStyleOptionSlider opt;
-    opt.initFrom(bar);
-    opt.subControls = QStyle::SC_All;
-    opt.orientation = bar->orientation();
-    opt.minimum = bar->minimum();
-    opt.maximum = bar->maximum();
-    opt.sliderPosition = bar->sliderPosition();
-    opt.sliderValue = bar->value();
-    opt.singleStep = bar->singleStep();
-    opt.pageStep = bar->pageStep();
-    opt.upsideDown = bar->invertedAppearance();
-    if (bar->orientation() == Qt::Horizontal)
-        opt.state |= QStyle::State_Horizontal;
+    (bar->*&Open::initStyleOption)(&opt);
     return bar->style()->subControlRect(QStyle::CC_ScrollBar, &opt, part, bar);
 }
 

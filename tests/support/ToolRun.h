@@ -19,11 +19,8 @@ inline ToolRun runTool(const QString& program, const QStringList& args,
     QProcess p;
     p.setProcessEnvironment(env);
     p.start(program, args);
-    if (!p.waitForFinished(120000)) {
-        p.kill();
-        p.waitForFinished();
-        return {};
-    }
+    if (!p.waitForFinished(120000))
+        return {}; // QProcess kills it on the way out
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
             QString::fromUtf8(p.readAllStandardOutput()),
             QString::fromUtf8(p.readAllStandardError())};
