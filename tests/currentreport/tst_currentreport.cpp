@@ -13,7 +13,6 @@
 #include <QPrinter>
 #include <QStandardPaths>
 #include <QTimer>
-#include <QtTest>
 
 #include <memory>
 

@@ -19,7 +19,6 @@
 #include <QComboBox>
 #include <QFile>
 #include <QFontMetricsF>
-#include <QHeaderView>
 #include <QPdfWriter>
 #include <QPushButton>
 #include <QRadioButton>

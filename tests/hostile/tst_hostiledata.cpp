@@ -18,8 +18,6 @@
 #include "views/records/RecordsWindow.h"
 
 #include <QApplication>
-#include <QComboBox>
-#include <QHeaderView>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>

@@ -13,13 +13,11 @@
 
 #include <QComboBox>
 #include <QFile>
-#include <QGroupBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
-#include <QTextDocument>
 
 using namespace Qt::StringLiterals;
 using namespace sx;

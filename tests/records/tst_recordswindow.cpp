@@ -21,7 +21,6 @@
 #include <QFile>
 #include <QFontMetricsF>
 #include <QGroupBox>
-#include <QHeaderView>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMenu>
